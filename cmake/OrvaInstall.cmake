@@ -1,0 +1,29 @@
+# What `cmake --install` puts in place: the library, its headers, and how a host finds both, with
+# CMake's find_package(OrvaLanguage) or with pkg-config.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS OrvaLanguage
+    EXPORT OrvaLanguageTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+install(DIRECTORY include/OrvaLanguage DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+
+set(orva_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaLanguage")
+install(EXPORT OrvaLanguageTargets
+    FILE OrvaLanguageConfig.cmake
+    NAMESPACE OrvaLanguage::
+    DESTINATION "${orva_package_dir}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
+    DESTINATION "${orva_package_dir}")
+
+# Relative to the file itself, so that the installed tree may be moved.
+file(RELATIVE_PATH orva_pc_prefix
+    "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+set(orva_pc_libdir "\${prefix}")
+cmake_path(APPEND orva_pc_libdir "${CMAKE_INSTALL_LIBDIR}")
+set(orva_pc_includedir "\${prefix}")
+cmake_path(APPEND orva_pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
+configure_file(packaging/OrvaLanguage.pc.in "${PROJECT_BINARY_DIR}/OrvaLanguage.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/OrvaLanguage.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

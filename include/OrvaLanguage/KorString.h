@@ -1,0 +1,73 @@
+// The layer beneath OrvaLanguage.h, for hosts in C++: the loader, the plain look-up, the table
+// itself and the functions that read a strings file line by line.
+#ifndef ORVALANGUAGE_KORSTRING_H
+#define ORVALANGUAGE_KORSTRING_H
+
+#include <fstream>
+#include <string>
+
+#include <OrvaLanguage/Export.h>
+#include <OrvaLanguage/StringMap.h>
+
+struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
+
+// Does what ZuLoadStrings does, with the same arguments, result and thread rules, but leaves the
+// gate of the look-ups in OrvaLanguage.h as it was.
+//
+// Throws std::bad_alloc if memory runs out; the table then keeps the entries read so far, and the
+// file is closed.
+ORVA_EXPORT int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundle);
+
+// Looks a key up in the table as it stands, whatever the last load returned.
+//
+// Returns the stored text, owned by the table and valid until a load opens its file, or null if key
+// is null or not there. Keys match whole and by case. Texts are given as the file has them:
+// protected ones undecoded.
+//
+// Throws std::bad_alloc if memory runs out. Must not run at the same time as a load.
+ORVA_EXPORT const char* KorGetLocalizedString(const char* key);
+
+// The strings file, line by line. There are no instances. The functions keep no state, so they may
+// run on any thread, each caller with a stream and strings of its own; only changing a keyword
+// while another thread reads it is not safe. All but SearchLanguageKey and SearchRegionKey can
+// throw std::bad_alloc, and so can the copying of their line argument by the caller.
+class KorString {
+public:
+    KorString() = delete;
+
+    // The keywords that open a language line and a region line: "QVLANG=" and "QVREGION=". They are
+    // read anew at every call. Must not be null.
+    ORVA_EXPORT static const char* LANG_STATEMENT;
+    ORVA_EXPORT static const char* REGION_STATEMENT;
+
+    // The table of the loaded section. Loads change it; a host only reads it.
+    ORVA_EXPORT static StringMap gMapLocalizedStrings;
+
+    // Reads the next line, without its line feed and without a carriage return at its very end.
+    // Returns false if there is none, or reading failed, or memory ran out (the stream is then bad,
+    // and nothing is thrown); line then holds nothing of use. A last line without a line feed is a
+    // line.
+    ORVA_EXPORT static bool GetLine(std::ifstream& stream, std::string& line);
+
+    // Whether line opens the section of this name: the keyword by its exact bytes at the very
+    // start, then the name, compared whole but for the case of ASCII letters. The name "" stands
+    // for every section. False for a null name and for an empty line.
+    ORVA_EXPORT static bool SearchLanguageKey(std::string line, const char* language);
+
+    // The same for REGION_STATEMENT. The loader has no use for it: a region line is an entry.
+    ORVA_EXPORT static bool SearchRegionKey(std::string line, const char* region);
+
+    // Returns the text with each backslash that a lower-case n follows, and that n, made one line
+    // feed. Every other byte stays. The text must not be null and is not changed.
+    ORVA_EXPORT static std::string ConvertNewLine(const std::string* text);
+
+    // Splits a line at its first "=", which must have four bytes or more before it. If the value
+    // holds a double quote, it is what stands between the first and the last one, with "\n"
+    // expanded; with a single quote, it is all that follows the quote. Without one it is kept as it
+    // is. Returns false if the line is no such line; key and value, which must not be null, are
+    // then untouched.
+    ORVA_EXPORT static bool GetLocalizedElement(std::string line, std::string* key,
+                                                std::string* value);
+};
+
+#endif

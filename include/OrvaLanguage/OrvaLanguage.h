@@ -1,0 +1,75 @@
+/*
+ * libOrvaLanguage for a host, in C or C++: load one language section of a strings file, then look
+ * its texts up by key.
+ *
+ * What holds for every call here:
+ * - Texts going in are NUL-terminated bytes and are not kept: the caller may free them afterwards.
+ * - Texts coming out belong to the library; the caller never frees or changes them. How long one
+ *   lives is said at the call that hands it out.
+ * - A failure shows in the result alone (0, or null). Nothing is printed or logged, errno means
+ *   nothing, and no call ends the process. The one exception that can leave a call is
+ *   std::bad_alloc, when memory runs out; a C host ends there.
+ * - There is one table for the whole process, and it has no lock. Look-ups may run at the same time
+ *   as look-ups; a load must not run at the same time as another load or a look-up.
+ */
+#ifndef ORVALANGUAGE_ORVALANGUAGE_H
+#define ORVALANGUAGE_ORVALANGUAGE_H
+
+#include <OrvaLanguage/Export.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * A bundle: a folder that carries an application's resources. On macOS this is CoreFoundation's
+ * type, so a CFBundleRef is what to pass; elsewhere ZuOpenBundle makes one.
+ */
+struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own name */
+
+/*
+ * Loads one language section of a strings file in place of the table loaded before.
+ *
+ * language  the section's name, compared without regard to the case of ASCII letters. "" is the
+ *           file's first section, and so is a name that the file does not have.
+ * fileName  the file inside the bundle's resources folder, in UTF-8; may name folders ("a/b").
+ * bundle    the bundle, still owned by the caller; null is the application's main bundle.
+ *
+ * Returns the number of entries in the new table. The section's own header counts as one: its key
+ * is "QVLANG", its value the section's name. Returns 0 on failure, and then
+ * - the earlier table stays where the file was not opened: a null language or fileName, a fileName
+ *   that is not UTF-8, a bundle that is gone, a path of 1024 bytes or more, a file that is missing
+ *   or may not be read;
+ * - the table is empty where the file was opened but holds no section, as with an empty file or a
+ *   folder.
+ *
+ * Every text handed out from the table is invalid once a load has opened its file.
+ */
+ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
+                              struct __CFBundle* bundle);
+
+#ifndef __APPLE__
+/*
+ * Makes a bundle of the folder at path. The resources folder in it is
+ * - Resources, if the folder's name ends in ".framework" and Resources is there;
+ * - else Contents/Resources, if Contents is there (Contents/Resources need not be);
+ * - else Resources, if that is there;
+ * - else the folder itself.
+ * Which of these holds is asked anew at each load.
+ *
+ * A relative path is taken from the folder that is current at this call. A symbolic link at the
+ * end of the path is followed, and its name stays in the path.
+ *
+ * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder.
+ */
+ORVA_EXPORT struct __CFBundle* ZuOpenBundle(const char* path);
+
+/* Frees a bundle from ZuOpenBundle; the table stays. Null is fine. */
+ORVA_EXPORT void ZuCloseBundle(struct __CFBundle* bundle);
+#endif
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif

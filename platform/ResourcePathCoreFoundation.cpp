@@ -1,0 +1,82 @@
+#include <cstring>
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "platform/ResourcePath.h"
+
+namespace {
+
+// One owned CoreFoundation object, or null; released at the end of its scope.
+template <typename Ref>
+class Owned {
+public:
+    explicit Owned(Ref ref) noexcept : m_ref(ref) {}
+    ~Owned() {
+        if (m_ref != nullptr) {
+            CFRelease(m_ref);
+        }
+    }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+
+    Ref Get() const noexcept { return m_ref; }
+    explicit operator bool() const noexcept { return m_ref != nullptr; }
+
+private:
+    Ref m_ref;
+};
+
+// CoreFoundation crashes on a null argument, so this stops before a call that would get one. A file
+// name that is not UTF-8 is what makes a null in practice: there is no name string then.
+void WritePath(CFURLRef bundleURL, CFURLRef resourcesURL, const char* fileName,
+               char (&path)[kResourcePathCapacity]) {
+    const CFStringRef resources = CFURLGetString(resourcesURL);
+    if (resources == nullptr) {
+        return;
+    }
+    const Owned folderURL(
+        CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, bundleURL, resources, false));
+    const Owned name(
+        CFStringCreateWithCString(kCFAllocatorDefault, fileName, kCFStringEncodingUTF8));
+    if (!folderURL || !name) {
+        return;
+    }
+    const Owned fileURL(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, folderURL.Get(),
+                                                              name.Get(), false));
+    if (!fileURL) {
+        return;
+    }
+    const Owned pathString(CFURLCopyFileSystemPath(fileURL.Get(), kCFURLPOSIXPathStyle));
+    if (!pathString) {
+        return;
+    }
+    // Its result is not asked: whatever stands in the buffer decides. A buffer filled to its end
+    // without a NUL holds no path that could be read.
+    CFStringGetFileSystemRepresentation(pathString.Get(), path, kResourcePathCapacity);
+    if (std::memchr(path, '\0', kResourcePathCapacity) == nullptr) {
+        path[0] = '\0';
+    }
+}
+
+}  // namespace
+
+void GetResourcePath(__CFBundle* bundle, const char* fileName,
+                     char (&path)[kResourcePathCapacity]) {
+    if (bundle == nullptr) {
+        bundle = CFBundleGetMainBundle();
+    }
+    if (bundle == nullptr) {
+        return;
+    }
+    const CFURLRef bundleURL = CFBundleCopyBundleURL(bundle);
+    const CFURLRef resourcesURL = CFBundleCopyResourcesDirectoryURL(bundle);
+    if (bundleURL != nullptr && resourcesURL != nullptr) {
+        WritePath(bundleURL, resourcesURL, fileName, path);
+    }
+    if (bundleURL != nullptr) {
+        CFRelease(bundleURL);
+    }
+    if (resourcesURL != nullptr) {
+        CFRelease(resourcesURL);
+    }
+}

@@ -1,0 +1,155 @@
+// A bundle without CoreFoundation: a folder laid out as one.
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <OrvaLanguage/OrvaLanguage.h>
+
+#include "platform/ResourcePath.h"
+
+namespace fs = std::filesystem;
+
+struct __CFBundle {   // NOLINT(bugprone-reserved-identifier): the platform's own name
+    fs::path folder;  // absolute
+};
+
+namespace {
+
+constexpr std::string_view kFrameworkEnding = ".framework";
+
+bool IsFolder(const fs::path& path) {
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+// The path without slashes at its end, which would count as an empty name behind the last one.
+fs::path WithoutEndingSlash(fs::path path) {
+    return path.has_filename() || path == path.root_path() ? path : path.parent_path();
+}
+
+// The number of bytes that the UTF-8 character at text takes, or 0 if there is none: overlong
+// forms, surrogates and what lies above U+10FFFF are none. The text's NUL ends a cut-off one.
+std::size_t CharacterLength(const unsigned char* text) {
+    if (text[0] < 0x80) {
+        return 1;
+    }
+    // The second byte's range is narrower after the lead bytes at which the three errors begin.
+    unsigned char lowest = 0x80;
+    unsigned char highest = 0xBF;
+    std::size_t length = 0;
+    if (text[0] >= 0xC2 && text[0] <= 0xDF) {
+        length = 2;
+    } else if (text[0] >= 0xE0 && text[0] <= 0xEF) {
+        length = 3;
+        lowest = text[0] == 0xE0 ? 0xA0 : lowest;
+        highest = text[0] == 0xED ? 0x9F : highest;
+    } else if (text[0] >= 0xF0 && text[0] <= 0xF4) {
+        length = 4;
+        lowest = text[0] == 0xF0 ? 0x90 : lowest;
+        highest = text[0] == 0xF4 ? 0x8F : highest;
+    } else {
+        return 0;
+    }
+    if (text[1] < lowest || text[1] > highest) {
+        return 0;
+    }
+    for (std::size_t i = 2; i < length; ++i) {
+        if (text[i] < 0x80 || text[i] > 0xBF) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+bool IsUtf8(const char* text) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text);
+    while (*bytes != 0) {
+        const std::size_t length = CharacterLength(bytes);
+        if (length == 0) {
+            return false;
+        }
+        bytes += length;
+    }
+    return true;
+}
+
+fs::path ResourcesFolder(const fs::path& bundle) {
+    const fs::path resources = bundle / "Resources";
+    const std::string name = bundle.filename().string();
+    const bool isFramework = name.size() >= kFrameworkEnding.size() &&
+                             name.compare(name.size() - kFrameworkEnding.size(), std::string::npos,
+                                          kFrameworkEnding) == 0;
+    if (isFramework && IsFolder(resources)) {
+        return resources;
+    }
+    if (IsFolder(bundle / "Contents")) {
+        return bundle / "Contents" / "Resources";
+    }
+    return IsFolder(resources) ? resources : bundle;
+}
+
+// The application that the running executable belongs to, or an empty path if the system does not
+// say where the executable is.
+fs::path MainBundleFolder() {
+    std::error_code error;
+    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return {};
+    }
+    const fs::path folder = executable.parent_path();
+    const fs::path above = folder.parent_path();
+    if (above.filename() == "Contents") {
+        return above.parent_path();
+    }
+    if (folder.filename() == "bin") {
+        fs::path share = above / "share" / executable.filename();
+        if (IsFolder(share)) {
+            return share;
+        }
+    }
+    return folder;
+}
+
+}  // namespace
+
+__CFBundle* ZuOpenBundle(const char* path) {
+    if (path == nullptr || !IsFolder(path)) {
+        return nullptr;
+    }
+    std::error_code error;
+    fs::path folder = WithoutEndingSlash(fs::absolute(path, error));
+    return error ? nullptr : new __CFBundle{std::move(folder)};
+}
+
+void ZuCloseBundle(__CFBundle* bundle) {
+    delete bundle;
+}
+
+void GetResourcePath(__CFBundle* bundle, const char* fileName,
+                     char (&path)[kResourcePathCapacity]) {
+    if (!IsUtf8(fileName)) {
+        return;
+    }
+    const fs::path folder = bundle != nullptr ? bundle->folder : MainBundleFolder();
+    if (folder.empty()) {
+        return;
+    }
+    std::string found = ResourcesFolder(folder).string();
+
+    // Slashes around the name are dropped: an absolute name stays inside the resources folder, and
+    // a name of nothing else is that folder.
+    std::string_view name = fileName;
+    name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
+    name = name.substr(0, name.find_last_not_of('/') + 1);
+    if (!name.empty()) {
+        if (found.back() != '/') {
+            found += '/';
+        }
+        found += name;
+    }
+    if (found.size() < kResourcePathCapacity) {
+        std::memcpy(path, found.c_str(), found.size() + 1);
+    }
+}

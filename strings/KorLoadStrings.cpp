@@ -1,0 +1,64 @@
+#include <OrvaLanguage/KorString.h>
+
+#include "platform/ResourcePath.h"
+
+namespace {
+
+// Reads on to the header line of the section of this name ("": of any) and leaves it in line.
+bool FindSection(std::ifstream& stream, std::string& line, const char* name) {
+    while (KorString::GetLine(stream, line)) {
+        if (KorString::SearchLanguageKey(line, name)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Puts a line that is an element into the table; any other is passed over.
+void InsertElement(const std::string& line) {
+    std::string key;
+    std::string value;
+    if (KorString::GetLocalizedElement(line, &key, &value)) {
+        KorString::gMapLocalizedStrings.Insert(key, value);
+    }
+}
+
+}  // namespace
+
+int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundle) {
+    if (language == nullptr || fileName == nullptr) {
+        return 0;
+    }
+    char path[kResourcePathCapacity] = {};
+    GetResourcePath(bundle, fileName, path);
+    if (path[0] == '\0') {
+        return 0;
+    }
+    std::ifstream stream(path);
+    if (!stream) {
+        return 0;
+    }
+    // A host may name the section by a text of the very table that goes now ("QVLANG", to load
+    // another file in the same language).
+    const std::string section = language;
+
+    // Not earlier: as long as the file is not open, the host keeps the texts it has.
+    KorString::gMapLocalizedStrings.Clear();
+
+    std::string line;
+    if (!FindSection(stream, line, section.c_str())) {
+        // From the start again, for the first section of any name. If the file can't be opened any
+        // more, no line is found and the table stays empty.
+        stream.close();
+        stream.open(path);
+        if (!FindSection(stream, line, "")) {
+            return 0;
+        }
+    }
+    // The header line too: it becomes the entry that tells which section is loaded.
+    InsertElement(line);
+    while (KorString::GetLine(stream, line) && !KorString::SearchLanguageKey(line, "")) {
+        InsertElement(line);
+    }
+    return static_cast<int>(KorString::gMapLocalizedStrings.Size());
+}

@@ -1,0 +1,82 @@
+#include <cstring>
+#include <strings.h>
+
+#include <OrvaLanguage/KorString.h>
+
+namespace {
+
+constexpr char kEscape[] = "\\n";
+constexpr std::size_t kEscapeLength = 2;
+constexpr std::size_t kShortestKey = 4;
+
+// What SearchLanguageKey and SearchRegionKey have in common.
+bool SearchKey(const std::string& line, const char* keyword, const char* name) {
+    if (name == nullptr || line.empty()) {
+        return false;
+    }
+    const std::size_t length = std::strlen(keyword);
+    if (line.compare(0, length, keyword) != 0) {
+        return false;
+    }
+    return name[0] == '\0' || strcasecmp(line.c_str() + length, name) == 0;
+}
+
+}  // namespace
+
+const char* KorString::LANG_STATEMENT = "QVLANG=";
+const char* KorString::REGION_STATEMENT = "QVREGION=";
+StringMap KorString::gMapLocalizedStrings;
+
+bool KorString::GetLine(std::ifstream& stream, std::string& line) {
+    if (!std::getline(stream, line)) {
+        return false;
+    }
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    return true;
+}
+
+bool KorString::SearchLanguageKey(std::string line, const char* language) {
+    return SearchKey(line, LANG_STATEMENT, language);
+}
+
+bool KorString::SearchRegionKey(std::string line, const char* region) {
+    return SearchKey(line, REGION_STATEMENT, region);
+}
+
+std::string KorString::ConvertNewLine(const std::string* text) {
+    // One pass from left to right: replacing in place would move the rest of the text each time.
+    std::string converted;
+    std::size_t from = 0;
+    for (std::size_t found = text->find(kEscape); found != std::string::npos;
+         found = text->find(kEscape, from)) {
+        converted.append(*text, from, found - from);
+        converted += '\n';
+        from = found + kEscapeLength;
+    }
+    converted.append(*text, from, std::string::npos);
+    return converted;
+}
+
+bool KorString::GetLocalizedElement(std::string line, std::string* key, std::string* value) {
+    const std::size_t equals = line.find('=');
+    // A key of fewer than four bytes is refused on purpose, so that short scraps of text which
+    // happen to hold "=" do not become entries.
+    if (equals == std::string::npos || equals < kShortestKey) {
+        return false;
+    }
+    key->assign(line, 0, equals);
+    value->assign(line, equals + 1, std::string::npos);
+
+    const std::size_t first = value->find('"');
+    if (first == std::string::npos) {
+        return true;
+    }
+    // With one quote only, first and last are the same and the length wraps round to the largest
+    // there is: a value whose closing quote was forgotten is read to the end of its line.
+    const std::size_t last = value->rfind('"');
+    *value = value->substr(first + 1, last - first - 1);
+    *value = ConvertNewLine(value);
+    return true;
+}
