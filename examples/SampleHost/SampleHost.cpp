@@ -1,0 +1,24 @@
+// A host in small: loads its texts in the language asked for and shows them.
+//
+// Usage: SampleHost [LANGUAGE [FILE]]
+#include <cstdio>
+
+#include <OrvaLanguage/KorString.h>
+#include <OrvaLanguage/OrvaLanguage.h>
+
+int main(int argc, char** argv) {
+    const char* const language = argc > 1 ? argv[1] : "";
+    const char* const file = argc > 2 ? argv[2] : "Sample.strings";
+
+    const int entries = ZuLoadStrings(language, file, nullptr);
+    if (entries < 1) {
+        std::fprintf(stderr, "SampleHost: no texts in %s\n", file);
+        return 1;
+    }
+    std::printf("%d entries, section %s\n", entries, KorGetLocalizedString("QVLANG"));
+    for (const char* key : {"APP_TITLE", "MENU_OPEN", "MENU_QUIT", "ASK_SAVE", "NOT_THERE"}) {
+        const char* const text = KorGetLocalizedString(key);
+        std::printf("%-10s %s\n", key, text != nullptr ? text : "(no such text)");
+    }
+    return 0;
+}
