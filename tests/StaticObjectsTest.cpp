@@ -1,0 +1,67 @@
+// Loads the library and watches which of its static objects register a destructor, and when: that
+// is the order in which they are made.
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+bool gIsRecording = false;
+std::vector<const void*>* gRegistered = nullptr;
+
+// The names of the library's objects, by their place in its file.
+std::map<std::uintptr_t, std::string> Symbols() {
+    FILE* const listing = popen("nm --demangle --defined-only '" ORVA_LIBRARY "'", "r");
+    std::map<std::uintptr_t, std::string> symbols;
+    char line[4096];
+    while (std::fgets(line, sizeof line, listing) != nullptr) {
+        char* end = nullptr;
+        const std::uintptr_t place = std::strtoull(line, &end, 16);
+        std::string name = end + 3;  // behind " T "
+        name.pop_back();
+        if (end[1] == 'B' || end[1] == 'b' || end[1] == 'D' || end[1] == 'd') {
+            symbols[place] = name;
+        }
+    }
+    EXPECT_EQ(pclose(listing), 0);
+    return symbols;
+}
+
+TEST(StaticObjects, AreMadeInTheirOrder) {
+    std::vector<const void*> registered;
+    gRegistered = &registered;
+    gIsRecording = true;
+    void* const library = dlopen(ORVA_LIBRARY, RTLD_NOW);
+    gIsRecording = false;
+    ASSERT_NE(library, nullptr) << dlerror();
+
+    Dl_info info = {};
+    ASSERT_NE(dladdr(dlsym(library, "ZuLoadStrings"), &info), 0);
+    const auto base = reinterpret_cast<std::uintptr_t>(info.dli_fbase);
+    const std::map<std::uintptr_t, std::string> symbols = Symbols();
+    std::vector<std::string> names;
+    for (const void* object : registered) {
+        const auto symbol = symbols.find(reinterpret_cast<std::uintptr_t>(object) - base);
+        names.push_back(symbol == symbols.end() ? "not an object of the library" : symbol->second);
+    }
+    EXPECT_EQ(names, std::vector<std::string>{"KorString::gMapLocalizedStrings"});
+}
+
+}  // namespace
+
+// In place of the system's, which it calls: what a compiler calls to register the destructor of a
+// static object. NOLINTNEXTLINE(bugprone-reserved-identifier): the system's own name
+extern "C" int __cxa_atexit(void (*destroy)(void*), void* object, void* library) {
+    if (gIsRecording) {
+        gRegistered->push_back(object);
+    }
+    using Register = int(void (*)(void*), void*, void*);
+    static auto* const systems = reinterpret_cast<Register*>(dlsym(RTLD_NEXT, "__cxa_atexit"));
+    return systems(destroy, object, library);
+}

@@ -1,0 +1,67 @@
+/* The public interface from C, against the built library. */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <OrvaLanguage/OrvaLanguage.h>
+
+static const char* gPhase = "";
+
+#define CHECK(condition)                                                                \
+    do {                                                                                \
+        if (!(condition)) {                                                             \
+            fprintf(stderr, "%s:%d: %s: %s\n", __FILE__, __LINE__, gPhase, #condition); \
+            exit(1);                                                                    \
+        }                                                                               \
+    } while (0)
+
+static void StartPhase(const char* name) {
+    fprintf(stderr, "=== %s\n", name);
+    gPhase = name;
+}
+
+static void WriteFile(const char* path, const char* text) {
+    FILE* file = fopen(path, "w");
+    CHECK(file != NULL);
+    CHECK(fputs(text, file) >= 0);
+    CHECK(fclose(file) == 0);
+}
+
+int main(void) {
+    char folder[] = "/tmp/orva-test-XXXXXX";
+    char file[64];
+    struct __CFBundle* bundle;
+
+    StartPhase("no bundle");
+    CHECK(ZuOpenBundle(NULL) == NULL);
+    CHECK(ZuOpenBundle("/no/such/folder") == NULL);
+    ZuCloseBundle(NULL);
+
+    StartPhase("open bundle");
+    CHECK(mkdtemp(folder) != NULL);
+    snprintf(file, sizeof file, "%s/x.strings", folder);
+    WriteFile(file, "QVLANG=en\nMENU_OPEN=\"Open\"\nQVLANG=fr\nMENU_OPEN=\"Ouvrir\"\nQUIT=1\n");
+    bundle = ZuOpenBundle(folder);
+    CHECK(bundle != NULL);
+
+    StartPhase("load");
+    CHECK(ZuLoadStrings("en", "x.strings", bundle) == 2);
+    CHECK(ZuLoadStrings("FR", "x.strings", bundle) == 3);
+    CHECK(ZuLoadStrings("de", "x.strings", bundle) == 2);
+    CHECK(ZuLoadStrings("", "x.strings", bundle) == 2);
+
+    StartPhase("failed load");
+    CHECK(ZuLoadStrings(NULL, "x.strings", bundle) == 0);
+    CHECK(ZuLoadStrings("en", NULL, bundle) == 0);
+    CHECK(ZuLoadStrings("en", "missing", bundle) == 0);
+    CHECK(ZuLoadStrings("en", "\xFF", bundle) == 0);
+
+    StartPhase("clean up");
+    CHECK(unlink(file) == 0);
+    CHECK(rmdir(folder) == 0);
+    CHECK(ZuLoadStrings("en", "x.strings", bundle) == 0);
+    ZuCloseBundle(bundle);
+    return 0;
+}

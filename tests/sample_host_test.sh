@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Runs the sample host as the demo does and compares what it prints.
+#
+# Usage: sample_host_test.sh HOST
+set -euo pipefail
+host=$1
+
+expect() { # STATUS OUTPUT ARGUMENT…
+    local status=0 printed
+    printed=$("$host" "${@:3}" 2>&1) || status=$?
+    if [ "$status" != "$1" ] || [ "$printed" != "$2" ]; then
+        printf 'SampleHost %s ended with %s, not %s, and printed\n%s\nnot\n%s\n' \
+            "${*:3}" "$status" "$1" "$printed" "$2"
+        exit 1
+    fi
+}
+
+english='5 entries, section English
+APP_TITLE  Sample host
+MENU_OPEN  Open…
+MENU_QUIT  Quit
+ASK_SAVE   Save your changes?
+They are lost otherwise.
+NOT_THERE  (no such text)'
+german='5 entries, section Deutsch
+APP_TITLE  Beispielprogramm
+MENU_OPEN  Öffnen …
+MENU_QUIT  Beenden
+ASK_SAVE   Änderungen sichern?
+Sie gehen sonst verloren.
+NOT_THERE  (no such text)'
+french='5 entries, section Français
+APP_TITLE  Programme d'\''exemple
+MENU_OPEN  Ouvrir…
+MENU_QUIT  Quitter
+ASK_SAVE   Enregistrer les modifications ?
+Elles seront perdues sinon.
+NOT_THERE  (no such text)'
+
+expect 0 "$english"
+expect 0 "$english" english
+expect 0 "$german" Deutsch
+expect 0 "$french" Français
+expect 0 "$english" Nederlands
+expect 1 'SampleHost: no texts in Missing.strings' English Missing.strings

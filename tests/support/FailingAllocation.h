@@ -1,0 +1,21 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_FAILINGALLOCATION_H
+#define ORVALANGUAGE_TESTS_SUPPORT_FAILINGALLOCATION_H
+
+#include <cstddef>
+
+// While it lives, counts this thread's calls of operator new, the library's included, and makes the
+// n-th of them throw std::bad_alloc. n = 0 only counts. One at a time.
+class FailingAllocation {
+public:
+    explicit FailingAllocation(std::size_t n);
+    ~FailingAllocation();
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    static bool HasFailed();
+};
+
+// Blocks from operator new, of every thread, that are not deleted yet.
+std::size_t LiveAllocations();
+
+#endif

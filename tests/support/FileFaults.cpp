@@ -1,0 +1,59 @@
+#include "tests/support/FileFaults.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <dlfcn.h>
+
+namespace {
+
+bool gIsRecording = false;
+int gOpensUntilFailure = 0;  // 0: none is to fail
+std::vector<std::string>* gCalls = nullptr;
+
+template <typename Function>
+Function* System(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+FILE* Open(const char* name, const char* path, const char* mode) {
+    if (gIsRecording) {
+        gCalls->push_back(std::string("fopen ") + path + " " + mode);
+        if (gOpensUntilFailure > 0 && --gOpensUntilFailure == 0) {
+            errno = EACCES;
+            return nullptr;
+        }
+    }
+    return System<FILE*(const char*, const char*)>(name)(path, mode);
+}
+
+}  // namespace
+
+FileFaults::FileFaults(int failingOpen) {
+    delete gCalls;
+    gCalls = new std::vector<std::string>;
+    gOpensUntilFailure = failingOpen;
+    gIsRecording = true;
+}
+
+FileFaults::~FileFaults() {
+    gIsRecording = false;
+}
+
+const std::vector<std::string>& FileFaults::Calls() {
+    return *gCalls;
+}
+
+// Each standard library opens its files by one of the two names.
+extern "C" FILE* fopen(const char* path, const char* mode) {
+    return Open("fopen", path, mode);
+}
+extern "C" FILE* fopen64(const char* path, const char* mode) {
+    return Open("fopen64", path, mode);
+}
+
+extern "C" int fclose(FILE* file) {
+    if (gIsRecording) {
+        gCalls->emplace_back("fclose");
+    }
+    return System<int(FILE*)>("fclose")(file);
+}

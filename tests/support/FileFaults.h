@@ -1,0 +1,21 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_FILEFAULTS_H
+#define ORVALANGUAGE_TESTS_SUPPORT_FILEFAULTS_H
+
+#include <string>
+#include <vector>
+
+// While it lives, records the process's calls of fopen and fclose and makes one fopen fail. The
+// executable must export its symbols, so that the library's calls come here.
+class FileFaults {
+public:
+    // failingOpen: which fopen from now on answers null, 1 for the first; 0 for none.
+    explicit FileFaults(int failingOpen = 0);
+    ~FileFaults();
+    FileFaults(const FileFaults&) = delete;
+    FileFaults& operator=(const FileFaults&) = delete;
+
+    // "fopen PATH MODE" and "fclose", in the order they came.
+    static const std::vector<std::string>& Calls();
+};
+
+#endif

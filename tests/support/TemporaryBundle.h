@@ -1,0 +1,35 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_TEMPORARYBUNDLE_H
+#define ORVALANGUAGE_TESTS_SUPPORT_TEMPORARYBUNDLE_H
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "tests/support/TemporaryFolder.h"
+
+struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
+
+// The bundle at a folder, or null: each system's way.
+__CFBundle* OpenBundle(const std::filesystem::path& folder);
+void CloseBundle(__CFBundle* bundle);
+
+// A bundle with a resources folder of its own.
+class TemporaryBundle {
+public:
+    TemporaryBundle();
+    ~TemporaryBundle();
+    TemporaryBundle(const TemporaryBundle&) = delete;
+    TemporaryBundle& operator=(const TemporaryBundle&) = delete;
+
+    __CFBundle* Get() const { return m_bundle; }
+    std::filesystem::path Resources() const;
+
+    // Makes a file among the resources, or replaces it.
+    void Write(const std::string& name, std::string_view bytes) const;
+
+private:
+    TemporaryFolder m_folder;
+    __CFBundle* m_bundle;
+};
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_TEMPORARYFOLDER_H
+#define ORVALANGUAGE_TESTS_SUPPORT_TEMPORARYFOLDER_H
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+// A new folder under the system's temporary one, removed with all it holds.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+
+    // Makes a file in the folder, or replaces it.
+    void Write(const std::string& name, std::string_view bytes) const;
+
+private:
+    std::filesystem::path m_path;
+};
+
+#endif
