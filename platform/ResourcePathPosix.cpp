@@ -76,7 +76,7 @@ bool IsUtf8(const char* text) {
 }
 
 fs::path ResourcesFolder(const fs::path& bundle) {
-    const fs::path resources = bundle / "Resources";
+    fs::path resources = bundle / "Resources";
     const std::string name = bundle.filename().string();
     const bool isFramework = name.size() >= kFrameworkEnding.size() &&
                              name.compare(name.size() - kFrameworkEnding.size(), std::string::npos,
@@ -98,7 +98,7 @@ fs::path MainBundleFolder() {
     if (error) {
         return {};
     }
-    const fs::path folder = executable.parent_path();
+    fs::path folder = executable.parent_path();
     const fs::path above = folder.parent_path();
     if (above.filename() == "Contents") {
         return above.parent_path();

@@ -55,7 +55,7 @@ std::string KorString::ConvertNewLine(const std::string* text) {
         converted += '\n';
         from = found + kEscapeLength;
     }
-    converted.append(*text, from, std::string::npos);
+    converted.append(*text, from);
     return converted;
 }
 
@@ -67,7 +67,7 @@ bool KorString::GetLocalizedElement(std::string line, std::string* key, std::str
         return false;
     }
     key->assign(line, 0, equals);
-    value->assign(line, equals + 1, std::string::npos);
+    value->assign(line, equals + 1);
 
     const std::size_t first = value->find('"');
     if (first == std::string::npos) {

@@ -12,8 +12,7 @@
 
 namespace {
 
-bool gIsRecording = false;
-std::vector<const void*>* gRegistered = nullptr;
+std::vector<const void*>* gRegistered = nullptr;  // null: not watching
 
 // The names of the library's objects, by their place in its file.
 std::map<std::uintptr_t, std::string> Symbols() {
@@ -36,9 +35,8 @@ std::map<std::uintptr_t, std::string> Symbols() {
 TEST(StaticObjects, AreMadeInTheirOrder) {
     std::vector<const void*> registered;
     gRegistered = &registered;
-    gIsRecording = true;
     void* const library = dlopen(ORVA_LIBRARY, RTLD_NOW);
-    gIsRecording = false;
+    gRegistered = nullptr;
     ASSERT_NE(library, nullptr) << dlerror();
 
     Dl_info info = {};
@@ -58,7 +56,7 @@ TEST(StaticObjects, AreMadeInTheirOrder) {
 // In place of the system's, which it calls: what a compiler calls to register the destructor of a
 // static object. NOLINTNEXTLINE(bugprone-reserved-identifier): the system's own name
 extern "C" int __cxa_atexit(void (*destroy)(void*), void* object, void* library) {
-    if (gIsRecording) {
+    if (gRegistered != nullptr) {
         gRegistered->push_back(object);
     }
     using Register = int(void (*)(void*), void*, void*);

@@ -47,8 +47,8 @@ TEST(StringMap, HoldsTextsOfAnyBytes) {
         ASSERT_NE(entry, nullptr) << ::testing::PrintToString(text);
         EXPECT_EQ(entry->Key(), text);
         EXPECT_EQ(entry->Value(), text + "value");
-        EXPECT_EQ(entry->Key().data()[text.size()], '\0');
-        EXPECT_EQ(entry->Value().data()[entry->Value().size()], '\0');
+        EXPECT_EQ(*(entry->Key().data() + text.size()), '\0');
+        EXPECT_EQ(*(entry->Value().data() + entry->Value().size()), '\0');
     }
     EXPECT_EQ(map.Find("b"), nullptr);
     EXPECT_EQ(map.Find("a\0c"s), nullptr);
