@@ -2,7 +2,7 @@
 # Installs the build to a folder of its own, then compiles and runs hosts in C and in C++ that have
 # nothing but that: found with pkg-config, and with CMake's find_package.
 #
-# Usage: installed_host_test.sh BUILD HOSTS, with CC, CXX, CFLAGS and CXXFLAGS as the build has them
+# Usage: installed_host_test.sh BUILD HOSTS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build has them
 set -euo pipefail
 build=$1 hosts=$2
 work=$(mktemp -d)
@@ -39,7 +39,7 @@ run "$work/c_host" "2 entries"
 run "$work/cpp_host" "2 entries, GREETING is Hello"
 
 cp "$hosts/host.c" "$hosts/host.cpp" "$hosts/CMakeLists.txt" "$work/"
-cmake -S "$work" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" \
+cmake -S "$work" -B "$work/cmake" -G "$GENERATOR" -DCMAKE_PREFIX_PATH="$work/prefix" \
     -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" \
     -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$work/cmake.log"
 cmake --build "$work/cmake" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
