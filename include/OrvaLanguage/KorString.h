@@ -29,8 +29,8 @@ ORVA_EXPORT const char* KorGetLocalizedString(const char* key);
 
 // The strings file, line by line. There are no instances. The functions keep no state, so they may
 // run on any thread, each caller with a stream and strings of its own; only changing a keyword
-// while another thread reads it is not safe. All but SearchLanguageKey and SearchRegionKey can
-// throw std::bad_alloc, and so can the copying of their line argument by the caller.
+// while another thread reads it is not safe. ConvertNewLine and GetLocalizedElement throw
+// std::bad_alloc if memory runs out, and so does the copying of a line argument.
 class KorString {
 public:
     KorString() = delete;
