@@ -1,0 +1,41 @@
+#ifndef ORVALANGUAGE_CRYPT_CCRYPTLIBEXCEPTION_H
+#define ORVALANGUAGE_CRYPT_CCRYPTLIBEXCEPTION_H
+
+#include <cstdint>
+#include <exception>
+
+// What went wrong in a cipher operation. The numbers are the interface's own.
+enum : std::int32_t {
+    CRYPT_ERROR_LENGTH_OVER_CAPACITY = 12,
+    CRYPT_ERROR_PARAM = 203,
+    CRYPT_ERROR_BUFFER_TOO_SMALL = 204,
+    CRYPT_ERROR_MEMORY_FAILURE = 205,
+    CRYPT_ERROR_ALIGNMENT = 206,
+    CRYPT_ERROR_DECODE = 207,
+    CRYPT_ERROR_UNIMPLEMENTED = 208,
+    CRYPT_ERROR_OTHER_STATUS = 209,
+    CRYPT_ERROR_NULL_DATA = 401,
+    CRYPT_ERROR_NULL_LENGTH = 402,
+    CRYPT_ERROR_PADDING = 451,
+    CRYPT_ERROR_IV_LENGTH = 452,
+    CRYPT_ERROR_MODE = 453,
+    CRYPT_ERROR_KEY_LENGTH = 454
+};
+
+// The one exception of the cipher classes. The code is all that it tells: what() is
+// std::exception's own. Thrown by value, to be caught by reference.
+class CCryptLibException : public std::exception {
+public:
+    explicit CCryptLibException(std::int32_t nErrorCode) noexcept;
+    CCryptLibException(const CCryptLibException&) noexcept = default;
+    CCryptLibException& operator=(const CCryptLibException&) noexcept = default;
+    ~CCryptLibException() override;
+
+    // One of the CRYPT_ERROR_… codes.
+    std::int32_t GetErrorCode() const noexcept { return m_nErrorCode; }
+
+private:
+    std::int32_t m_nErrorCode;
+};
+
+#endif
