@@ -1,5 +1,7 @@
 // How long a load and a plain look-up take, through the built library.
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>

@@ -30,6 +30,7 @@ private:
 // name that is not UTF-8 is what makes a null in practice: there is no name string then.
 void WritePath(CFURLRef bundleURL, CFURLRef resourcesURL, const char* fileName,
                char (&path)[kResourcePathCapacity]) {
+    // Relative to the bundle's URL: the way from the bundle to its resources.
     const CFStringRef resources = CFURLGetString(resourcesURL);
     if (resources == nullptr) {
         return;
@@ -68,6 +69,7 @@ void GetResourcePath(__CFBundle* bundle, const char* fileName,
     if (bundle == nullptr) {
         return;
     }
+    // Both are always asked for, and the first is released first; so no Owned holds them.
     const CFURLRef bundleURL = CFBundleCopyBundleURL(bundle);
     const CFURLRef resourcesURL = CFBundleCopyResourcesDirectoryURL(bundle);
     if (bundleURL != nullptr && resourcesURL != nullptr) {

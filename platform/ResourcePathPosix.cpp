@@ -1,9 +1,11 @@
 // A bundle without CoreFoundation: a folder laid out as one.
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include <OrvaLanguage/OrvaLanguage.h>
 

@@ -1,5 +1,4 @@
 #include <cstring>
-#include <strings.h>
 
 #include <OrvaLanguage/KorString.h>
 
@@ -8,6 +7,20 @@ namespace {
 constexpr char kEscape[] = "\\n";
 constexpr std::size_t kEscapeLength = 2;
 constexpr std::size_t kShortestKey = 4;
+
+char LowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Whether two texts differ in the case of ASCII letters at most. strcasecmp would follow the host's
+// locale: after setlocale to a Turkish one, "Italiano" would not find ITALIANO.
+bool EqualButForCase(const char* a, const char* b) {
+    while (*a != '\0' && LowerAscii(*a) == LowerAscii(*b)) {
+        ++a;
+        ++b;
+    }
+    return LowerAscii(*a) == LowerAscii(*b);
+}
 
 // What SearchLanguageKey and SearchRegionKey have in common.
 bool SearchKey(const std::string& line, const char* keyword, const char* name) {
@@ -18,7 +31,7 @@ bool SearchKey(const std::string& line, const char* keyword, const char* name) {
     if (line.compare(0, length, keyword) != 0) {
         return false;
     }
-    return name[0] == '\0' || strcasecmp(line.c_str() + length, name) == 0;
+    return name[0] == '\0' || EqualButForCase(line.c_str() + length, name);
 }
 
 }  // namespace

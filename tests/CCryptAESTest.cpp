@@ -374,7 +374,7 @@ TEST(CCryptAESLock, LetsThreadsWorkOnObjectsOfTheirOwn) {
             CCryptAES aes;
             for (std::size_t length = 0; length < 200; ++length) {
                 Configure(aes, {t % 2 == 0 ? CRYPT_MODE_ECB : CRYPT_MODE_CBC, CRYPT_PADDING_PKCS7,
-                            16 + t % 3 * 8, 16});
+                                16 + t % 3 * 8, 16});
                 const Bytes text = CountingBytes(length, t);
                 Bytes data = text;
                 data.resize(length + 16);

@@ -14,8 +14,8 @@ struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own 
 // Does what ZuLoadStrings does, with the same arguments, result and thread rules, but leaves the
 // gate of the look-ups in OrvaLanguage.h as it was.
 //
-// Throws std::bad_alloc if memory runs out; the table then keeps the entries read so far, and the
-// file is closed.
+// Throws std::bad_alloc if memory runs out: the table is then the earlier one, if the file was not
+// open yet, or holds the entries read so far. The file is closed.
 ORVA_EXPORT int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundle);
 
 // Looks a key up in the table as it stands, whatever the last load returned.
@@ -24,7 +24,7 @@ ORVA_EXPORT int KorLoadStrings(const char* language, const char* fileName, __CFB
 // is null or not there. Keys match whole and by case. Texts are given as the file has them:
 // protected ones undecoded.
 //
-// Throws std::bad_alloc if memory runs out. Must not run at the same time as a load.
+// Throws nothing. Must not run at the same time as a load.
 ORVA_EXPORT const char* KorGetLocalizedString(const char* key);
 
 // The strings file, line by line. There are no instances. The functions keep no state, so they may

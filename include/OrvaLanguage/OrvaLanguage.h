@@ -32,16 +32,24 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  *
  * language  the section's name, compared without regard to the case of ASCII letters. "" is the
  *           file's first section, and so is a name that the file does not have.
- * fileName  the file inside the bundle's resources folder, in UTF-8; may name folders ("a/b").
+ * fileName  the file inside the bundle's resources folder, in UTF-8. It may name folders ("a/b",
+ *           "../c"). Slashes at its beginning and its end are dropped; "" and "/" are the resources
+ *           folder itself, which holds no section.
  * bundle    the bundle, still owned by the caller; null is the application's main bundle.
  *
  * Returns the number of entries in the new table. The section's own header counts as one: its key
  * is "QVLANG", its value the section's name. Returns 0 on failure, and then
  * - the earlier table stays where the file was not opened: a null language or fileName, a fileName
- *   that is not UTF-8, a bundle that is gone, a path of 1024 bytes or more, a file that is missing
- *   or may not be read;
+ *   that is not UTF-8, a bundle whose folder is gone, a path of 1024 bytes or more, a file that is
+ * missing or may not be read;
  * - the table is empty where the file was opened but holds no section, as with an empty file or a
  *   folder.
+ *
+ * A file that can't be read on, and a line that memory does not suffice for, end the file there:
+ * the entries up to it count, and a section that was not reached yet is one the file does not have.
+ *
+ * Throws std::bad_alloc if memory runs out elsewhere: the table is then the earlier one, if the
+ * file was not open yet, or holds the entries read so far.
  *
  * Every text handed out from the table is invalid once a load has opened its file.
  */
@@ -57,14 +65,18 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
  * - else the folder itself.
  * Which of these holds is asked anew at each load.
  *
- * A relative path is taken from the folder that is current at this call. A symbolic link at the
- * end of the path is followed, and its name stays in the path.
+ * A relative path is taken from the folder that is current at this call. The path may be a symbolic
+ * link to a folder; the link's own name is then the folder's name above.
  *
  * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder.
+ * May run on any thread at any time; so may ZuCloseBundle with a bundle that no call is using.
  */
 ORVA_EXPORT struct __CFBundle* ZuOpenBundle(const char* path);
 
-/* Frees a bundle from ZuOpenBundle; the table stays. Null is fine. */
+/*
+ * Frees a bundle from ZuOpenBundle, which must not be used afterwards; the table stays. Null is
+ * fine.
+ */
 ORVA_EXPORT void ZuCloseBundle(struct __CFBundle* bundle);
 #endif
 

@@ -67,7 +67,8 @@ public:
         return entries;
     }
 
-    // What follows changes the map and is for the library alone: no symbol of it is exported.
+    // What follows is for the library alone: none of it is exported, so a host can neither change a
+    // map nor make one of its own.
 
     ~StringMap();
 
