@@ -1,5 +1,6 @@
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include <OrvaLanguage/StringMap.h>
 
@@ -16,6 +17,11 @@ char* CopyText(char* to, std::string_view text) noexcept {
     return to + text.size() + 1;
 }
 
+// An entry is one block, with nothing in it to destroy.
+void FreeEntry(const StringMap::Entry* entry) noexcept {
+    ::operator delete(const_cast<StringMap::Entry*>(entry));
+}
+
 }  // namespace
 
 StringMap::~StringMap() {
@@ -23,43 +29,45 @@ StringMap::~StringMap() {
 }
 
 bool StringMap::Insert(std::string_view key, std::string_view value) {
-    // A quarter of the slots stays free, so that a search is short and always ends.
-    if ((m_nSize + 1) > m_nSlots / 4 * 3) {
-        Grow();
-    }
     const std::size_t hash = Hash(key);
-    Slot& slot = SlotOf(key, hash);
-    if (slot.pEntry != nullptr) {
+    if (m_index.Find(key, hash) != nullptr) {
         return false;
     }
+    // Half of the slots stay free, so that a search is short.
+    if (m_nSize >= m_index.Slots() / 2) {
+        Grow();
+    }
     void* const block = ::operator new(sizeof(Entry) + key.size() + value.size() + 2);
-    slot.pEntry = new (block) Entry(key.size(), value.size());
-    slot.nHash = hash;
-    CopyText(CopyText(reinterpret_cast<char*>(slot.pEntry + 1), key), value);
+    std::unique_ptr<Entry, decltype(&FreeEntry)> entry(new (block) Entry(key.size(), value.size()),
+                                                       FreeEntry);
+    CopyText(CopyText(reinterpret_cast<char*>(entry.get() + 1), key), value);
+    m_index.Add(entry.get(), hash);
+    entry.release();
     ++m_nSize;
     return true;
 }
 
 void StringMap::Clear() noexcept {
-    for (std::size_t i = 0; i < m_nSlots; ++i) {
-        ::operator delete(m_pSlots[i].pEntry);
-    }
-    delete[] m_pSlots;
-    m_pSlots = nullptr;
-    m_nSlots = 0;
+    m_index.ForEach(FreeEntry);
+    m_index = Index();
     m_nSize = 0;
 }
 
 void StringMap::Grow() {
-    Slot* const oldSlots = m_pSlots;
-    const std::size_t oldCount = m_nSlots;
-    const std::size_t newCount = oldCount == 0 ? kFirstSlots : oldCount * 2;
-    m_pSlots = new Slot[newCount]();
-    m_nSlots = newCount;
-    for (std::size_t i = 0; i < oldCount; ++i) {
-        if (oldSlots[i].pEntry != nullptr) {
-            SlotOf(oldSlots[i].pEntry->Key(), oldSlots[i].nHash) = oldSlots[i];
+    Index grown(m_index.Slots() == 0 ? kFirstSlots : 2 * m_index.Slots());
+    m_index.ForEach([&](const Entry* entry) { grown.Add(entry, Hash(entry->Key())); });
+    m_index = std::move(grown);
+}
+
+StringMap::Index::Index(std::size_t slots) : m_slots(new Slot[slots]()), m_nSlots(slots) {}
+
+void StringMap::Index::Add(const Entry* entry, std::size_t hash) {
+    for (std::size_t i = 0; i < kMostProbes; ++i) {
+        Slot& slot = m_slots[(hash + i) & (m_nSlots - 1)];
+        if (slot.pEntry == nullptr) {
+            slot = {hash, entry};
+            return;
         }
     }
-    delete[] oldSlots;
+    m_crowded.emplace(entry->Key(), entry);
 }

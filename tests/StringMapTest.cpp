@@ -1,7 +1,12 @@
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <random>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include <OrvaLanguage/StringMap.h>
 #include <gtest/gtest.h>
@@ -99,6 +104,91 @@ TEST(StringMap, AnswersAsAnOrderedMapDoes) {
         EXPECT_EQ(entry->Key(), expected->first);
         EXPECT_EQ(entry->Value(), expected->second);
         ++expected;
+    }
+}
+
+TEST(StringMap, FindsAndMissesAtEverySize) {
+    StringMap map;
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_EQ(map.Find(std::to_string(i)), nullptr) << i;
+        ASSERT_TRUE(map.Insert(std::to_string(i), "x"));
+        ASSERT_NE(map.Find(std::to_string(i)), nullptr) << i;
+        ASSERT_EQ(map.Find("0" + std::to_string(i)), nullptr) << i;
+    }
+}
+
+#ifdef __GLIBCXX__
+// Two texts of 16 bytes that leave libstdc++'s hash in the same state, found by running its two
+// steps of mixing backwards from states that differ in their top bit only, which cancel out.
+std::pair<std::string, std::string> CollidingPair(std::mt19937_64& random) {
+    constexpr std::uint64_t kFactor = 0xc6a4a7935bd1e995;
+    constexpr std::uint64_t kTopBit = std::uint64_t{1} << 63U;
+    std::uint64_t inverse = kFactor;
+    for (int i = 0; i < 5; ++i) {
+        inverse *= 2 - kFactor * inverse;
+    }
+    const auto block = [&](std::uint64_t mixed) {
+        mixed *= inverse;
+        mixed = (mixed ^ (mixed >> 47U)) * inverse;
+        return std::string(reinterpret_cast<const char*>(&mixed), sizeof mixed);
+    };
+    const std::uint64_t first = random();
+    const std::uint64_t second = random();
+    return {block(first) + block(second), block(first ^ kTopBit) + block(second ^ kTopBit)};
+}
+
+TEST(StringMap, StaysFastWithKeysOfOneHash) {
+    constexpr unsigned kPairs = 16;  // so many choices, one after the other, make a key
+    std::mt19937_64 random(1);       // NOLINT: the same keys at every run
+    std::vector<std::pair<std::string, std::string>> pairs;
+    for (unsigned i = 0; i < kPairs; ++i) {
+        pairs.push_back(CollidingPair(random));
+    }
+    std::vector<std::string> keys;
+    for (unsigned choice = 0; choice < 1U << kPairs; ++choice) {
+        std::string key;
+        for (unsigned i = 0; i < kPairs; ++i) {
+            key += (choice >> i) % 2 == 0 ? pairs[i].first : pairs[i].second;
+        }
+        keys.push_back(key);
+    }
+    ASSERT_EQ(std::hash<std::string>()(keys.front()), std::hash<std::string>()(keys.back()));
+
+    // Quadratic time would be half a minute, and minutes in a build that checks memory.
+    StringMap map;
+    for (const std::string& key : keys) {
+        ASSERT_TRUE(map.Insert(key, key.substr(0, 20)));
+        ASSERT_FALSE(map.Insert(key, ""));
+    }
+    EXPECT_EQ(map.Size(), keys.size());
+    for (const std::string& key : keys) {
+        ASSERT_NE(map.Find(key), nullptr);
+        ASSERT_EQ(map.Find(key)->Value(), key.substr(0, 20));
+    }
+    std::sort(keys.begin(), keys.end());
+    EXPECT_EQ(Keys(map), keys);
+    EXPECT_EQ(map.Find(keys.front() + "x"), nullptr);
+    map.Clear();
+    EXPECT_EQ(map.Find(keys.back()), nullptr);
+}
+#endif
+
+TEST(StringMap, IsReadByManyThreadsAtOnce) {
+    StringMap map;
+    for (int i = 0; i < 1000; ++i) {
+        map.Insert(std::to_string(i), "x");
+    }
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 2000; ++i) {
+                EXPECT_EQ(map.Find(std::to_string(i)) != nullptr, i < 1000);
+            }
+            EXPECT_EQ(map.Ordered().size(), 1000U);
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
     }
 }
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -12,10 +14,6 @@
 // entry never moves, so its texts are valid until the map is cleared or destroyed.
 //
 // Any number of threads may read a map at once; none may while another changes it.
-//
-// Built for the look-up, which is most of what is ever done with it: one hash leads to the entry,
-// whose key and value lie side by side in one block of memory. The order of the keys is made when
-// somebody walks them.
 class StringMap {
 public:
     // One key with its value. Both texts are NUL-terminated, and may hold NUL bytes of their own.
@@ -31,37 +29,27 @@ public:
         Entry(std::size_t keyLength, std::size_t valueLength) noexcept
             : m_nKeyLength(keyLength), m_nValueLength(valueLength) {}
 
-        // The texts follow the entry in its block: key, NUL, value, NUL.
+        // The texts follow the entry in its block of memory: key, NUL, value, NUL.
         const char* Texts() const noexcept { return reinterpret_cast<const char*>(this + 1); }
 
         std::size_t m_nKeyLength;
         std::size_t m_nValueLength;
     };
 
-    constexpr StringMap() noexcept = default;
     StringMap(const StringMap&) = delete;
     StringMap& operator=(const StringMap&) = delete;
 
     std::size_t Size() const noexcept { return m_nSize; }
 
     // The entry of exactly this key, or null.
-    const Entry* Find(std::string_view key) const noexcept {
-        if (m_nSize == 0) {
-            return nullptr;
-        }
-        return SlotOf(key, Hash(key)).pEntry;
-    }
+    const Entry* Find(std::string_view key) const noexcept { return m_index.Find(key, Hash(key)); }
 
     // Every entry, its key ordered by unsigned bytes, a prefix before what it begins. It costs a
     // sort at each call. Throws std::bad_alloc if memory runs out.
     std::vector<const Entry*> Ordered() const {
         std::vector<const Entry*> entries;
         entries.reserve(m_nSize);
-        for (std::size_t i = 0; i < m_nSlots; ++i) {
-            if (m_pSlots[i].pEntry != nullptr) {
-                entries.push_back(m_pSlots[i].pEntry);
-            }
-        }
+        m_index.ForEach([&](const Entry* entry) { entries.push_back(entry); });
         std::sort(entries.begin(), entries.end(),
                   [](const Entry* a, const Entry* b) { return a->Key() < b->Key(); });
         return entries;
@@ -70,6 +58,7 @@ public:
     // What follows is for the library alone: none of it is exported, so a host can neither change a
     // map nor make one of its own.
 
+    StringMap() noexcept = default;
     ~StringMap();
 
     // Adds an entry with copies of both texts. Returns false, and changes nothing, if the key is
@@ -80,30 +69,70 @@ public:
     void Clear() noexcept;
 
 private:
-    struct Slot {
-        std::size_t nHash;
-        Entry* pEntry;  // null: the slot is free
+    // Built for the look-up, which is most of what is ever done with a map: one hash leads to the
+    // entry, whose texts lie side by side in one block. The order of the keys is made when somebody
+    // walks them. A tree would keep it at all times, at some fifteen comparisons a look-up.
+    class Index {
+    public:
+        Index() noexcept = default;
+
+        // With so many slots, a power of two. Throws std::bad_alloc.
+        explicit Index(std::size_t slots);
+
+        const Entry* Find(std::string_view key, std::size_t hash) const noexcept {
+            for (std::size_t i = 0; i < kMostProbes && m_nSlots != 0; ++i) {
+                const Slot& slot = m_slots[(hash + i) & (m_nSlots - 1)];
+                if (slot.pEntry == nullptr) {
+                    return nullptr;
+                }
+                if (slot.nHash == hash && slot.pEntry->Key() == key) {
+                    return slot.pEntry;
+                }
+            }
+            const auto found = m_crowded.find(key);
+            return found == m_crowded.end() ? nullptr : found->second;
+        }
+
+        template <typename Visit>
+        void ForEach(const Visit& visit) const {
+            for (std::size_t i = 0; i < m_nSlots; ++i) {
+                if (m_slots[i].pEntry != nullptr) {
+                    visit(m_slots[i].pEntry);
+                }
+            }
+            for (const auto& crowded : m_crowded) {
+                visit(crowded.second);
+            }
+        }
+
+        // Adds an entry whose key is not there. Throws std::bad_alloc, and then has not.
+        void Add(const Entry* entry, std::size_t hash);
+
+        std::size_t Slots() const noexcept { return m_nSlots; }
+
+    private:
+        struct Slot {
+            std::size_t nHash;
+            const Entry* pEntry;  // null: the slot is free
+        };
+
+        // An entry stands in the first free slot of those that its hash names and that follow it.
+        // Where so many are taken, which a good hash never makes happen, it goes to an ordered map:
+        // then a file made of keys that all have one hash can't make a load take quadratic time.
+        static constexpr std::size_t kMostProbes = 64;
+
+        std::unique_ptr<Slot[]> m_slots;
+        std::size_t m_nSlots = 0;  // a power of two, or 0
+        std::map<std::string_view, const Entry*> m_crowded;
     };
 
     static std::size_t Hash(std::string_view key) noexcept {
         return std::hash<std::string_view>()(key);
     }
 
-    // The slot that holds the key, or the free one where it would go. There must be a free slot.
-    Slot& SlotOf(std::string_view key, std::size_t hash) const noexcept {
-        const std::size_t mask = m_nSlots - 1;
-        std::size_t i = hash & mask;
-        while (m_pSlots[i].pEntry != nullptr &&
-               (m_pSlots[i].nHash != hash || m_pSlots[i].pEntry->Key() != key)) {
-            i = (i + 1) & mask;
-        }
-        return m_pSlots[i];
-    }
-
     void Grow();
 
-    Slot* m_pSlots = nullptr;  // open addressing, with the next slot tried after a collision
-    std::size_t m_nSlots = 0;  // a power of two, or 0
+    Index m_index;
     std::size_t m_nSize = 0;
 };
 
