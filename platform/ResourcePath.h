@@ -17,7 +17,7 @@ constexpr std::size_t kResourcePathCapacity = 1024;
 // fileName  NUL-terminated UTF-8, not null.
 //
 // Leaves path an empty text if there is no such bundle, the name is not UTF-8, or the path and its
-// NUL do not fit. Keeps nothing.
+// NUL do not fit; in the last case CoreFoundation may cut the path off instead. Keeps nothing.
 void GetResourcePath(__CFBundle* bundle, const char* fileName, char (&path)[kResourcePathCapacity]);
 
 #endif

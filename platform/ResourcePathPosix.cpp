@@ -20,15 +20,15 @@ struct __CFBundle {   // NOLINT(bugprone-reserved-identifier): the platform's ow
 namespace {
 
 constexpr std::string_view kFrameworkEnding = ".framework";
+constexpr std::string_view kDeletedEnding = " (deleted)";
+
+bool EndsWith(std::string_view text, std::string_view ending) {
+    return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
+}
 
 bool IsFolder(const fs::path& path) {
     std::error_code error;
     return fs::is_directory(path, error);
-}
-
-// The path without slashes at its end, which would count as an empty name behind the last one.
-fs::path WithoutEndingSlash(fs::path path) {
-    return path.has_filename() || path == path.root_path() ? path : path.parent_path();
 }
 
 // The number of bytes that the UTF-8 character at text takes, or 0 if there is none: overlong
@@ -79,11 +79,9 @@ bool IsUtf8(const char* text) {
 
 fs::path ResourcesFolder(const fs::path& bundle) {
     fs::path resources = bundle / "Resources";
-    const std::string name = bundle.filename().string();
-    const bool isFramework = name.size() >= kFrameworkEnding.size() &&
-                             name.compare(name.size() - kFrameworkEnding.size(), std::string::npos,
-                                          kFrameworkEnding) == 0;
-    if (isFramework && IsFolder(resources)) {
+    std::error_code error;
+    const std::string name = fs::canonical(bundle, error).filename().string();
+    if (EndsWith(name, kFrameworkEnding) && IsFolder(resources)) {
         return resources;
     }
     if (IsFolder(bundle / "Contents")) {
@@ -96,10 +94,16 @@ fs::path ResourcesFolder(const fs::path& bundle) {
 // say where the executable is.
 fs::path MainBundleFolder() {
     std::error_code error;
-    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+    std::string executableName = fs::read_symlink("/proc/self/exe", error).string();
     if (error) {
         return {};
     }
+    // What the system says of an executable that was replaced or removed while it runs, as an
+    // upgrade does.
+    if (EndsWith(executableName, kDeletedEnding) && !fs::exists(executableName, error)) {
+        executableName.resize(executableName.size() - kDeletedEnding.size());
+    }
+    const fs::path executable = executableName;
     fs::path folder = executable.parent_path();
     const fs::path above = folder.parent_path();
     if (above.filename() == "Contents") {
@@ -121,7 +125,10 @@ __CFBundle* ZuOpenBundle(const char* path) {
         return nullptr;
     }
     std::error_code error;
-    fs::path folder = WithoutEndingSlash(fs::absolute(path, error));
+    fs::path folder = fs::absolute(path, error);
+    if (!folder.has_filename()) {
+        folder = folder.parent_path();  // without the slashes at its end
+    }
     return error ? nullptr : new __CFBundle{std::move(folder)};
 }
 

@@ -1,5 +1,11 @@
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <future>
 #include <map>
 #include <string>
+#include <sys/stat.h>
+#include <vector>
 
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
@@ -83,6 +89,7 @@ TEST(KorLoadStrings, LoadsTheSectionAskedForOrElseTheFirst) {
          "en",
          {{"QVLANG", "fr"}, {"ABCD", "2"}}},
         // Bytes of any kind.
+        {"QVLANG=fr\nQVLANG=en\0x\nABCD=1\n"s, "EN", {{"QVLANG", "en\0x"s}, {"ABCD", "1"}}},
         {"QVLANG=en\nA\0CD=\"x\0y\"\n\xFF\xFE\x80\x81=\x01\x7F\n"s,
          "en",
          {{"QVLANG", "en"}, {"A\0CD"s, "x\0y"s}, {"\xFF\xFE\x80\x81", "\x01\x7F"}}},
@@ -202,6 +209,21 @@ TEST(KorLoadStrings, ReadsAMillionLinesAndLinesOfTenMegabytes) {
     EXPECT_TRUE(KorGetLocalizedString("LONG") == longText);
     EXPECT_STREQ(KorGetLocalizedString(longText.c_str()), "short");
     EXPECT_EQ(KorGetLocalizedString("skipped"), nullptr);
+}
+
+TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
+    const TemporaryBundle bundle;
+    const std::string path = bundle.Resources() / "pipe";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    auto loaded =
+        std::async(std::launch::async, [&] { return KorLoadStrings("en", "pipe", bundle.Get()); });
+    {
+        // Open to the end: a load that asked for more would wait for it.
+        std::ofstream pipe(path);
+        pipe << "QVLANG=en\nABCD=1\nQVLANG=fr\n" << std::flush;
+        EXPECT_EQ(loaded.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    }
+    EXPECT_EQ(loaded.get(), 2);
 }
 
 TEST(KorLoadStrings, WalksTheKeysInByteOrder) {

@@ -127,6 +127,7 @@ const KeyCase kKeyCases[] = {
      "FRAN\xC3\x87"
      "AIS",
      false},
+    {"QVLANG=en\0x"s, "EN", true},  // a C text ends at its first NUL
     {"QVLANG=[", "{", false},
     {"QVLANG=@", "`", false},
     {"QVLANG=en", nullptr, false},
@@ -189,6 +190,10 @@ TEST(KorStringKeywords, AreReadAnewAtEveryCall) {
     EXPECT_FALSE(KorString::SearchLanguageKey("QVLANG=en", "en"));
     EXPECT_TRUE(KorString::SearchRegionKey("R:us", "US"));
     EXPECT_FALSE(KorString::SearchRegionKey("QVREGION=us", "US"));
+
+    KorString::REGION_STATEMENT = "";
+    EXPECT_FALSE(KorString::SearchRegionKey("", "")) << "an empty line is no header in any case";
+    EXPECT_TRUE(KorString::SearchRegionKey("us", "US"));
 
     keyword[4] = '\0';  // its length is not kept either
     EXPECT_TRUE(KorString::SearchLanguageKey("LANGen", "en"));

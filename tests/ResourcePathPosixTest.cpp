@@ -82,6 +82,7 @@ TEST(ResourcePath, FindsTheResourcesFolder) {
         {"I.framework", {}, "I.framework"},
         {"J.framework.app", {"Resources", "Contents"}, "J.framework.app/Contents/Resources"},
         {".framework", {"Resources", "Contents"}, ".framework/Resources"},
+        {"K.framework.", {"Resources", "Contents"}, "K.framework./Contents/Resources"},
         {"framework", {"Resources", "Contents"}, "framework/Contents/Resources"},
         {"blank % %20 # ? ; : \\ \xC3\xA4 \xFF",
          {"Contents"},
@@ -121,6 +122,35 @@ TEST(ResourcePath, FollowsALinkAndKeepsItsName) {
     fs::create_directories(folder.Path() / "target" / "Contents");
     fs::create_symlink("target", folder.Path() / "link");
     EXPECT_EQ(PathIn(folder.Path() / "link", "x"), folder.Path() / "link/Contents/Resources/x");
+}
+
+TEST(ResourcePath, KnowsAFrameworkByItsOwnName) {
+    const TemporaryFolder folder;
+    const fs::path framework = folder.Path() / "G.framework";
+    fs::create_directories(framework / "Contents");
+    fs::create_directories(framework / "Resources");
+    fs::create_symlink("G.framework", folder.Path() / "link");
+    fs::create_directories(folder.Path() / "plain" / "Contents");
+    fs::create_directories(folder.Path() / "plain" / "Resources");
+    fs::create_symlink("plain", folder.Path() / "link.framework");
+    EXPECT_EQ(PathIn(folder.Path() / "link", "x"), folder.Path() / "link/Resources/x");
+    EXPECT_EQ(PathIn(framework / ".", "x"), framework / "./Resources/x");
+    EXPECT_EQ(PathIn(folder.Path() / "link.framework", "x"),
+              folder.Path() / "link.framework/Contents/Resources/x");
+}
+
+TEST(ResourcePath, TakesTheRootAsABundle) {
+    EXPECT_EQ(PathIn("/", "x"), "/x");
+}
+
+TEST(ZuOpenBundle, IsNullInACurrentFolderThatIsGone) {
+    const fs::path before = fs::current_path();
+    {
+        const TemporaryFolder folder;
+        fs::current_path(folder.Path());
+    }
+    EXPECT_EQ(ZuOpenBundle("."), nullptr);
+    fs::current_path(before);
 }
 
 TEST(ResourcePath, AppendsTheFileName) {
@@ -218,11 +248,11 @@ TEST(ResourcePath, HoldsAtMost1023Bytes) {
 // of "x" in its main bundle, are run from where they are put.
 class MainBundle : public ::testing::Test {
 protected:
-    std::string PathPrintedBy(const fs::path& executable) const {
+    std::string PathPrintedBy(const fs::path& executable, const std::string& argument = "") const {
         fs::create_directories((m_folder.Path() / executable).parent_path());
         fs::copy_file(PRINT_MAIN_BUNDLE, m_folder.Path() / executable);
         FILE* const output =
-            popen(("'" + (m_folder.Path() / executable).string() + "'").c_str(), "r");
+            popen(("'" + (m_folder.Path() / executable).string() + "' " + argument).c_str(), "r");
         std::string printed(kResourcePathCapacity, '\0');
         printed.resize(std::fread(printed.data(), 1, printed.size(), output));
         EXPECT_EQ(pclose(output), 0);
@@ -237,6 +267,18 @@ TEST_F(MainBundle, IsTheBundleAroundContents) {
     EXPECT_EQ(PathPrintedBy("App.app/Contents/Any/host"), "/App.app/Contents/Resources/x");
 }
 
+TEST_F(MainBundle, IsTheBundleAroundContentsEvenIfItLooksInstalled) {
+    fs::create_directories(m_folder.Path() / "App.app/Contents/share/host");
+    EXPECT_EQ(PathPrintedBy("App.app/Contents/bin/host"), "/App.app/Contents/Resources/x");
+}
+
+TEST_F(MainBundle, IsTheSameAfterTheExecutableIsRemoved) {
+    fs::create_directories(m_folder.Path() / "prefix/share/host");
+    EXPECT_EQ(PathPrintedBy("prefix/bin/host", "--remove"), "/prefix/share/host/x");
+    fs::create_directories(m_folder.Path() / "prefix/share/name (deleted)");
+    EXPECT_EQ(PathPrintedBy("prefix/bin/name (deleted)"), "/prefix/share/name (deleted)/x");
+}
+
 TEST_F(MainBundle, IsTheShareFolderOfAnInstalledExecutable) {
     fs::create_directories(m_folder.Path() / "prefix/share/host");
     EXPECT_EQ(PathPrintedBy("prefix/bin/host"), "/prefix/share/host/x");
@@ -244,6 +286,9 @@ TEST_F(MainBundle, IsTheShareFolderOfAnInstalledExecutable) {
 
 TEST_F(MainBundle, IsTheExecutablesFolderElse) {
     EXPECT_EQ(PathPrintedBy("prefix/bin/host"), "/prefix/bin/x") << "no share/host";
+    fs::create_directories(m_folder.Path() / "prefix/share");
+    m_folder.Write("prefix/share/other", "a file");
+    EXPECT_EQ(PathPrintedBy("prefix/bin/other"), "/prefix/bin/x") << "no folder";
     EXPECT_EQ(PathPrintedBy("plain folder/host"), "/plain folder/x");
     fs::create_directories(m_folder.Path() / "with/Resources");
     EXPECT_EQ(PathPrintedBy("with/host"), "/with/Resources/x");

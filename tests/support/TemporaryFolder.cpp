@@ -1,5 +1,7 @@
 #include "tests/support/TemporaryFolder.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
