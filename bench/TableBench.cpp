@@ -6,6 +6,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include <OrvaLanguage/KorString.h>

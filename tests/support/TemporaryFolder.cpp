@@ -1,10 +1,9 @@
 #include "tests/support/TemporaryFolder.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
