@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <map>
+#include <mutex>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -48,7 +50,16 @@ TEST(StaticObjects, AreMadeInTheirOrder) {
         const auto symbol = symbols.find(reinterpret_cast<std::uintptr_t>(object) - base);
         names.push_back(symbol == symbols.end() ? "not an object of the library" : symbol->second);
     }
-    EXPECT_EQ(names, std::vector<std::string>{"KorString::gMapLocalizedStrings"});
+
+    // Whether a lock needs to be destroyed depends on the standard library.
+    std::vector<std::string> expected = {"gMapDecodedStrings", "KorString::gMapLocalizedStrings"};
+    if (!std::is_trivially_destructible_v<std::recursive_mutex>) {
+        expected.emplace_back("gDecodeMutex");
+    }
+    if (!std::is_trivially_destructible_v<std::mutex>) {
+        expected.emplace_back("gCryptMutex");
+    }
+    EXPECT_EQ(names, expected);
 }
 
 }  // namespace

@@ -10,7 +10,8 @@
  *   nothing, and no call ends the process. The one exception that can leave a call is
  *   std::bad_alloc, when memory runs out; a C host ends there.
  * - There is one table for the whole process, and it has no lock. Look-ups may run at the same time
- *   as look-ups; a load must not run at the same time as another load or a look-up.
+ *   as look-ups, but for the first of a protected key (see ZuGetLocalizedString); a load must not
+ *   run at the same time as another load or a look-up.
  */
 #ifndef ORVALANGUAGE_ORVALANGUAGE_H
 #define ORVALANGUAGE_ORVALANGUAGE_H
@@ -41,7 +42,7 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * is "QVLANG", its value the section's name. Returns 0 on failure, and then
  * - the earlier table stays where the file was not opened: a null language or fileName, a fileName
  *   that is not UTF-8, a bundle whose folder is gone, a path of 1024 bytes or more, a file that is
- * missing or may not be read;
+ *   missing or may not be read;
  * - the table is empty where the file was opened but holds no section, as with an empty file or a
  *   folder.
  *
@@ -49,12 +50,34 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * the entries up to it count, and a section that was not reached yet is one the file does not have.
  *
  * Throws std::bad_alloc if memory runs out elsewhere: the table is then the earlier one, if the
- * file was not open yet, or holds the entries read so far.
+ * file was not open yet, or holds the entries read so far, and look-ups go on by the result of the
+ * load before.
  *
  * Every text handed out from the table is invalid once a load has opened its file.
  */
 ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
                               struct __CFBundle* bundle);
+
+/*
+ * Looks a text up in the table of the last ZuLoadStrings.
+ *
+ * key  not null. Matched whole and by case.
+ *
+ * Returns the text, or null if
+ * - the last ZuLoadStrings returned 0, or none has run, whatever the table holds;
+ * - the table has no such key;
+ * - the key is protected, that is, begins with "IDE", and its stored text does not decode: it was
+ *   damaged or made with another key. Each look-up tries again.
+ *
+ * An ordinary text is valid until a load opens its file. A protected text is decoded at its first
+ * look-up and kept: it is valid until the process exits, and every later look-up returns the same,
+ * even if a reload has brought another text for its key; a reload without the key makes it null. If
+ * memory runs out at the first look-up it is null, or empty from then on.
+ *
+ * The first look-up of a protected key changes what the library keeps: it must not run at the same
+ * time as another look-up. Throws nothing.
+ */
+ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
 
 #ifndef __APPLE__
 /*
@@ -66,7 +89,7 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
  * Which of these holds is asked anew at each load.
  *
  * A relative path is taken from the folder that is current at this call. The path may be a symbolic
- * link to a folder; the link's own name is then the folder's name above.
+ * link to a folder: the bundle is then that folder, the ".framework" of its name included.
  *
  * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder.
  * May run on any thread at any time; so may ZuCloseBundle with a bundle that no call is using.

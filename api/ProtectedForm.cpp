@@ -1,0 +1,119 @@
+#include "api/ProtectedForm.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "crypt/CCryptAES.h"
+#include "platform/ClearMemory.h"
+#include "platform/ClearedArray.h"
+
+namespace {
+
+constexpr std::uint8_t kZeroIV[kProtectedBlock] = {};
+
+// Writes a number as one big-endian block.
+void WriteBlock(std::uint8_t* block, std::uint64_t number) {
+    std::memset(block, 0, kProtectedBlock);
+    for (std::size_t i = kProtectedBlock; number != 0; number >>= 8U) {
+        block[--i] = static_cast<std::uint8_t>(number);
+    }
+}
+
+// Encrypts whole blocks in place.
+void Encrypt(const std::uint8_t* key, std::uint32_t mode, std::uint8_t* data, std::size_t length) {
+    CCryptAES aes;
+    aes.SetKey(key, kProtectedKey);
+    aes.SetIV(kZeroIV, sizeof kZeroIV);
+    aes.SetMode(mode);
+    aes.SetPadding(CRYPT_PADDING_NONE);
+    aes.Encrypt(data, &length, length);
+}
+
+bool IsStoredDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+}
+
+// The length of the padding at the end of whole blocks, or 0 if it is bad. Every byte of the last
+// block is looked at.
+std::size_t PaddingOf(const std::uint8_t* padded, std::size_t length) {
+    const std::size_t padding = padded[length - 1];
+    unsigned wrong = padding == 0 || padding > kProtectedBlock ? 1 : 0;
+    for (std::size_t i = 1; i <= kProtectedBlock; ++i) {
+        wrong |= i <= padding ? static_cast<unsigned>(padded[length - i] ^ padding) : 0U;
+    }
+    return wrong == 0 ? padding : 0;
+}
+
+// Whether two tags are the same. It takes as long for tags that differ at once as for equal ones.
+bool EqualTags(const std::uint8_t* a, const std::uint8_t* b) {
+    unsigned difference = 0;
+    for (std::size_t i = 0; i < kProtectedBlock; ++i) {
+        difference |= static_cast<unsigned>(a[i] ^ b[i]);
+    }
+    return difference == 0;
+}
+
+}  // namespace
+
+ProtectionKeys::ProtectionKeys(const std::uint8_t (&material)[kProtectedKey]) {
+    for (std::size_t i = 0; i < sizeof m_blocks / kProtectedBlock; ++i) {
+        WriteBlock(m_blocks + i * kProtectedBlock, i + 1);
+    }
+    Encrypt(material, CRYPT_MODE_ECB, m_blocks, sizeof m_blocks);
+}
+
+ProtectionKeys::~ProtectionKeys() {
+    ClearMemory(m_blocks, sizeof m_blocks);
+}
+
+bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* bytes) {
+    // All of them before "%x" sees one: by itself it would take blanks, signs and 0x, too.
+    if (!IsStoredLength(length) || !std::all_of(digits, digits + length, IsStoredDigit)) {
+        return false;
+    }
+    // Each group as a text of its own: on the whole text sscanf would look for its end every time.
+    char group[kGroupDigits + 1] = {};
+    for (std::size_t i = 0; i < length; i += kGroupDigits) {
+        std::memcpy(group, digits + i, kGroupDigits);
+        unsigned value = 0;
+        if (std::sscanf(group, "%x", &value) != 1) {
+            return false;
+        }
+        for (std::size_t byte = kGroupBytes; byte > 0; --byte) {
+            *bytes++ = static_cast<std::uint8_t>(value >> (8 * (byte - 1)));
+        }
+    }
+    return true;
+}
+
+bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t length,
+                   std::size_t* textLength) {
+    // The cipher's own padding stays off: a system's cipher call may let bad padding pass.
+    CCryptAES aes;
+    aes.SetKey(keys.EncryptionKey(), kProtectedKey);
+    aes.SetIV(keys.IV(), kProtectedBlock);
+    aes.SetMode(CRYPT_MODE_CBC);
+    aes.SetPadding(CRYPT_PADDING_NONE);
+    if (aes.GetDecryptedSize(data, length) != length) {
+        return false;
+    }
+    aes.Decrypt(data, &length, length);
+
+    const std::uint8_t* const padded = data + kProtectedBlock;
+    const std::size_t paddedLength = length - kProtectedBlock;
+    const std::size_t padding = PaddingOf(padded, paddedLength);
+    std::uint8_t tag[kProtectedBlock];
+    MakeTag(keys, paddedLength - padding, padded, paddedLength, tag);
+    *textLength = paddedLength - padding;
+    return padding != 0 && EqualTags(data, tag);
+}
+
+void MakeTag(const ProtectionKeys& keys, std::size_t textLength, const std::uint8_t* padded,
+             std::size_t paddedLength, std::uint8_t (&tag)[kProtectedBlock]) {
+    const ClearedArray chain(kProtectedBlock + paddedLength);
+    WriteBlock(chain.Get(), textLength);
+    std::memcpy(chain.Get() + kProtectedBlock, padded, paddedLength);
+    Encrypt(keys.TagKey(), CRYPT_MODE_CBC, chain.Get(), chain.Size());
+    std::memcpy(tag, chain.Get() + paddedLength, kProtectedBlock);
+}

@@ -1,0 +1,63 @@
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include <OrvaLanguage/KorString.h>
+#include <OrvaLanguage/OrvaLanguage.h>
+
+#include "api/DecodeProtectedString.h"
+#include "api/LoadedCount.h"
+#include "api/PlaintextCache.h"
+
+StringMap gMapDecodedStrings;
+
+namespace {
+
+constexpr char kProtectedPrefix[] = "IDE";
+
+// What a buffer for so many bytes asks for. A length that does not fit 32 bits has come out
+// negative and asks for the impossible.
+std::size_t BufferSize(std::int32_t length) {
+    return length < 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(length);
+}
+
+}  // namespace
+
+const char* ZuGetLocalizedString(const char* key) {
+    if (gLoadedCount < 1) {
+        return nullptr;
+    }
+    const char* const stored = KorGetLocalizedString(key);
+    const bool isProtected = std::strncmp(key, kProtectedPrefix, sizeof kProtectedPrefix - 1) == 0;
+    if (stored == nullptr || !isProtected) {
+        return stored;
+    }
+
+    const auto length = static_cast<std::int32_t>(std::strlen(stored));
+    std::int32_t status = 0;
+    std::int32_t outputLength = 0;
+    // The stored text is not looked at any more once a key has been decoded: what a host was given
+    // first stays, over reloads too.
+    if (const StringMap::Entry* const cached = gMapDecodedStrings.Find(key)) {
+        return cached->Value().data();
+    }
+    DecodeProtectedString(&status, length, stored, &outputLength, nullptr);
+    if (status != 0) {
+        return nullptr;
+    }
+    try {
+        char* const output = new char[BufferSize(length)];
+        // Its status is not asked: the sizing call has decided, with the same text and key.
+        DecodeProtectedString(&status, length, stored, &outputLength, output);
+        output[outputLength] = '\0';
+        gMapDecodedStrings.Insert(key, output);
+        delete[] output;
+    } catch (...) {
+        // The buffer is left unreleased on purpose: it may hold plaintext, which the heap would
+        // hand on uncleared, and with memory at its end the process has little time left to miss
+        // it.
+        return nullptr;
+    }
+    const StringMap::Entry* const entry = gMapDecodedStrings.Find(key);
+    return entry == nullptr ? nullptr : entry->Value().data();
+}

@@ -1,0 +1,44 @@
+# The key material for protected texts: ORVA_KEY_FILE, or else a development key that everybody can
+# read in this folder. The build writes it as two shares into its own folder, never the source tree.
+set(ORVA_KEY_FILE "" CACHE FILEPATH
+    "File of 64 hexadecimal digits, the key for protected texts; empty: the development key")
+
+# orva_write_key_shares(HEADER)
+function(orva_write_key_shares header)
+    set(development_key "${PROJECT_SOURCE_DIR}/cmake/development.key")
+    set(file "${ORVA_KEY_FILE}")
+    if(file STREQUAL "")
+        set(file "${development_key}")
+        message(STATUS "Protected texts: development key, known to everybody (set ORVA_KEY_FILE)")
+    endif()
+    if(NOT EXISTS "${file}" OR IS_DIRECTORY "${file}")
+        message(FATAL_ERROR "ORVA_KEY_FILE: there is no file ${file}.")
+    endif()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+    file(READ "${file}" digits LIMIT 1024)
+    string(REGEX REPLACE "\r?\n$" "" digits "${digits}")
+    string(LENGTH "${digits}" length)
+    if(NOT length EQUAL 64)
+        message(FATAL_ERROR
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits in one line, and has ${length} characters.")
+    endif()
+    if(NOT digits MATCHES "^[0-9A-Fa-f]+$")
+        message(FATAL_ERROR
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, and has other characters among them.")
+    endif()
+
+    # The mask comes from the material, so that a build repeats.
+    string(TOLOWER "${digits}" digits)
+    string(SHA256 mask "libOrvaLanguage key mask ${digits}")
+    set(first "")
+    set(second "")
+    foreach(at RANGE 0 62 2)
+        string(SUBSTRING "${digits}" ${at} 2 byte)
+        string(SUBSTRING "${mask}" ${at} 2 mask_byte)
+        math(EXPR masked "0x${byte} ^ 0x${mask_byte}" OUTPUT_FORMAT HEXADECIMAL)
+        string(APPEND first " 0x${mask_byte},")
+        string(APPEND second " ${masked},")
+    endforeach()
+    file(CONFIGURE OUTPUT "${header}" @ONLY CONTENT
+        "#define ORVA_FIRST_KEY_SHARE {@first@ }\n#define ORVA_SECOND_KEY_SHARE {@second@ }\n")
+endfunction()

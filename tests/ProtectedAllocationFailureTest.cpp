@@ -1,0 +1,64 @@
+// Every allocation of a first look-up fails once, the decoder's included.
+#include <string>
+
+#include <OrvaLanguage/OrvaLanguage.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/FailingAllocation.h"
+#include "tests/support/StoredForm.h"
+#include "tests/support/TemporaryBundle.h"
+
+namespace {
+
+TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
+    const std::string text = "a text that is longer than any string object holds inside itself";
+    const TemporaryBundle bundle;
+    std::string file = "QVLANG=en\n";
+    for (int i = 0; i < 100; ++i) {
+        file += "IDE_" + std::to_string(i) + "=\"" + Stored(text, DevelopmentKey()) + "\"\n";
+    }
+    bundle.Write("x", file);
+    ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 101);
+
+    int nulls = 0;
+    int empties = 0;
+    int texts = 0;
+    bool failed = true;
+    for (std::size_t n = 1; failed; ++n) {
+        const std::string key = "IDE_" + std::to_string(n);
+        const std::size_t live = LiveAllocations();
+        const char* answer = nullptr;
+        {
+            const FailingAllocation failing(n);
+            answer = ZuGetLocalizedString(key.c_str());
+            failed = FailingAllocation::HasFailed();
+        }
+        SCOPED_TRACE("allocation " + std::to_string(n));
+        if (answer == nullptr) {
+            EXPECT_TRUE(failed);
+            ++nulls;
+            EXPECT_LE(LiveAllocations(), live + 2) << "at most the buffer and the cache's index";
+            EXPECT_EQ(ZuGetLocalizedString(key.c_str()), text) << "the next look-up tries again";
+        } else if (*answer == '\0') {
+            // The filling call ran out of memory and wrote nothing, and its status is not asked.
+            EXPECT_TRUE(failed);
+            ++empties;
+            EXPECT_EQ(ZuGetLocalizedString(key.c_str()), answer);
+        } else {
+            // A copy that only measures may fail unseen.
+            EXPECT_EQ(answer, text);
+            ++texts;
+        }
+    }
+    EXPECT_GT(nulls, 5);
+    EXPECT_GT(empties, 5);
+    EXPECT_GE(texts, 1);
+}
+
+}  // namespace
+
+// The buffer that is left on purpose is no leak to report.
+extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:ZuGetLocalizedString";
+}

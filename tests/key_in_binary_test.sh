@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Builds the library with a key of its own and searches it for the key material and for everything
+# derived from it. Then tries key files that are wrong, and that a build repeats.
+#
+# Usage: key_in_binary_test.sh SOURCE GENERATOR, with CXX as the build has it
+set -euo pipefail
+source=$1 generator=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+configure() { # FOLDER KEY_FILE
+    cmake -S "$source" -B "$work/tree-$1" -G "$generator" -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DORVA_BUILD_TESTS=OFF \
+        -DORVA_BUILD_EXAMPLES=OFF -DORVA_KEY_FILE="$2" >"$work/configure-$1.log" 2>&1
+}
+
+key=$(openssl rand -hex 32)
+echo "$key" >"$work/key"
+configure build "$work/key"
+cmake --build "$work/tree-build" --target OrvaLanguage >"$work/build.log" 2>&1 ||
+    { cat "$work/build.log"; exit 1; }
+library=$(echo "$work"/tree-build/libOrvaLanguage.so.*.*)
+hex=$(od -An -v -tx1 "$library" | tr -d ' \n')
+
+# Anywhere in the file, and the two halves of each on their own.
+contains() { [[ $hex == *"$1"* ]]; }
+contains "$(printf 'QVLANG=' | od -An -tx1 | tr -d ' \n')" || { echo "the search finds nothing"; exit 1; }
+
+derived=$(for counter in 1 2 3 4 5; do
+    printf '%032x' "$counter" | sed 's/../\\x&/g' | xargs -0 printf '%b' |
+        openssl enc -aes-256-ecb -nopad -K "$key" | od -An -v -tx1 | tr -d ' \n'
+    echo
+done)
+[ "$(echo "$derived" | wc -c)" = $((5 * 33)) ] || { echo "no derived values: $derived"; exit 1; }
+for secret in "$key" $derived; do
+    for part in "${secret:0:16}" "${secret: -16}"; do
+        if contains "$part"; then
+            echo "the library holds a part of the key or of a derived value"
+            exit 1
+        fi
+    done
+done
+if strings -a "$library" | grep -qiE "${key:0:16}|${key: -16}"; then
+    echo "the library holds digits of the key"
+    exit 1
+fi
+if git -C "$source" status --porcelain 2>/dev/null | grep -q KeyShares; then
+    echo "the build wrote its shares into the source tree"
+    exit 1
+fi
+
+# The same key gives the same shares, another one others.
+configure again "$work/key"
+cmp "$work/tree-build/generated/KeyShares.h" "$work/tree-again/generated/KeyShares.h"
+openssl rand -hex 32 >"$work/other"
+configure other "$work/other"
+! cmp -s "$work/tree-build/generated/KeyShares.h" "$work/tree-other/generated/KeyShares.h"
+
+refused() { # SENTENCE FILE
+    if configure refused "$2"; then
+        echo "accepted: $1"
+        exit 1
+    fi
+    tr -s ' \n' ' ' <"$work/configure-refused.log" | grep -qF -- "$1" || { cat "$work/configure-refused.log"; exit 1; }
+    rm -rf "$work/tree-refused"
+}
+refused "there is no file $work/missing." "$work/missing"
+mkdir "$work/folder"
+refused "there is no file $work/folder." "$work/folder"
+: >"$work/empty"
+refused "must hold 64 hexadecimal digits in one line, and has 0 characters." "$work/empty"
+echo "${key:1}" >"$work/short"
+refused "must hold 64 hexadecimal digits in one line, and has 63 characters." "$work/short"
+printf '%s\n\n' "$key" >"$work/two"
+refused "must hold 64 hexadecimal digits in one line, and has 65 characters." "$work/two"
+echo "${key:1}g" >"$work/letters"
+refused "must hold 64 hexadecimal digits, and has other characters among them." "$work/letters"
+
+configure development ""
+grep -qF "Protected texts: development key" "$work/configure-development.log"
+if grep -q "development" "$work/configure-build.log" "$work/configure-again.log"; then
+    echo "a build with its own key speaks of the development key"
+    exit 1
+fi
+echo "neither the key nor what is derived from it is in the library"

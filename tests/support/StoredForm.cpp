@@ -1,0 +1,79 @@
+#include "tests/support/StoredForm.h"
+
+#include <fstream>
+#include <openssl/evp.h>
+#include <stdexcept>
+
+namespace {
+
+constexpr std::size_t kBlock = 16;
+
+Bytes Encrypt(const EVP_CIPHER* cipher, const Bytes& key, const Bytes& iv, const Bytes& data) {
+    EVP_CIPHER_CTX* const context = EVP_CIPHER_CTX_new();
+    Bytes encrypted(data.size());
+    int length = 0;
+    const bool isDone = EVP_EncryptInit_ex(context, cipher, nullptr, key.data(), iv.data()) == 1 &&
+                        EVP_CIPHER_CTX_set_padding(context, 0) == 1 &&
+                        EVP_EncryptUpdate(context, encrypted.data(), &length, data.data(),
+                                          static_cast<int>(data.size())) == 1;
+    EVP_CIPHER_CTX_free(context);
+    if (!isDone) {
+        throw std::runtime_error("OpenSSL does not encrypt");
+    }
+    return encrypted;
+}
+
+Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t length) {
+    const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(from);
+    return {begin, begin + static_cast<std::ptrdiff_t>(length)};
+}
+
+Bytes Joined(Bytes first, const Bytes& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+}  // namespace
+
+Bytes DerivedBlocks(const Bytes& material) {
+    Bytes counters(5 * kBlock, 0);
+    for (std::size_t i = 0; i < 5; ++i) {
+        counters[i * kBlock + kBlock - 1] = static_cast<std::uint8_t>(i + 1);
+    }
+    return Encrypt(EVP_aes_256_ecb(), material, Bytes(kBlock), counters);
+}
+
+Bytes TagOf(std::size_t textLength, const Bytes& padded, const Bytes& material) {
+    Bytes length(kBlock, 0);
+    for (std::size_t i = 0; i < 8; ++i) {
+        length[kBlock - 1 - i] = static_cast<std::uint8_t>(textLength >> (8 * i));
+    }
+    const Bytes tagKey = Slice(DerivedBlocks(material), 3 * kBlock, 2 * kBlock);
+    const Bytes chain = Encrypt(EVP_aes_256_cbc(), tagKey, Bytes(kBlock), Joined(length, padded));
+    return Slice(chain, chain.size() - kBlock, kBlock);
+}
+
+std::string StoredBlocks(const Bytes& tagAndPadded, const Bytes& material) {
+    const Bytes blocks = DerivedBlocks(material);
+    const Bytes cipher = Encrypt(EVP_aes_256_cbc(), Slice(blocks, 0, 2 * kBlock),
+                                 Slice(blocks, 2 * kBlock, kBlock), tagAndPadded);
+    std::string digits = ToHex(cipher);
+    for (char& digit : digits) {
+        digit = digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit;
+    }
+    return digits;
+}
+
+std::string Stored(const std::string& text, const Bytes& material) {
+    Bytes padded(text.begin(), text.end());
+    const std::size_t padding = kBlock - text.size() % kBlock;
+    padded.resize(text.size() + padding, static_cast<std::uint8_t>(padding));
+    return StoredBlocks(Joined(TagOf(text.size(), padded, material), padded), material);
+}
+
+Bytes DevelopmentKey() {
+    std::ifstream file(DEVELOPMENT_KEY);
+    std::string digits;
+    file >> digits;
+    return FromHex(digits);
+}
