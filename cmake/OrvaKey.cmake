@@ -3,8 +3,9 @@
 set(ORVA_KEY_FILE "" CACHE FILEPATH
     "File of 64 hexadecimal digits, the key for protected texts; empty: the development key")
 
-# orva_write_key_shares(HEADER)
-function(orva_write_key_shares header)
+# orva_write_key_shares(FOLDER): KeyShares.h for the library, and DevelopmentKey.h for the tool, which
+# tells whether a key is that one.
+function(orva_write_key_shares folder)
     set(development_key "${PROJECT_SOURCE_DIR}/cmake/development.key")
     set(file "${ORVA_KEY_FILE}")
     if(file STREQUAL "")
@@ -39,6 +40,9 @@ function(orva_write_key_shares header)
         string(APPEND first " 0x${mask_byte},")
         string(APPEND second " ${masked},")
     endforeach()
-    file(CONFIGURE OUTPUT "${header}" @ONLY CONTENT
+    file(CONFIGURE OUTPUT "${folder}/KeyShares.h" @ONLY CONTENT
         "#define ORVA_FIRST_KEY_SHARE {@first@ }\n#define ORVA_SECOND_KEY_SHARE {@second@ }\n")
+    file(STRINGS "${development_key}" digits)
+    file(CONFIGURE OUTPUT "${folder}/DevelopmentKey.h" @ONLY CONTENT
+        "#define ORVA_DEVELOPMENT_KEY \"@digits@\"\n")
 endfunction()

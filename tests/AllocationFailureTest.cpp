@@ -15,7 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/FailingAllocation.h"
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/FileFaults.h"
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 using ::testing::PrintToString;

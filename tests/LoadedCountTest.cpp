@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "api/LoadedCount.h"
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 namespace {
 

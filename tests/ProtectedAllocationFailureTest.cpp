@@ -6,7 +6,7 @@
 
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/StoredForm.h"
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 namespace {
 

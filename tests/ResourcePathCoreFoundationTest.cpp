@@ -6,7 +6,7 @@
 
 #include "platform/ResourcePath.h"
 #include "tests/standin/CoreFoundationStandIn.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tools/orva-strings/TemporaryFolder.h"
 
 namespace {
 

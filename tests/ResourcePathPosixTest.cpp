@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/ResourcePath.h"
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 namespace fs = std::filesystem;
 using ::testing::PrintToString;

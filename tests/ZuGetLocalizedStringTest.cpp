@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/StoredForm.h"
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 

@@ -31,7 +31,7 @@ derived=$(for counter in 1 2 3 4 5; do
         openssl enc -aes-256-ecb -nopad -K "$key" | od -An -v -tx1 | tr -d ' \n'
     echo
 done)
-[ "$(echo "$derived" | wc -c)" = $((5 * 33)) ] || { echo "no derived values: $derived"; exit 1; }
+[ ${#derived} = $((5 * 33 - 1)) ] || { echo "no derived values: $derived"; exit 1; }
 for secret in "$key" $derived; do
     for part in "${secret:0:16}" "${secret: -16}"; do
         if contains "$part"; then
@@ -54,7 +54,10 @@ configure again "$work/key"
 cmp "$work/tree-build/generated/KeyShares.h" "$work/tree-again/generated/KeyShares.h"
 openssl rand -hex 32 >"$work/other"
 configure other "$work/other"
-! cmp -s "$work/tree-build/generated/KeyShares.h" "$work/tree-other/generated/KeyShares.h"
+if cmp -s "$work/tree-build/generated/KeyShares.h" "$work/tree-other/generated/KeyShares.h"; then
+    echo "two keys have the same shares"
+    exit 1
+fi
 
 refused() { # SENTENCE FILE
     if configure refused "$2"; then

@@ -15,27 +15,30 @@ expect() { # STATUS OUTPUT ARGUMENT…
     fi
 }
 
-english='5 entries, section English
-APP_TITLE  Sample host
-MENU_OPEN  Open…
-MENU_QUIT  Quit
-ASK_SAVE   Save your changes?
+english='6 entries, section English
+APP_TITLE   Sample host
+MENU_OPEN   Open…
+MENU_QUIT   Quit
+ASK_SAVE    Save your changes?
 They are lost otherwise.
-NOT_THERE  (no such text)'
-german='5 entries, section Deutsch
-APP_TITLE  Beispielprogramm
-MENU_OPEN  Öffnen …
-MENU_QUIT  Beenden
-ASK_SAVE   Änderungen sichern?
+IDE_LICENSE Evaluation copy: 30 days left.
+NOT_THERE   (no such text)'
+german='6 entries, section Deutsch
+APP_TITLE   Beispielprogramm
+MENU_OPEN   Öffnen …
+MENU_QUIT   Beenden
+ASK_SAVE    Änderungen sichern?
 Sie gehen sonst verloren.
-NOT_THERE  (no such text)'
-french='5 entries, section Français
-APP_TITLE  Programme d'\''exemple
-MENU_OPEN  Ouvrir…
-MENU_QUIT  Quitter
-ASK_SAVE   Enregistrer les modifications ?
+IDE_LICENSE Testversion: noch 30 Tage.
+NOT_THERE   (no such text)'
+french='6 entries, section Français
+APP_TITLE   Programme d'\''exemple
+MENU_OPEN   Ouvrir…
+MENU_QUIT   Quitter
+ASK_SAVE    Enregistrer les modifications ?
 Elles seront perdues sinon.
-NOT_THERE  (no such text)'
+IDE_LICENSE Version d'\''évaluation : encore 30 jours.
+NOT_THERE   (no such text)'
 
 expect 0 "$english"
 expect 0 "$english" english
@@ -43,3 +46,11 @@ expect 0 "$german" Deutsch
 expect 0 "$french" Français
 expect 0 "$english" Nederlands
 expect 1 'SampleHost: no texts in Missing.strings' English Missing.strings
+
+# What is shipped does not show the protected text.
+strings=${host%/*/*}/Resources/Sample.strings
+grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$strings"
+if grep -q 'Evaluation' "$strings"; then
+    echo "the protected text is readable in $strings"
+    exit 1
+fi

@@ -3,7 +3,6 @@
 // Usage: SampleHost [LANGUAGE [FILE]]
 #include <cstdio>
 
-#include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
 
 int main(int argc, char** argv) {
@@ -15,10 +14,11 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "SampleHost: no texts in %s\n", file);
         return 1;
     }
-    std::printf("%d entries, section %s\n", entries, KorGetLocalizedString("QVLANG"));
-    for (const char* key : {"APP_TITLE", "MENU_OPEN", "MENU_QUIT", "ASK_SAVE", "NOT_THERE"}) {
-        const char* const text = KorGetLocalizedString(key);
-        std::printf("%-10s %s\n", key, text != nullptr ? text : "(no such text)");
+    std::printf("%d entries, section %s\n", entries, ZuGetLocalizedString("QVLANG"));
+    for (const char* key :
+         {"APP_TITLE", "MENU_OPEN", "MENU_QUIT", "ASK_SAVE", "IDE_LICENSE", "NOT_THERE"}) {
+        const char* const text = ZuGetLocalizedString(key);
+        std::printf("%-11s %s\n", key, text != nullptr ? text : "(no such text)");
     }
     return 0;
 }

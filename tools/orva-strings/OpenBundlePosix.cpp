@@ -1,6 +1,6 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 __CFBundle* OpenBundle(const std::filesystem::path& folder) {
     return ZuOpenBundle(folder.c_str());

@@ -1,4 +1,4 @@
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 #include <stdexcept>
 

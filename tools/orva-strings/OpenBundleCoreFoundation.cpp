@@ -1,6 +1,6 @@
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "tests/support/TemporaryBundle.h"
+#include "tools/orva-strings/TemporaryBundle.h"
 
 __CFBundle* OpenBundle(const std::filesystem::path& folder) {
     const std::string path = folder.string();

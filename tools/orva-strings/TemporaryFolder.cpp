@@ -1,4 +1,4 @@
-#include "tests/support/TemporaryFolder.h"
+#include "tools/orva-strings/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -8,7 +8,7 @@
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "orva-test-XXXXXX").string();
+    std::string name = (fs::temp_directory_path() / "orva-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("no temporary folder: " + name);
     }

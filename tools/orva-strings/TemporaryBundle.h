@@ -1,11 +1,11 @@
-#ifndef ORVALANGUAGE_TESTS_SUPPORT_TEMPORARYBUNDLE_H
-#define ORVALANGUAGE_TESTS_SUPPORT_TEMPORARYBUNDLE_H
+#ifndef ORVALANGUAGE_TOOLS_TEMPORARYBUNDLE_H
+#define ORVALANGUAGE_TOOLS_TEMPORARYBUNDLE_H
 
 #include <filesystem>
 #include <string>
 #include <string_view>
 
-#include "tests/support/TemporaryFolder.h"
+#include "tools/orva-strings/TemporaryFolder.h"
 
 struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
 

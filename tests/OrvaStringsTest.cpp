@@ -1,0 +1,359 @@
+// The tool's commands, run in this process; what they print is compared whole.
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/StoredForm.h"
+#include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/TemporaryFolder.h"
+#include "tools/orva-strings/Tool.h"
+
+using namespace std::string_literals;  // for texts that hold NUL bytes
+
+namespace {
+
+const char kReadable[] =
+    "// IDE_COMMENT=\"stays\"\r\n"
+    "QVLANG=en\r\n"
+    "MENU_OPEN=\"Open\"\r\n"
+    "IDE_TITLE = \"Title\\nline two\" ; note\r\n"
+    "IDE_BARE=bare \\n text\n"
+    "ide_lower=\"stays\"\n"
+    "QVLANG=fr\n"
+    "IDE_TITLE=\"\"\n"
+    "IDE_TITLE=\"again\"";
+
+std::string ProtectedFile(const Bytes& key) {
+    return "// IDE_COMMENT=\"stays\"\r\n"
+           "QVLANG=en\r\n"
+           "MENU_OPEN=\"Open\"\r\n"
+           "IDE_TITLE = \"" +
+           Stored("Title\nline two", key) +
+           "\" ; note\r\nIDE_BARE=" + Stored("bare \\n text", key) +
+           "\nide_lower=\"stays\"\nQVLANG=fr\nIDE_TITLE=\"" + Stored("", key) + "\"\nIDE_TITLE=\"" +
+           Stored("again", key) + '"';
+}
+
+class OrvaStrings : public ::testing::Test {
+protected:
+    int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
+        std::istringstream in(input);
+        std::ostringstream out;
+        std::ostringstream err;
+        const int status = RunTool(arguments, in, out, err);
+        m_out = out.str();
+        m_err = err.str();
+        return status;
+    }
+
+    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
+
+    std::string Write(const std::string& name, const std::string& bytes) const {
+        m_folder.Write(name, bytes);
+        return Path(name);
+    }
+
+    // Makes a key file and gives its bytes.
+    Bytes WriteKey(const std::string& name, unsigned first) const {
+        const Bytes key = CountingBytes(32, first);
+        m_folder.Write(name, ToHex(key) + "\n");
+        return key;
+    }
+
+    TemporaryFolder m_folder;
+    std::string m_out;
+    std::string m_err;
+};
+
+TEST_F(OrvaStrings, ProtectsAndRevealsByteForByte) {
+    const std::string file = Write("x", kReadable);
+    EXPECT_EQ(Run({"protect", file}), 0);
+    EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey()));
+    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(ReadFile(file), kReadable) << "without --in-place the file stays";
+
+    const std::string stored = Write("y", m_out);
+    EXPECT_EQ(Run({"protect", stored}), 0);
+    EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey())) << "a second run changes nothing";
+    EXPECT_EQ(Run({"reveal", stored}), 0);
+    EXPECT_EQ(m_out, kReadable);
+    EXPECT_EQ(Run({"reveal", file}), 0);
+    EXPECT_EQ(m_out, kReadable) << "what is readable stays";
+}
+
+TEST_F(OrvaStrings, ReadsStandardInput) {
+    EXPECT_EQ(Run({"protect", "-"}, kReadable), 0);
+    EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey()));
+    EXPECT_EQ(Run({"reveal", "-"}, m_out), 0);
+    EXPECT_EQ(m_out, kReadable);
+    EXPECT_EQ(Run({"protect", "-"}, ""), 0);
+    EXPECT_EQ(m_out, "");
+}
+
+TEST_F(OrvaStrings, UsesTheKeyItIsGiven) {
+    const Bytes key = WriteKey("key", 7);
+    const std::string file = Write("x", kReadable);
+    EXPECT_EQ(Run({"protect", file, "--key-file", Path("key")}), 0);
+    EXPECT_EQ(m_out, ProtectedFile(key));
+    const std::string stored = Write("y", m_out);
+    EXPECT_EQ(Run({"reveal", stored, "--key-file", Path("key")}), 0);
+    EXPECT_EQ(m_out, kReadable);
+
+    EXPECT_EQ(Run({"reveal", stored}), 1);
+    EXPECT_EQ(m_out, "");
+    const std::string why =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
+    EXPECT_EQ(m_err, stored + ":4: error: IDE_TITLE " + why + stored + ":5: error: IDE_BARE" + why +
+                         stored + ":8: error: IDE_TITLE" + why + stored + ":9: error: IDE_TITLE" +
+                         why);
+}
+
+TEST_F(OrvaStrings, RefusesToProtectWhatLooksStoredButDoesNotDecode) {
+    std::string damaged = Stored("text", DevelopmentKey());
+    damaged[3] = damaged[3] == '0' ? '1' : '0';
+    const std::string bytes = "QVLANG=en\nIDE_GOOD=\"text\"\nIDE_BAD=\"" + damaged + "\"\n";
+    const std::string file = Write("x", bytes);
+    EXPECT_EQ(Run({"protect", "--in-place", file}), 1);
+    EXPECT_EQ(m_out, "");
+    EXPECT_EQ(m_err, file +
+                         ":3: error: IDE_BAD: the value looks stored but does not decode: it was "
+                         "damaged or made with another key\n");
+    EXPECT_EQ(ReadFile(file), bytes) << "nothing is written, not even the good one";
+
+    EXPECT_EQ(Run({"protect", "--force", file}), 0);
+    EXPECT_EQ(m_out, "QVLANG=en\nIDE_GOOD=\"" + Stored("text", DevelopmentKey()) +
+                         "\"\nIDE_BAD=\"" + Stored(damaged, DevelopmentKey()) + "\"\n");
+}
+
+TEST_F(OrvaStrings, TellsLooksByDigitsAndLength) {
+    const struct {
+        std::string value;
+        bool looksStored;
+    } cases[] = {
+        {std::string(64, '0'), true},        {std::string(96, 'a'), true},
+        {std::string(1024, 'F'), true},      {std::string(32, '0'), false},
+        {std::string(63, '0'), false},       {std::string(65, '0'), false},
+        {std::string(80, '0'), false},       {std::string(63, '0') + "g", false},
+        {std::string(63, '0') + " ", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run({"protect", "-"}, "QVLANG=en\nIDE_X=\"" + c.value + "\"\n"),
+                  c.looksStored ? 1 : 0)
+            << c.value;
+    }
+}
+
+TEST_F(OrvaStrings, RefusesATextWithANulByte) {
+    EXPECT_EQ(Run({"protect", "-"}, "QVLANG=en\nIDE_X=\"a\0b\"\nIDE_Y=\"good\"\n"s), 1);
+    EXPECT_EQ(m_out, "");
+    EXPECT_EQ(m_err, "-:2: error: IDE_X: the text has a NUL byte in it\n");
+}
+
+TEST_F(OrvaStrings, RefusesToRevealWhatWouldNotReadBackTheSame) {
+    const std::string both = Stored("back\\nslash\nline", DevelopmentKey());
+    EXPECT_EQ(Run({"reveal", "-"}, "QVLANG=en\nIDE_X=\"" + both + "\"\n"), 1);
+    EXPECT_EQ(m_out, "");
+    EXPECT_EQ(m_err,
+              "-:2: error: IDE_X: the text can't be written as a quoted value that reads back the "
+              "same\n");
+}
+
+TEST_F(OrvaStrings, RekeysAllOrNothing) {
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    const std::vector<std::string> fromFirstToSecond = {"--from", Path("first"), "--to",
+                                                        Path("second")};
+    const auto rekey = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), fromFirstToSecond.begin(), fromFirstToSecond.end());
+        return Run(arguments);
+    };
+    const std::string file = Write("x", ProtectedFile(first));
+    EXPECT_EQ(rekey({"rekey", file}), 0);
+    EXPECT_EQ(m_out, ProtectedFile(second));
+    EXPECT_EQ(rekey({"rekey", file, "--in-place"}), 0);
+    EXPECT_EQ(m_out, "");
+    EXPECT_EQ(ReadFile(file), ProtectedFile(second));
+    EXPECT_EQ(rekey({"rekey", file}), 0);
+    EXPECT_EQ(m_out, ProtectedFile(second)) << "what has the new key already stays";
+
+    const std::string mixed = "QVLANG=en\nIDE_A=\"" + Stored("a", first) + "\"\nIDE_B=\"" +
+                              Stored("b", DevelopmentKey()) + "\"\nIDE_C=\"readable\"\n";
+    const std::string bad = Write("y", mixed);
+    EXPECT_EQ(rekey({"rekey", bad, "--in-place"}), 1);
+    EXPECT_EQ(m_err, bad +
+                         ":3: error: IDE_B: the value looks stored but does not decode: it was "
+                         "damaged or made with another key\n");
+    EXPECT_EQ(ReadFile(bad), mixed);
+}
+
+TEST_F(OrvaStrings, ShowsWhatTheLibraryAnswers) {
+    const std::string file = Write("x", ProtectedFile(DevelopmentKey()));
+    EXPECT_EQ(Run({"show", file}), 0);
+    EXPECT_EQ(m_out,
+              "IDE_BARE=(protected)\nIDE_TITLE =(protected)\nMENU_OPEN=\"Open\"\n"
+              "QVLANG=\"en\"\nide_lower=\"stays\"\n");
+    EXPECT_EQ(Run({"show", file, "--language", "EN", "--reveal", "MENU_OPEN", "IDE_BARE"}), 0);
+    EXPECT_EQ(m_out, "MENU_OPEN=\"Open\"\nIDE_BARE=\"bare \\n text\"\n");
+    EXPECT_EQ(Run({"show", "-", "--language", "de", "QVLANG"}, ProtectedFile(DevelopmentKey())), 0);
+    EXPECT_EQ(m_out, "QVLANG=\"en\"\n") << "the first section";
+    EXPECT_EQ(Run({"show", file, "QVLANG", "NOT_THERE"}), 1);
+    EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
+    EXPECT_EQ(m_err, file + ": error: NOT_THERE: there is no such key in the section\n");
+}
+
+TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nIDE_PLAIN=\"text\"\nMENU=\"x\"\n"), 1);
+    EXPECT_EQ(m_out, "MENU=\"x\"\nQVLANG=\"en\"\n");
+    EXPECT_EQ(m_err, "-: error: IDE_PLAIN: the value does not decode\n");
+    EXPECT_EQ(Run({"show", "-"}, "MENU=\"x\"\n"), 1);
+    EXPECT_EQ(m_err, "-: error: there is no section in it\n");
+}
+
+TEST_F(OrvaStrings, ListsSections) {
+    EXPECT_EQ(Run({"sections", "-"}, kReadable), 0);
+    EXPECT_EQ(m_out,
+              "  LINE  ENTRIES  PROTECTED  SECTION\n"
+              "     2        5          2  en\n"
+              "     7        2          1  fr\n");
+    EXPECT_EQ(Run({"sections", "-"}, ""), 0);
+    EXPECT_EQ(m_out, "  LINE  ENTRIES  PROTECTED  SECTION\n");
+}
+
+TEST_F(OrvaStrings, MakesKeysAndTellsThemApart) {
+    const std::string file = Path("new.key");
+    EXPECT_EQ(Run({"key", "new", file}), 0);
+    EXPECT_EQ(m_out, "");
+    struct stat status = {};
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+    const std::string digits = ReadFile(file);
+    EXPECT_EQ(digits.size(), 65U);
+    EXPECT_EQ(digits.find_first_not_of("0123456789abcdef"), 64U);
+
+    EXPECT_EQ(Run({"key", "new", file}), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: " + file + ": File exists\n");
+    EXPECT_EQ(ReadFile(file), digits) << "a key that is there stays";
+
+    EXPECT_EQ(Run({"key", "new", "-"}), 0);
+    EXPECT_EQ(m_out.size(), 65U);
+    EXPECT_NE(m_out, digits);
+
+    EXPECT_EQ(Run({"key", "show"}), 0);
+    const std::string builtIn = m_out;
+    EXPECT_EQ(builtIn.substr(builtIn.find('\n') + 1), "development key: yes\n");
+    EXPECT_EQ(Run({"key", "show", "--key-file", DEVELOPMENT_KEY}), 0);
+    EXPECT_EQ(m_out, builtIn);
+    EXPECT_EQ(Run({"key", "show", "--key-file", file}), 0);
+    EXPECT_EQ(m_out.substr(m_out.find('\n') + 1), "development key: no\n");
+    EXPECT_NE(m_out.substr(0, m_out.find('\n')), builtIn.substr(0, builtIn.find('\n')));
+    EXPECT_EQ(m_out.find(digits.substr(0, 8)), std::string::npos) << "it does not show the key";
+}
+
+TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
+    const std::string good = ToHex(CountingBytes(32));
+    const struct {
+        const char* what;
+        std::string bytes;
+        bool isGood;
+    } cases[] = {
+        {"as made", good + "\n", true},
+        {"no line end", good, true},
+        {"CR LF", good + "\r\n", true},
+        {"upper case", "000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F", true},
+        {"empty", "", false},
+        {"short", good.substr(1), false},
+        {"long", good + "0", false},
+        {"a letter", "g" + good.substr(1), false},
+        {"a blank", " " + good.substr(1), false},
+        {"an @", "@" + good.substr(1), false},
+    };
+    for (const auto& c : cases) {
+        const std::string file = Write("key", c.bytes);
+        EXPECT_EQ(Run({"key", "show", "--key-file", file}), c.isGood ? 0 : 2) << c.what;
+        EXPECT_EQ(m_err, c.isGood ? ""
+                                  : "orva-strings: error: " + file +
+                                        ": a key file holds 64 hexadecimal digits\n")
+            << c.what;
+    }
+    EXPECT_EQ(Run({"protect", "-", "--key-file", Path("missing")}), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: " + Path("missing") + ": No such file or directory\n");
+}
+
+TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
+    const std::vector<std::string> cases[] = {
+        {},
+        {"nonsense"},
+        {"protect"},
+        {"protect", "a", "b"},
+        {"protect", "--nonsense", "-"},
+        {"show", "--key-file", "x", "-"},
+        {"rekey", "-"},
+        {"rekey", "-", "--from", "x"},
+        {"key"},
+        {"key", "new"},
+        {"protect", "--in-place", "-"},
+        {"protect", Path("missing")},
+        {"protect", m_folder.Path()},
+        {"show", Path("missing")},
+        {"sections", Path("missing")},
+    };
+    for (const auto& arguments : cases) {
+        EXPECT_EQ(Run(arguments), 2) << ::testing::PrintToString(arguments);
+        EXPECT_EQ(m_out, "") << ::testing::PrintToString(arguments);
+        EXPECT_NE(m_err, "") << ::testing::PrintToString(arguments);
+    }
+}
+
+TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
+    EXPECT_EQ(Run({"--help"}), 0);
+    EXPECT_NE(m_out.find("Examples:\n"), std::string::npos);
+    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(Run({"protect", "--help"}), 0);
+    EXPECT_NE(m_out.find("--key-file"), std::string::npos);
+    EXPECT_EQ(Run({"--version"}), 0);
+    EXPECT_EQ(m_out, ORVA_VERSION "\n");
+}
+
+TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
+    const std::string file = Write("x", kReadable);
+    std::filesystem::create_symlink("x", Path("link"));
+    for (const mode_t mode : {0644U, 0600U, 0755U, 0444U}) {
+        m_folder.Write("new", kReadable);
+        std::filesystem::rename(Path("new"), file);
+        ASSERT_EQ(chmod(file.c_str(), mode), 0);
+        EXPECT_EQ(Run({"protect", "--in-place", Path("link")}), 0);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(ReadFile(file), ProtectedFile(DevelopmentKey()));
+        struct stat status = {};
+        ASSERT_EQ(stat(file.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777U, mode);
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 2)
+        << "nothing else is left in the folder";
+}
+
+TEST_F(OrvaStrings, WritesNothingInPlaceWhereNothingChanges) {
+    const std::string file = Write("x", ProtectedFile(DevelopmentKey()));
+    struct stat before = {};
+    ASSERT_EQ(stat(file.c_str(), &before), 0);
+    EXPECT_EQ(Run({"protect", "--in-place", file}), 0);
+    struct stat after = {};
+    ASSERT_EQ(stat(file.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+}
+
+TEST_F(OrvaStrings, ReportsAResultThatCannotBeWritten) {
+    std::istringstream in(kReadable);
+    std::ofstream out("/dev/full");
+    std::ostringstream err;
+    EXPECT_EQ(RunTool({"protect", "-"}, in, out, err), 2);
+    EXPECT_EQ(err.str(), "orva-strings: error: can't write the result\n");
+}
+
+}  // namespace

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Stops `orva-strings protect --in-place` at each call by which it replaces the file, one after the
+# other: killed, and for want of space. The file then holds its old bytes or its new ones, whole.
+#
+# Usage: interrupted_test.sh TOOL, the tool linked with KillAtCall.cpp
+set -euo pipefail
+tool=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+{
+    echo "QVLANG=en"
+    for i in $(seq 2000); do
+        echo "IDE_$i=\"text number $i\""
+    done
+} >"$work/old"
+"$tool" protect "$work/old" >"$work/new"
+cmp -s "$work/old" "$work/new" && { echo "nothing to protect"; exit 1; }
+
+olds=0 news=0
+
+# Runs the tool once, stopped at the N-th call, and sets status; fails unless the file is whole.
+stop_at() { # VARIABLE N
+    rm -rf "$work/folder"
+    mkdir "$work/folder"
+    cp "$work/old" "$work/folder/file"
+    chmod 640 "$work/folder/file"
+    status=0
+    (exec env "$1=$2" "$tool" protect --in-place "$work/folder/file") 2>"$work/err" || status=$?
+    if cmp -s "$work/folder/file" "$work/old"; then
+        olds=$((olds + 1))
+    elif cmp -s "$work/folder/file" "$work/new"; then
+        news=$((news + 1))
+    else
+        echo "$1=$2 left the file half written"
+        exit 1
+    fi
+    [ "$(stat -c %a "$work/folder/file")" = 640 ] || { echo "$1=$2 changed the mode"; exit 1; }
+}
+
+calls=0
+while stop_at KILL_AT $((calls + 1)) && [ "$status" != 0 ]; do
+    [ "$status" = 137 ] || { echo "KILL_AT=$calls ended with $status"; cat "$work/err"; exit 1; }
+    calls=$((calls + 1))
+done 2>/dev/null
+cmp "$work/folder/file" "$work/new"
+if [ "$olds" -le 3 ] || [ "$news" -le 1 ]; then
+    echo "$olds times the old file, $news the new"
+    exit 1
+fi
+echo "killed at each of $calls calls"
+
+failures=0
+for n in $(seq "$calls"); do
+    stop_at FAIL_AT "$n"
+    [ "$(find "$work/folder" -type f | wc -l)" = 1 ] || { echo "FAIL_AT=$n left a file"; exit 1; }
+    if [ "$status" = 0 ]; then  # the end of reading, or what comes after all is done
+        cmp "$work/folder/file" "$work/new"
+    elif [ "$status" = 2 ] && grep -q 'error: .*No space left' "$work/err"; then
+        failures=$((failures + 1))
+    else
+        echo "FAIL_AT=$n ended with $status"
+        cat "$work/err"
+        exit 1
+    fi
+done
+[ "$failures" -gt 4 ] || { echo "only $failures failures were told"; exit 1; }
+echo "failed at each of $calls calls, $failures of them told"

@@ -1,0 +1,144 @@
+#include "tools/orva-strings/Commands.h"
+
+#include <iomanip>
+#include <optional>
+#include <set>
+
+#include <OrvaLanguage/KorString.h>
+#include <OrvaLanguage/OrvaLanguage.h>
+
+#include "tools/orva-strings/ProtectedText.h"
+#include "tools/orva-strings/TemporaryBundle.h"
+
+namespace {
+
+using Entry = StringsDocument::Entry;
+
+bool IsProtected(const std::string& key) {
+    return key.compare(0, 3, "IDE") == 0;
+}
+
+// Asks for each protected entry's new value, which may be none, and sets it.
+template <typename NewValue>
+Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
+    Findings findings;
+    for (const StringsDocument::Section& section : document.Sections()) {
+        for (const Entry& entry : section.entries) {
+            if (!IsProtected(entry.key)) {
+                continue;
+            }
+            const std::optional<std::string> value = newValue(entry, findings);
+            if (value && !document.SetValue(entry.line, *value)) {
+                findings.push_back({entry.line, entry.key +
+                                                    ": the text can't be written as a quoted value "
+                                                    "that reads back the same"});
+            }
+        }
+    }
+    return findings;
+}
+
+Finding DoesNotDecode(const Entry& entry) {
+    return {entry.line, entry.key +
+                            ": the value looks stored but does not decode: it was damaged or made "
+                            "with another key"};
+}
+
+// A text as it stands in a strings file, or near it: for people.
+std::string Quoted(const std::string& text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        quoted += c == '\n' ? std::string("\\n") : std::string(1, c);
+    }
+    return quoted + '"';
+}
+
+}  // namespace
+
+Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isForced) {
+    return ChangeProtected(
+        document, [&](const Entry& entry, Findings& findings) -> std::optional<std::string> {
+            if (DecodeProtectedText(keys, entry.value)) {
+                return std::nullopt;
+            }
+            if (!isForced && LooksStored(entry.value)) {
+                findings.push_back(DoesNotDecode(entry));
+                return std::nullopt;
+            }
+            if (entry.value.find('\0') != std::string::npos) {
+                findings.push_back({entry.line, entry.key + ": the text has a NUL byte in it"});
+                return std::nullopt;
+            }
+            return EncodeProtectedText(keys, entry.value);
+        });
+}
+
+Findings Reveal(StringsDocument& document, const ProtectionKeys& keys) {
+    return ChangeProtected(document, [&](const Entry& entry, Findings& findings) {
+        std::optional<std::string> text = DecodeProtectedText(keys, entry.value);
+        if (!text && LooksStored(entry.value)) {
+            findings.push_back(DoesNotDecode(entry));
+        }
+        return text;
+    });
+}
+
+Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const ProtectionKeys& to) {
+    return ChangeProtected(document, [&](const Entry& entry, Findings& findings) {
+        std::optional<std::string> value = DecodeProtectedText(from, entry.value);
+        if (value) {
+            value = EncodeProtectedText(to, *value);
+        } else if (LooksStored(entry.value) && !DecodeProtectedText(to, entry.value)) {
+            findings.push_back(DoesNotDecode(entry));
+        }
+        return value;
+    });
+}
+
+void ListSections(const StringsDocument& document, std::ostream& out) {
+    out << "  LINE  ENTRIES  PROTECTED  SECTION\n";
+    for (const StringsDocument::Section& section : document.Sections()) {
+        // As a load counts: each key once, and the header.
+        std::set<std::string> keys = {"QVLANG"};
+        std::size_t protectedKeys = 0;
+        for (const Entry& entry : section.entries) {
+            if (keys.insert(entry.key).second && IsProtected(entry.key)) {
+                ++protectedKeys;
+            }
+        }
+        out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
+            << protectedKeys << "  " << section.name << '\n';
+    }
+}
+
+bool Show(const StringsDocument& document, const std::string& language,
+          const std::vector<std::string>& keys, bool isRevealed, const std::string& fileName,
+          std::ostream& out, std::ostream& err) {
+    const TemporaryBundle bundle;
+    bundle.Write("strings", document.Bytes());
+    if (ZuLoadStrings(language.c_str(), "strings", bundle.Get()) < 1) {
+        err << fileName << ": error: there is no section in it\n";
+        return false;
+    }
+    std::vector<std::string> wanted = keys;
+    if (wanted.empty()) {
+        for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
+            wanted.emplace_back(entry->Key());
+        }
+    }
+    bool isComplete = true;
+    for (const std::string& key : wanted) {
+        const char* const text = ZuGetLocalizedString(key.c_str());
+        if (text != nullptr) {
+            out << key << '=' << (IsProtected(key) && !isRevealed ? "(protected)" : Quoted(text))
+                << '\n';
+        } else {
+            const bool isThere = KorGetLocalizedString(key.c_str()) != nullptr;
+            err << fileName << ": error: " << key << ": "
+                << (isThere ? "the value does not decode" : "there is no such key in the section")
+                << '\n';
+            isComplete = false;
+        }
+    }
+    return isComplete;
+}

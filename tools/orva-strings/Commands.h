@@ -1,0 +1,45 @@
+// What the tool does with a strings file, apart from files and options: each command works on a
+// document and says what it found.
+#ifndef ORVALANGUAGE_TOOLS_COMMANDS_H
+#define ORVALANGUAGE_TOOLS_COMMANDS_H
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "api/ProtectedForm.h"
+#include "tools/orva-strings/StringsDocument.h"
+
+// What is wrong with one entry.
+struct Finding {
+    std::size_t line;  // from 0
+    std::string text;
+};
+using Findings = std::vector<Finding>;
+
+// Each of the three changes the entries of all sections whose key begins with "IDE". With findings
+// the document may be half changed: it is then of no use any more.
+
+// Puts readable values into the stored form; stored ones stay. A value that looks stored but does
+// not decode is a finding, unless isForced, which takes it for a text.
+Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isForced);
+
+// Puts stored values back into readable form; readable ones stay.
+Findings Reveal(StringsDocument& document, const ProtectionKeys& keys);
+
+// Puts values stored with one key into what another makes of them. Readable ones and those that are
+// stored with the other already stay.
+Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const ProtectionKeys& to);
+
+// Writes a table of the document's sections.
+void ListSections(const StringsDocument& document, std::ostream& out);
+
+// Loads a section through the library and writes what it answers for the keys, or for every key of
+// the section if there are none; protected texts only if isRevealed. Returns false if anything has
+// no answer, which it says to err under the file's name.
+bool Show(const StringsDocument& document, const std::string& language,
+          const std::vector<std::string>& keys, bool isRevealed, const std::string& fileName,
+          std::ostream& out, std::ostream& err);
+
+#endif

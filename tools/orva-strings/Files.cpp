@@ -1,0 +1,122 @@
+#include "tools/orva-strings/Files.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+// An open file, closed at the end of its scope.
+class File {
+public:
+    File(int descriptor, std::string path) : m_descriptor(descriptor), m_path(std::move(path)) {
+        Check(descriptor >= 0);
+    }
+    ~File() {
+        if (m_descriptor >= 0) {
+            close(m_descriptor);
+        }
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    int Get() const { return m_descriptor; }
+
+    // Throws what errno says unless a call succeeded.
+    void Check(bool hasSucceeded) const {
+        if (!hasSucceeded) {
+            throw std::system_error(errno, std::generic_category(), m_path);
+        }
+    }
+
+    void Write(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
+            Check(written >= 0 || errno == EINTR);
+            bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+        }
+    }
+
+    void Close() {
+        const int descriptor = m_descriptor;
+        m_descriptor = -1;
+        Check(close(descriptor) == 0);
+    }
+
+private:
+    int m_descriptor;
+    std::string m_path;
+};
+
+// Removes a file at the end of its scope, unless it is kept.
+class Unfinished {
+public:
+    explicit Unfinished(std::string path) : m_path(std::move(path)) {}
+    ~Unfinished() {
+        if (!m_path.empty()) {
+            unlink(m_path.c_str());
+        }
+    }
+    Unfinished(const Unfinished&) = delete;
+    Unfinished& operator=(const Unfinished&) = delete;
+
+    void Keep() { m_path.clear(); }
+
+private:
+    std::string m_path;
+};
+
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC), path);
+    std::string bytes;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t count = read(file.Get(), buffer, sizeof buffer);
+        file.Check(count >= 0 || errno == EINTR);
+        if (count == 0) {
+            return bytes;
+        }
+        bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+}
+
+void ReplaceFile(const std::string& path, std::string_view bytes) {
+    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
+                                                             std::free);
+    struct stat status = {};
+    if (target == nullptr || stat(target.get(), &status) != 0) {
+        throw std::system_error(errno, std::generic_category(), path);
+    }
+
+    const std::string targetPath = target.get();
+    std::string newPath = targetPath + ".XXXXXX";
+    File file(mkstemp(newPath.data()), newPath);
+    Unfinished unfinished(newPath);
+    file.Write(bytes);
+    file.Check(fchmod(file.Get(), status.st_mode & 07777) == 0);
+    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
+    file.Close();
+    file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
+    unfinished.Keep();
+
+    const std::string folder = targetPath.substr(0, targetPath.rfind('/') + 1);
+    const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), folder);
+    directory.Check(fsync(directory.Get()) == 0);
+}
+
+void CreatePrivateFile(const std::string& path, std::string_view bytes) {
+    File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path);
+    Unfinished unfinished(path);
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the process's mask leaves
+    file.Write(bytes);
+    file.Check(fsync(file.Get()) == 0);
+    file.Close();
+    unfinished.Keep();
+}

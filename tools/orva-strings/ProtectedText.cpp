@@ -1,0 +1,53 @@
+#include "tools/orva-strings/ProtectedText.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "crypt/CCryptAES.h"
+#include "platform/ClearedArray.h"
+
+std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& text) {
+    const std::size_t padding = kProtectedBlock - text.size() % kProtectedBlock;
+    const ClearedArray data(kProtectedBlock + text.size() + padding);
+    std::uint8_t* const padded = data.Get() + kProtectedBlock;
+    std::copy(text.begin(), text.end(), padded);
+    std::memset(padded + text.size(), static_cast<int>(padding), padding);
+    std::uint8_t tag[kProtectedBlock];
+    MakeTag(keys, text.size(), padded, text.size() + padding, tag);
+    std::copy(std::begin(tag), std::end(tag), data.Get());
+
+    CCryptAES aes;
+    aes.SetKey(keys.EncryptionKey(), kProtectedKey);
+    aes.SetIV(keys.IV(), kProtectedBlock);
+    aes.SetMode(CRYPT_MODE_CBC);
+    aes.SetPadding(CRYPT_PADDING_NONE);
+    std::size_t length = data.Size();
+    aes.Encrypt(data.Get(), &length, length);
+
+    // Byte after byte is the same as the big-endian groups.
+    std::string digits;
+    digits.reserve(2 * length);
+    for (std::size_t i = 0; i < length; ++i) {
+        digits += "0123456789ABCDEF"[data.Get()[i] >> 4U];
+        digits += "0123456789ABCDEF"[data.Get()[i] & 0xFU];
+    }
+    return digits;
+}
+
+std::optional<std::string> DecodeProtectedText(const ProtectionKeys& keys,
+                                               const std::string& stored) {
+    const ClearedArray data(stored.size() / 2);
+    std::size_t length = 0;
+    if (!ReadStoredDigits(stored.data(), stored.size(), data.Get()) ||
+        !DecryptStored(keys, data.Get(), data.Size(), &length)) {
+        return std::nullopt;
+    }
+    return std::string(reinterpret_cast<const char*>(data.Get()) + kProtectedBlock, length);
+}
+
+bool LooksStored(const std::string& value) {
+    return IsStoredLength(value.size()) && std::all_of(value.begin(), value.end(), [](char c) {
+               return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+           });
+}

@@ -1,0 +1,49 @@
+#ifndef ORVALANGUAGE_TOOLS_STRINGSDOCUMENT_H
+#define ORVALANGUAGE_TOOLS_STRINGSDOCUMENT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A strings file to be changed entry by entry: every byte that is not changed stays as it is. What a
+// line means is asked of the library's own line functions.
+class StringsDocument {
+public:
+    struct Entry {
+        std::size_t line;  // its place, from 0
+        std::string key;
+        std::string value;  // as the library reads it
+    };
+
+    struct Section {
+        std::size_t line;  // of its header, from 0
+        std::string name;
+        std::vector<Entry> entries;  // of all its lines, those of a repeated key too; no header
+    };
+
+    explicit StringsDocument(std::string_view bytes);
+
+    // The whole file as it is now.
+    std::string Bytes() const;
+
+    // Every section of the file, in its order. What stands before the first one belongs to none.
+    std::vector<Section> Sections() const;
+
+    // Gives the entry of a line another value. Quotes, and what stands before the first and behind
+    // the last, stay; a value without quotes gets them where it needs them.
+    //
+    // Returns false, and changes nothing, if the value can't be written so that it reads back the
+    // same: there is no escape for a backslash in front of an n, for instance.
+    bool SetValue(std::size_t line, const std::string& value);
+
+private:
+    struct Line {
+        std::string text;    // as the library reads it
+        std::string ending;  // what it drops: a carriage return, a line feed, both or none
+    };
+
+    std::vector<Line> m_lines;
+};
+
+#endif

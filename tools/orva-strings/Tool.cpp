@@ -1,0 +1,230 @@
+#include "tools/orva-strings/Tool.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <functional>
+#include <iterator>
+
+#include "tools/orva-strings/Commands.h"
+#include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/Key.h"
+
+namespace {
+
+enum ExitStatus { kDone = 0, kFindings = 1, kUsageOrSystem = 2 };
+
+constexpr char kExamples[] = R"(Examples:
+  orva-strings protect Source.strings > Shipped.strings
+  orva-strings protect --in-place --key-file release.key Sample.strings
+  orva-strings show --language Deutsch --reveal Sample.strings IDE_TITLE
+  orva-strings rekey --from old.key --to new.key --in-place Sample.strings
+Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or system error.)";
+
+struct Options {
+    std::string file;
+    std::string keyFile;
+    std::string fromKeyFile;
+    std::string toKeyFile;
+    std::string language;
+    std::vector<std::string> keys;
+    bool isInPlace = false;
+    bool isForced = false;
+    bool isRevealed = false;
+};
+
+Key KeyOf(const std::string& path) {
+    return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
+}
+
+// One run of the tool: where it reads and writes, and what it was asked.
+class Run {
+public:
+    Run(std::istream& in, std::ostream& out, std::ostream& err)
+        : m_in(in), m_out(out), m_err(err) {}
+
+    int Parse(std::vector<std::string> arguments);
+
+private:
+    CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
+                         std::function<int()> command);
+    void AddFile(CLI::App& command);
+    void AddInPlace(CLI::App& command);
+    void AddKeyFile(CLI::App& command);
+
+    StringsDocument ReadDocument() const;
+    int Change(const std::function<Findings(StringsDocument&)>& change) const;
+    int NewKey() const;
+    int ShowKey() const;
+
+    std::istream& m_in;
+    std::ostream& m_out;
+    std::ostream& m_err;
+    Options m_options;
+    std::function<int()> m_command;
+};
+
+CLI::App* Run::AddCommand(CLI::App& app, const std::string& name, const std::string& description,
+                          std::function<int()> command) {
+    CLI::App* const added = app.add_subcommand(name, description);
+    added->callback([this, command = std::move(command)] { m_command = command; });
+    return added;
+}
+
+void Run::AddFile(CLI::App& command) {
+    command.add_option("FILE", m_options.file, "The strings file; - is standard input")->required();
+}
+
+void Run::AddInPlace(CLI::App& command) {
+    command.add_flag("--in-place", m_options.isInPlace,
+                     "Write the result to FILE, whole or not at all, instead of standard output");
+}
+
+void Run::AddKeyFile(CLI::App& command) {
+    command.add_option("--key-file", m_options.keyFile,
+                       "File of 64 hexadecimal digits; without it, the key built in");
+}
+
+StringsDocument Run::ReadDocument() const {
+    if (m_options.file == "-") {
+        return StringsDocument(std::string(std::istreambuf_iterator<char>(m_in), {}));
+    }
+    return StringsDocument(ReadFile(m_options.file));
+}
+
+int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
+    if (m_options.isInPlace && m_options.file == "-") {
+        m_err << "orva-strings: error: --in-place needs a file, not -\n";
+        return kUsageOrSystem;
+    }
+    StringsDocument document = ReadDocument();
+    const std::string before = document.Bytes();
+    const Findings findings = change(document);
+    for (const Finding& finding : findings) {
+        m_err << m_options.file << ':' << finding.line + 1 << ": error: " << finding.text << '\n';
+    }
+    if (!findings.empty()) {
+        return kFindings;
+    }
+    if (!m_options.isInPlace) {
+        m_out << document.Bytes();
+    } else if (document.Bytes() != before) {
+        ReplaceFile(m_options.file, document.Bytes());
+    }
+    return kDone;
+}
+
+int Run::NewKey() const {
+    const std::string text = Key::Random().FileText();
+    if (m_options.keyFile == "-") {
+        m_out << text;
+    } else {
+        CreatePrivateFile(m_options.keyFile, text);
+    }
+    return kDone;
+}
+
+int Run::ShowKey() const {
+    const Key key = KeyOf(m_options.keyFile);
+    m_out << "fingerprint: " << key.Fingerprint() << '\n'
+          << "development key: " << (key.IsDevelopmentKey() ? "yes" : "no") << '\n';
+    return kDone;
+}
+
+int Run::Parse(std::vector<std::string> arguments) {
+    CLI::App app("Looks into strings files and keeps their protected entries.", "orva-strings");
+    app.footer(kExamples);
+    app.require_subcommand(1);
+    app.set_version_flag("--version", ORVA_VERSION);
+
+    CLI::App* command = AddCommand(
+        app, "protect", "Store every readable entry whose key begins with IDE in protected form",
+        [this] {
+            return Change([this](StringsDocument& document) {
+                return Protect(document, KeyOf(m_options.keyFile).Derive(), m_options.isForced);
+            });
+        });
+    AddFile(*command);
+    AddInPlace(*command);
+    AddKeyFile(*command);
+    command->add_flag("--force", m_options.isForced,
+                      "Take a value that looks stored but does not decode for a text");
+
+    command = AddCommand(app, "reveal", "Write protected entries as readable text again", [this] {
+        return Change([this](StringsDocument& document) {
+            return Reveal(document, KeyOf(m_options.keyFile).Derive());
+        });
+    });
+    AddFile(*command);
+    AddInPlace(*command);
+    AddKeyFile(*command);
+
+    command = AddCommand(app, "rekey", "Store protected entries with another key", [this] {
+        return Change([this](StringsDocument& document) {
+            return Rekey(document, KeyOf(m_options.fromKeyFile).Derive(),
+                         KeyOf(m_options.toKeyFile).Derive());
+        });
+    });
+    AddFile(*command);
+    AddInPlace(*command);
+    command->add_option("--from", m_options.fromKeyFile, "Key file they are stored with")
+        ->required();
+    command->add_option("--to", m_options.toKeyFile, "Key file to store them with")->required();
+
+    command = AddCommand(app, "show", "Show what the library answers", [this] {
+        return Show(ReadDocument(), m_options.language, m_options.keys, m_options.isRevealed,
+                    m_options.file, m_out, m_err)
+                   ? kDone
+                   : kFindings;
+    });
+    AddFile(*command);
+    command->add_option("KEY", m_options.keys, "Keys to look up; without them, the whole section");
+    command->add_option("--language", m_options.language,
+                        "The section's name; without it, the first section");
+    command->add_flag("--reveal", m_options.isRevealed, "Show protected texts too");
+
+    command =
+        AddCommand(app, "sections", "List the sections: line, entries, protected, name", [this] {
+            ListSections(ReadDocument(), m_out);
+            return kDone;
+        });
+    AddFile(*command);
+
+    CLI::App* const key = app.add_subcommand("key", "Make keys and tell them apart");
+    key->require_subcommand(1);
+    command = AddCommand(*key, "new", "Make a key file that only its owner can read",
+                         [this] { return NewKey(); });
+    command->add_option("FILE", m_options.keyFile, "The file to make; - is standard output")
+        ->required();
+    command = AddCommand(*key, "show", "Show a key's fingerprint, not the key",
+                         [this] { return ShowKey(); });
+    AddKeyFile(*command);
+
+    try {
+        std::reverse(arguments.begin(), arguments.end());  // as the parser takes a vector
+        app.parse(std::move(arguments));
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, m_out, m_err) == 0 ? kDone : kUsageOrSystem;
+    }
+    return m_command();
+}
+
+}  // namespace
+
+int RunTool(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
+            std::ostream& err) {
+    try {
+        const int status = Run(in, out, err).Parse(std::move(arguments));
+        out.flush();
+        if (!out) {
+            err << "orva-strings: error: can't write the result\n";
+            return kUsageOrSystem;
+        }
+        return status;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& exception) {
+        err << "orva-strings: error: " << exception.what() << '\n';
+        return kUsageOrSystem;
+    }
+}
