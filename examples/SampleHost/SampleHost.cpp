@@ -2,6 +2,7 @@
 //
 // Usage: SampleHost [LANGUAGE [FILE]]
 #include <cstdio>
+#include <initializer_list>
 
 #include <OrvaLanguage/OrvaLanguage.h>
 
