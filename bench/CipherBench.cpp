@@ -1,4 +1,5 @@
-// What the cipher call of our own costs over Nettle alone: 64 bytes, the key's schedule included.
+// What the cipher call of our own costs over Nettle alone, which is to be less than 1.3 times: 64
+// bytes, the key's schedule included.
 #include <cstdint>
 #include <cstring>
 #include <nettle/aes.h>
@@ -14,11 +15,11 @@ constexpr std::size_t kLength = 64;
 const std::uint8_t kKey[32] = {1, 2, 3};
 const std::uint8_t kIV[16] = {4, 5, 6};
 
-void DecryptNettle(benchmark::State& state) {
+void NettleDecrypt(benchmark::State& state) {
     std::uint8_t data[kLength] = {};
     for (auto _ : state) {
-        aes256_ctx schedule;
-        std::uint8_t iv[16];
+        alignas(16) aes256_ctx schedule;
+        alignas(16) std::uint8_t iv[16];
         std::memcpy(iv, kIV, sizeof iv);
         aes256_set_decrypt_key(&schedule, kKey);
         nettle_cbc_decrypt(&schedule, reinterpret_cast<nettle_cipher_func*>(aes256_decrypt), 16, iv,
@@ -26,13 +27,13 @@ void DecryptNettle(benchmark::State& state) {
         benchmark::DoNotOptimize(data);
     }
 }
-BENCHMARK(DecryptNettle);
+BENCHMARK(NettleDecrypt)->Name("Nettle/Decrypt");
 
-void EncryptNettle(benchmark::State& state) {
+void NettleEncrypt(benchmark::State& state) {
     std::uint8_t data[kLength] = {};
     for (auto _ : state) {
-        aes256_ctx schedule;
-        std::uint8_t iv[16];
+        alignas(16) aes256_ctx schedule;
+        alignas(16) std::uint8_t iv[16];
         std::memcpy(iv, kIV, sizeof iv);
         aes256_set_encrypt_key(&schedule, kKey);
         nettle_cbc_encrypt(&schedule, reinterpret_cast<nettle_cipher_func*>(aes256_encrypt), 16, iv,
@@ -40,9 +41,9 @@ void EncryptNettle(benchmark::State& state) {
         benchmark::DoNotOptimize(data);
     }
 }
-BENCHMARK(EncryptNettle);
+BENCHMARK(NettleEncrypt)->Name("Nettle/Encrypt");
 
-void Crypt(benchmark::State& state, CCOperation op) {
+void CCCryptCall(benchmark::State& state, CCOperation op) {
     std::uint8_t data[kLength] = {};
     for (auto _ : state) {
         std::size_t moved = 0;
@@ -53,7 +54,7 @@ void Crypt(benchmark::State& state, CCOperation op) {
         benchmark::DoNotOptimize(data);
     }
 }
-BENCHMARK_CAPTURE(Crypt, Decrypt, kCCDecrypt);
-BENCHMARK_CAPTURE(Crypt, Encrypt, kCCEncrypt);
+BENCHMARK_CAPTURE(CCCryptCall, Decrypt, kCCDecrypt)->Name("CCCrypt/Decrypt");
+BENCHMARK_CAPTURE(CCCryptCall, Encrypt, kCCEncrypt)->Name("CCCrypt/Encrypt");
 
 }  // namespace

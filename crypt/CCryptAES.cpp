@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 #include <new>
 
 #include "crypt/CCryptLibException.h"
+#include "platform/ClearedArray.h"
 
 namespace {
 
@@ -86,9 +86,9 @@ void CCryptAES::CryptCopy(const std::uint8_t* pData, std::size_t* pnLength,
     }
     // Room for padding: an operation runs only with an IV of one block.
     const std::size_t nCapacity = *pnLength + m_nIVLength;
-    const std::unique_ptr<std::uint8_t[]> scratch(new std::uint8_t[nCapacity]);
-    std::copy_n(pData, *pnLength, scratch.get());
-    Crypt(scratch.get(), pnLength, nCapacity, nOperation);
+    const ClearedArray scratch(nCapacity);
+    std::copy_n(pData, *pnLength, scratch.Get());
+    Crypt(scratch.Get(), pnLength, scratch.Size(), nOperation);
 }
 
 void CCryptAES::Crypt(std::uint8_t* pData, std::size_t* pnLength, std::size_t nCapacity,

@@ -6,8 +6,9 @@
 #include "crypt/CCryptAESBase.h"
 #include "platform/CommonCryptor.h"
 
-// Held during every cipher call of the library and the parameter checks before it, so that no two
-// of them ever run at once. The innermost lock: nothing else is taken while it is held.
+// Held during every cipher call of the library, so that no two ever run at once and nobody has to
+// know how a system's call behaves then; and during the parameter checks before it, so that what
+// was checked is what is used. The innermost lock: nothing else is taken while it is held.
 extern std::mutex gCryptMutex;
 
 // AES over the system's cipher call. The error codes are those of the operations in CCryptBase.

@@ -12,14 +12,11 @@ class CCryptAESBase : public CCryptBase {
 public:
     ~CCryptAESBase() override;
 
-    void Encrypt(std::uint8_t* pData, std::size_t* pnLength,
-                 std::size_t nCapacity) const override = 0;
-    void Decrypt(std::uint8_t* pData, std::size_t* pnLength,
-                 std::size_t nCapacity) const override = 0;
-    std::size_t GetEncryptedSize(const std::uint8_t* pData, std::size_t nLength) const override = 0;
-    std::size_t GetDecryptedSize(const std::uint8_t* pData, std::size_t nLength) const override = 0;
-
-    // Keeps a copy of nLength bytes as the IV; the rest as with SetKey. ECB mode needs one too.
+    // Keeps a copy of nLength bytes as the IV, in place of the one before. An operation wants 16,
+    // in ECB mode too, which has no use for them. Null is fine with a length of 0.
+    //
+    // Throws std::bad_alloc; then there is no IV, though the length is set, and the cipher call
+    // takes 16 zero bytes for it.
     void SetIV(const std::uint8_t* pIV, std::uint32_t nLength);
 
     void SetMode(std::uint32_t nMode) noexcept { m_nMode = nMode; }

@@ -21,13 +21,16 @@ public:
     // pnLength   in: how many bytes; out: how many there are now, padding included.
     // nCapacity  the bytes of room at pData.
     //
-    // Throws CCryptLibException. With CRYPT_ERROR_NULL_DATA, _NULL_LENGTH or _LENGTH_OVER_CAPACITY,
-    // found in this order, and with those of the parameters, nothing has changed; with any other,
-    // bytes and length are as the cipher call left them. The object never changes.
+    // Throws CCryptLibException. With the codes of the arguments, looked for in the order
+    // NULL_DATA, NULL_LENGTH, LENGTH_OVER_CAPACITY, and those of the parameters, in the order
+    // IV_LENGTH, KEY_LENGTH, MODE, PADDING, nothing has changed. With those of the cipher call,
+    // bytes and length are as it left them: after BUFFER_TOO_SMALL the length is the one needed,
+    // after ALIGNMENT and DECODE the bytes up to it are done. The object never changes.
     virtual void Encrypt(std::uint8_t* pData, std::size_t* pnLength,
                          std::size_t nCapacity) const = 0;
 
     // Decrypts in place: the same the other way round. The length afterwards is without padding.
+    // Not every system finds damaged data: Apple's cipher call lets bad padding pass.
     virtual void Decrypt(std::uint8_t* pData, std::size_t* pnLength,
                          std::size_t nCapacity) const = 0;
 
@@ -39,13 +42,13 @@ public:
 
     // The length that nLength bytes at pData would have decrypted, likewise.
     //
-    // Throws only CRYPT_ERROR_NULL_DATA. Any other failure gives a number all the same: nLength if
-    // it came before the cipher call, else the bytes that the call had written or would need. So a
-    // number is no promise that Decrypt succeeds.
+    // Throws only CRYPT_ERROR_NULL_DATA. Any other failure, for want of memory too, gives a number
+    // all the same: nLength if it came before the cipher call had one, else the bytes that the call
+    // had written or would need. So a number is no promise that Decrypt succeeds.
     virtual std::size_t GetDecryptedSize(const std::uint8_t* pData, std::size_t nLength) const = 0;
 
-    // Keeps a copy of nLength bytes as the key, in place of the one before. The length is checked
-    // by the operations, not here.
+    // Keeps a copy of nLength bytes as the key, in place of the one before. An operation wants 16,
+    // 24 or 32, which is not checked here. Null is fine with a length of 0.
     //
     // Throws std::bad_alloc; then there is no key, though the length is set.
     void SetKey(const std::uint8_t* pKey, std::uint32_t nLength);

@@ -6,20 +6,25 @@
 
 // What went wrong in a cipher operation. The numbers are the interface's own.
 enum : std::int32_t {
+    // Of the arguments.
     CRYPT_ERROR_LENGTH_OVER_CAPACITY = 12,
-    CRYPT_ERROR_PARAM = 203,
-    CRYPT_ERROR_BUFFER_TOO_SMALL = 204,
-    CRYPT_ERROR_MEMORY_FAILURE = 205,
-    CRYPT_ERROR_ALIGNMENT = 206,
-    CRYPT_ERROR_DECODE = 207,
-    CRYPT_ERROR_UNIMPLEMENTED = 208,
-    CRYPT_ERROR_OTHER_STATUS = 209,
     CRYPT_ERROR_NULL_DATA = 401,
     CRYPT_ERROR_NULL_LENGTH = 402,
+
+    // Of the object's parameters.
     CRYPT_ERROR_PADDING = 451,
     CRYPT_ERROR_IV_LENGTH = 452,
     CRYPT_ERROR_MODE = 453,
-    CRYPT_ERROR_KEY_LENGTH = 454
+    CRYPT_ERROR_KEY_LENGTH = 454,
+
+    // Of the cipher call, by its status.
+    CRYPT_ERROR_PARAM = 203,  // there is no key, for want of memory
+    CRYPT_ERROR_BUFFER_TOO_SMALL = 204,
+    CRYPT_ERROR_MEMORY_FAILURE = 205,
+    CRYPT_ERROR_ALIGNMENT = 206,  // no whole blocks
+    CRYPT_ERROR_DECODE = 207,     // bad padding
+    CRYPT_ERROR_UNIMPLEMENTED = 208,
+    CRYPT_ERROR_OTHER_STATUS = 209
 };
 
 // The one exception of the cipher classes. The code is all that it tells: what() is

@@ -47,12 +47,10 @@ enum : std::size_t {
 // key, keyLength     16, 24 or 32 bytes.
 // iv                 16 bytes; null means 16 zero bytes. Not read in ECB mode.
 // dataIn, dataOut    may be the same buffer, but must not overlap in part. Not checked.
-// dataOutAvailable   the room at dataOut. Needed are, of an input of n bytes with q of them in
-// whole
-//                    blocks: q without padding, q + 16 to encrypt with padding, n to decrypt with
-//                    it.
-// dataOutMoved       not null. Gets the number of bytes written, whatever the status, or the number
-//                    needed if that is more than available.
+// dataOutAvailable   the room at dataOut. Of an input of n bytes, q of them in whole blocks, it
+//                    takes q without padding, q + 16 to encrypt with padding, n to decrypt with it.
+// dataOutMoved       not null. Gets the number of bytes written or, if that is more than available,
+//                    the number needed.
 //
 // Returns
 // - kCCParamError for a null key, an operation or algorithm other than the ones above, or another
@@ -64,8 +62,9 @@ enum : std::size_t {
 //   kCCSuccess instead, so a caller must not rely on this to find damaged data;
 // - kCCSuccess else. In padded decryption the padding is not written.
 //
-// Keeps nothing between calls and leaves neither key nor text behind on the stack. Safe to call
-// from several threads.
+// It never runs out of memory, as it allocates none, and it is never kCCUnimplemented. It keeps
+// nothing between calls, and clears the key's schedule and its copies of texts before it returns.
+// Several threads may call it at once.
 extern "C" CCCryptorStatus CCCrypt(CCOperation op, CCAlgorithm alg, CCOptions options,
                                    const void* key, std::size_t keyLength, const void* iv,
                                    const void* dataIn, std::size_t dataInLength, void* dataOut,

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t kBlock = kCCBlockSizeAES128;
+constexpr std::size_t kPiece = 32 * kBlock;
 
 const nettle_cipher* CipherOf(std::size_t keyLength) {
     switch (keyLength) {
@@ -43,7 +44,7 @@ public:
         const auto setKey = m_isEncryption ? cipher.set_encrypt_key : cipher.set_decrypt_key;
         setKey(&m_schedule.bytes, static_cast<const std::uint8_t*>(key));
         if (iv != nullptr && !m_isEcb) {
-            std::memcpy(m_iv, iv, kBlock);
+            std::memcpy(m_iv.bytes, iv, kBlock);
         }
     }
 
@@ -53,9 +54,17 @@ public:
         if (m_isEcb) {
             function(&m_schedule.bytes, length, out, in);
         } else if (m_isEncryption) {
-            cbc_encrypt(&m_schedule.bytes, function, kBlock, m_iv, length, out, in);
+            cbc_encrypt(&m_schedule.bytes, function, kBlock, m_iv.bytes, length, out, in);
         } else {
-            cbc_decrypt(&m_schedule.bytes, function, kBlock, m_iv, length, out, in);
+            // From a copy, piece by piece: in place, Nettle decrypts into memory of its own, which
+            // it does not clear. The copy is of what is encrypted.
+            std::uint8_t piece[kPiece];
+            for (std::size_t done = 0; done < length; done += kPiece) {
+                const std::size_t size = std::min(kPiece, length - done);
+                std::memcpy(piece, in + done, size);
+                cbc_decrypt(&m_schedule.bytes, function, kBlock, m_iv.bytes, size, out + done,
+                            piece);
+            }
         }
     }
 
@@ -71,7 +80,7 @@ private:
     const bool m_isEcb;
     // Aligned, since CBC encryption takes a fifth longer where they are not.
     alignas(16) Cleared<Schedule> m_schedule;
-    alignas(16) std::uint8_t m_iv[kBlock] = {};
+    alignas(16) Cleared<std::uint8_t[kBlock]> m_iv = {};
 };
 
 // The number of padding bytes at the end of a decrypted block, or 0 if the padding is bad.
@@ -107,7 +116,7 @@ extern "C" CCCryptorStatus CCCrypt(CCOperation op, CCAlgorithm alg, CCOptions op
         needed = op == kCCEncrypt ? whole + kBlock : dataInLength;
     }
     *dataOutMoved = needed;
-    if (needed > dataOutAvailable) {
+    if (needed > dataOutAvailable || needed < whole) {  // less: more than a size can say
         return kCCBufferTooSmall;
     }
 

@@ -123,6 +123,45 @@ TEST(CCryptAESAllocationFailure, NoOperationAllocates) {
     EXPECT_FALSE(FailingAllocation::HasFailed());
 }
 
+TEST(CCryptAESFreedMemory, HoldsNeitherKeyNorIVNorText) {
+    const Bytes text = CountingBytes(40, 100);
+    const struct {
+        const char* what;
+        const Bytes& bytes;
+        std::size_t length;
+    } cases[] = {{"the key's beginning", kKey, 8}, {"the IV", kIV, 8}, {"the text", text, 16}};
+    for (const auto& c : cases) {
+        Bytes data = text;
+        data.resize(48);
+        std::size_t n = 40;
+        const FreedMemoryWatch watch(c.bytes.data() + 8, c.length);
+        {
+            CCryptAES aes;
+            for (int i = 0; i < 2; ++i) {
+                aes.SetKey(kKey.data(), 32);
+                aes.SetIV(kIV.data(), 16);
+            }
+            aes.GetEncryptedSize(text.data(), 40);
+            aes.Encrypt(data.data(), &n, 48);
+            aes.GetDecryptedSize(data.data(), 48);
+        }
+        EXPECT_FALSE(FreedMemoryWatch::HasSeen()) << c.what;
+        EXPECT_EQ(FreedMemoryWatch::Blocks(), 6U);
+    }
+    {
+        const FreedMemoryWatch watch(text.data(), 16);
+        { const Bytes copy = text; }
+        EXPECT_TRUE(FreedMemoryWatch::HasSeen()) << "what is not cleared would be seen";
+    }
+}
+
+TEST(CCryptAESAllocationFailure, ASizeQueryCopiesBeforeItChecks) {
+    const CCryptAES aes;  // nothing set up
+    const Bytes data = CountingBytes(32);
+    const FailingAllocation failing(1);
+    EXPECT_THROW(aes.GetEncryptedSize(data.data(), 32), std::bad_alloc);
+}
+
 TEST(CCryptAESAllocationFailure, EveryCopyIsFreedOnce) {
     const std::size_t live = LiveAllocations();
     { const CCryptAES never; }

@@ -21,8 +21,6 @@ struct {
     CCOptions options;
     std::string key;
     std::string iv;
-    bool isKeyNull;
-    bool isIVNull;
     const void* dataIn;
     std::string data;
     const void* dataOut;

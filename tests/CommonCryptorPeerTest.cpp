@@ -1,4 +1,5 @@
 // The same random messages through our cipher call and through OpenSSL's.
+#include <algorithm>
 #include <memory>
 #include <openssl/evp.h>
 #include <random>
@@ -32,7 +33,7 @@ struct Parameters {
     Bytes iv;
 };
 
-// What OpenSSL makes of a message; an empty optional where it refuses it.
+// What OpenSSL makes of a message; false where it refuses it.
 class Peer {
 public:
     bool Crypt(const Parameters& p, const Bytes& in, Bytes& out) const {

@@ -1,5 +1,8 @@
 // Each rule of the system's cipher call, held by the one of our own.
+#include <algorithm>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -262,6 +265,7 @@ TEST(CommonCryptor, FindsBadPadding) {
                 const Result inPlace =
                     CryptInPlace(kCCDecrypt, kCCOptionPKCS7Padding | mode, in, in.size());
                 EXPECT_EQ(inPlace.status, kCCDecodeError) << c.what;
+                EXPECT_EQ(inPlace.moved, before) << c.what;
                 EXPECT_EQ(inPlace.buffer, Spliced(text, before, in)) << c.what;
             }
         }
@@ -284,7 +288,43 @@ TEST(CommonCryptor, WantsWholeBlocksToUnpad) {
             EXPECT_EQ(result.status, kCCAlignmentError) << length;
             EXPECT_EQ(result.moved, whole) << length;
             EXPECT_EQ(result.buffer, Spliced(blocks, whole, Bytes(length, kFill))) << length;
+            const Result inPlace = CryptInPlace(kCCDecrypt, options, in, length);
+            EXPECT_EQ(inPlace.status, kCCAlignmentError) << length;
+            EXPECT_EQ(inPlace.moved, whole) << length;
+            EXPECT_EQ(inPlace.buffer, Spliced(blocks, whole, in)) << length;
         }
+    }
+}
+
+TEST(CommonCryptor, HasNoRoomForMoreThanASizeCanSay) {
+    std::uint8_t byte = 0;
+    for (const std::size_t less : {0U, 1U, 15U}) {
+        std::size_t moved = 0;
+        const std::size_t length = static_cast<std::size_t>(-1) - less;
+        EXPECT_EQ(CCCrypt(kCCEncrypt, kCCAlgorithmAES128, kCCOptionPKCS7Padding, kKey.data(), 16,
+                          nullptr, &byte, length, &byte, static_cast<std::size_t>(-1), &moved),
+                  kCCBufferTooSmall);
+    }
+}
+
+TEST(CommonCryptor, MayBeCalledFromManyThreadsAtOnce) {
+    std::vector<std::thread> threads;
+    for (unsigned t = 0; t < 8; ++t) {
+        threads.emplace_back([t] {
+            const Bytes key = CountingBytes(32, t);
+            for (std::size_t length = 0; length < 200; ++length) {
+                const Bytes text = CountingBytes(length, t);
+                Result encrypted = Crypt(kCCEncrypt, kCCOptionPKCS7Padding, text, length + 16, key);
+                encrypted.buffer.resize(encrypted.moved);
+                Result decrypted = Crypt(kCCDecrypt, kCCOptionPKCS7Padding, encrypted.buffer,
+                                         encrypted.moved, key);
+                decrypted.buffer.resize(decrypted.moved);
+                EXPECT_EQ(decrypted.buffer, text);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
     }
 }
 

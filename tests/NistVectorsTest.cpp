@@ -61,6 +61,18 @@ int CheckFile(const std::filesystem::path& path, std::uint32_t mode) {
     return vectors;
 }
 
+// How many vectors a file says it has.
+int VectorsIn(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    std::string line;
+    int vectors = 0;
+    while (std::getline(file, line)) {
+        vectors += line.compare(0, 8, "COUNT = ") == 0 ? 1 : 0;
+    }
+    EXPECT_GE(vectors, 6) << path;
+    return vectors;
+}
+
 TEST(NistVectors, HoldBothWays) {
     const struct {
         const char* folder;
@@ -72,7 +84,7 @@ TEST(NistVectors, HoldBothWays) {
                 const std::filesystem::path file =
                     std::filesystem::path(NIST_AES_VECTORS) / c.folder /
                     (std::string(c.folder) + kind + keyBits + ".rsp");
-                EXPECT_GE(CheckFile(file, c.mode), 6) << file;
+                EXPECT_EQ(CheckFile(file, c.mode), VectorsIn(file)) << file;
             }
         }
     }

@@ -10,6 +10,7 @@
 
 int main(int argc, char** argv) {
 #ifdef WITH_ORVALANGUAGE
+    // A use, so that the linker keeps the library.
     if (ZuGetLocalizedString("KEY") != nullptr) {
         return 1;
     }

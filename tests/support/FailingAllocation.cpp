@@ -1,7 +1,9 @@
 #include "tests/support/FailingAllocation.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
@@ -10,24 +12,43 @@ thread_local std::size_t gCountdown = 0;  // 0: nothing is to fail
 thread_local bool gHasFailed = false;
 std::atomic<std::size_t> gLive = 0;
 
+// Ahead of each block stands its size; the block itself stays aligned for any type.
+constexpr std::size_t kHeader = alignof(std::max_align_t);
+
 void* Allocate(std::size_t size) {
     if (gCountdown > 0 && --gCountdown == 0) {
         gHasFailed = true;
         throw std::bad_alloc();
     }
-    void* const block = std::malloc(size == 0 ? 1 : size);
+    auto* const block =
+        static_cast<char*>(size + kHeader < size ? nullptr : std::malloc(size + kHeader));
     if (block == nullptr) {
         throw std::bad_alloc();
     }
     ++gLive;
-    return block;
+    std::memcpy(block, &size, sizeof size);
+    return block + kHeader;
 }
 
+thread_local const char* gWatched = nullptr;
+thread_local std::size_t gWatchedLength = 0;
+thread_local std::size_t gWatchedBlocks = 0;
+thread_local bool gHasSeen = false;
+
 void Free(void* block) noexcept {
-    if (block != nullptr) {
-        --gLive;
-        std::free(block);
+    if (block == nullptr) {
+        return;
     }
+    auto* const bytes = static_cast<char*>(block);
+    if (gWatched != nullptr) {
+        std::size_t size = 0;
+        std::memcpy(&size, bytes - kHeader, sizeof size);
+        ++gWatchedBlocks;
+        gHasSeen = gHasSeen || std::search(bytes, bytes + size, gWatched,
+                                           gWatched + gWatchedLength) != bytes + size;
+    }
+    --gLive;
+    std::free(bytes - kHeader);
 }
 
 }  // namespace
@@ -43,6 +64,25 @@ FailingAllocation::~FailingAllocation() {
 
 bool FailingAllocation::HasFailed() {
     return gHasFailed;
+}
+
+FreedMemoryWatch::FreedMemoryWatch(const void* bytes, std::size_t length) {
+    gWatched = static_cast<const char*>(bytes);
+    gWatchedLength = length;
+    gWatchedBlocks = 0;
+    gHasSeen = false;
+}
+
+FreedMemoryWatch::~FreedMemoryWatch() {
+    gWatched = nullptr;
+}
+
+bool FreedMemoryWatch::HasSeen() {
+    return gHasSeen;
+}
+
+std::size_t FreedMemoryWatch::Blocks() {
+    return gWatchedBlocks;
 }
 
 std::size_t LiveAllocations() {

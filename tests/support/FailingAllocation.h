@@ -15,6 +15,19 @@ public:
     static bool HasFailed();
 };
 
+// While it lives, looks into every block that is deleted for some bytes. One at a time.
+class FreedMemoryWatch {
+public:
+    FreedMemoryWatch(const void* bytes, std::size_t length);
+    ~FreedMemoryWatch();
+    FreedMemoryWatch(const FreedMemoryWatch&) = delete;
+    FreedMemoryWatch& operator=(const FreedMemoryWatch&) = delete;
+
+    // Whether a block had them in it, and how many blocks there were.
+    static bool HasSeen();
+    static std::size_t Blocks();
+};
+
 // Blocks from operator new, of every thread, that are not deleted yet.
 std::size_t LiveAllocations();
 

@@ -1,6 +1,6 @@
-// Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills the
-// process in the KILL_AT-th of them: before it, or in a write half way through. With FAIL_AT the
-// call fails instead, for want of space.
+// Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills
+// the process in the KILL_AT-th of them: before it, or in a write half way through. With FAIL_AT
+// the call fails instead, for want of space.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// A strings file to be changed entry by entry: every byte that is not changed stays as it is. What a
-// line means is asked of the library's own line functions.
+// A strings file to be changed entry by entry: every byte that is not changed stays as it is. What
+// a line means is asked of the library's own line functions.
 class StringsDocument {
 public:
     struct Entry {
