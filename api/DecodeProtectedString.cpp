@@ -15,7 +15,8 @@ constexpr std::int32_t kDecoded = 0;
 constexpr std::int32_t kNotDecoded = 1;
 
 // The key-building step: decrypts and checks the cipher bytes with the library's own key, which
-// exists only meanwhile.
+// exists only meanwhile. It takes the lock and keeps its exceptions by itself, so that nothing about
+// the key depends on who calls it.
 bool BuildKeyAndDecrypt(std::uint8_t* data, std::size_t length, std::size_t* textLength) {
     const std::lock_guard<std::recursive_mutex> lock(gDecodeMutex);
     try {

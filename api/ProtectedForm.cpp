@@ -20,16 +20,6 @@ void WriteBlock(std::uint8_t* block, std::uint64_t number) {
     }
 }
 
-// Encrypts whole blocks in place.
-void Encrypt(const std::uint8_t* key, std::uint32_t mode, std::uint8_t* data, std::size_t length) {
-    CCryptAES aes;
-    aes.SetKey(key, kProtectedKey);
-    aes.SetIV(kZeroIV, sizeof kZeroIV);
-    aes.SetMode(mode);
-    aes.SetPadding(CRYPT_PADDING_NONE);
-    aes.Encrypt(data, &length, length);
-}
-
 bool IsStoredDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
 }
@@ -60,7 +50,7 @@ ProtectionKeys::ProtectionKeys(const std::uint8_t (&material)[kProtectedKey]) {
     for (std::size_t i = 0; i < sizeof m_blocks / kProtectedBlock; ++i) {
         WriteBlock(m_blocks + i * kProtectedBlock, i + 1);
     }
-    Encrypt(material, CRYPT_MODE_ECB, m_blocks, sizeof m_blocks);
+    EncryptBlocks(material, kZeroIV, CRYPT_MODE_ECB, m_blocks, sizeof m_blocks);
 }
 
 ProtectionKeys::~ProtectionKeys() {
@@ -95,6 +85,7 @@ bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t l
     aes.SetIV(keys.IV(), kProtectedBlock);
     aes.SetMode(CRYPT_MODE_CBC);
     aes.SetPadding(CRYPT_PADDING_NONE);
+    // As with any padding the size is asked for first, though without one it can only be this.
     if (aes.GetDecryptedSize(data, length) != length) {
         return false;
     }
@@ -109,11 +100,21 @@ bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t l
     return padding != 0 && EqualTags(data, tag);
 }
 
+void EncryptBlocks(const std::uint8_t* key, const std::uint8_t* iv, std::uint32_t mode,
+                   std::uint8_t* data, std::size_t length) {
+    CCryptAES aes;
+    aes.SetKey(key, kProtectedKey);
+    aes.SetIV(iv, kProtectedBlock);
+    aes.SetMode(mode);
+    aes.SetPadding(CRYPT_PADDING_NONE);
+    aes.Encrypt(data, &length, length);
+}
+
 void MakeTag(const ProtectionKeys& keys, std::size_t textLength, const std::uint8_t* padded,
              std::size_t paddedLength, std::uint8_t (&tag)[kProtectedBlock]) {
     const ClearedArray chain(kProtectedBlock + paddedLength);
     WriteBlock(chain.Get(), textLength);
     std::memcpy(chain.Get() + kProtectedBlock, padded, paddedLength);
-    Encrypt(keys.TagKey(), CRYPT_MODE_CBC, chain.Get(), chain.Size());
+    EncryptBlocks(keys.TagKey(), kZeroIV, CRYPT_MODE_CBC, chain.Get(), chain.Size());
     std::memcpy(tag, chain.Get() + paddedLength, kProtectedBlock);
 }

@@ -17,9 +17,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+
+// Whether an entry of this key, not null, is protected.
+inline bool IsProtectedKey(const char* key) {
+    constexpr char kPrefix[] = "IDE";
+    return std::strncmp(key, kPrefix, sizeof kPrefix - 1) == 0;
+}
 
 constexpr std::size_t kProtectedBlock = 16;
 constexpr std::size_t kProtectedKey = 32;
+
+// The counters from here on give blocks that protect nothing.
+constexpr std::uint8_t kFirstFreeCounter = 6;
 
 constexpr std::size_t kGroupDigits = 8;
 constexpr std::size_t kGroupBytes = kGroupDigits / 2;
@@ -58,6 +68,11 @@ bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* byte
 // Throws what the cipher classes throw, and std::bad_alloc.
 bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t length,
                    std::size_t* textLength);
+
+// Encrypts whole blocks in place with a key of kProtectedKey bytes. The mode is one of CCryptAES's.
+// Throws what the cipher classes throw, and std::bad_alloc.
+void EncryptBlocks(const std::uint8_t* key, const std::uint8_t* iv, std::uint32_t mode,
+                   std::uint8_t* data, std::size_t length);
 
 // Writes the tag of a text of textLength bytes, padded to paddedLength bytes at padded, to tag.
 // Throws what the cipher classes throw, and std::bad_alloc.

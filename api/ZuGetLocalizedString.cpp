@@ -8,12 +8,12 @@
 #include "api/DecodeProtectedString.h"
 #include "api/LoadedCount.h"
 #include "api/PlaintextCache.h"
+#include "api/ProtectedForm.h"
+#include "platform/ClearMemory.h"
 
 StringMap gMapDecodedStrings;
 
 namespace {
-
-constexpr char kProtectedPrefix[] = "IDE";
 
 // What a buffer for so many bytes asks for. A length that does not fit 32 bits has come out
 // negative and asks for the impossible.
@@ -28,7 +28,7 @@ const char* ZuGetLocalizedString(const char* key) {
         return nullptr;
     }
     const char* const stored = KorGetLocalizedString(key);
-    const bool isProtected = std::strncmp(key, kProtectedPrefix, sizeof kProtectedPrefix - 1) == 0;
+    const bool isProtected = IsProtectedKey(key);
     if (stored == nullptr || !isProtected) {
         return stored;
     }
@@ -51,6 +51,7 @@ const char* ZuGetLocalizedString(const char* key) {
         DecodeProtectedString(&status, length, stored, &outputLength, output);
         output[outputLength] = '\0';
         gMapDecodedStrings.Insert(key, output);
+        ClearMemory(output, static_cast<std::size_t>(length));
         delete[] output;
     } catch (...) {
         // The buffer is left unreleased on purpose: it may hold plaintext, which the heap would

@@ -42,7 +42,9 @@ function(orva_write_key_shares folder)
     endforeach()
     file(CONFIGURE OUTPUT "${folder}/KeyShares.h" @ONLY CONTENT
         "#define ORVA_FIRST_KEY_SHARE {@first@ }\n#define ORVA_SECOND_KEY_SHARE {@second@ }\n")
+    file(CHMOD "${folder}/KeyShares.h" PERMISSIONS OWNER_READ OWNER_WRITE)
     file(STRINGS "${development_key}" digits)
+    string(TOUPPER "${digits}" digits)
     file(CONFIGURE OUTPUT "${folder}/DevelopmentKey.h" @ONLY CONTENT
         "#define ORVA_DEVELOPMENT_KEY \"@digits@\"\n")
 endfunction()

@@ -218,9 +218,10 @@ TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
     auto loaded =
         std::async(std::launch::async, [&] { return KorLoadStrings("en", "pipe", bundle.Get()); });
     {
-        // Open to the end: a load that asked for more would wait for it.
+        // Open to the end: a load that went on to it would wait. More than a stream's buffer, less
+        // than a pipe's.
         std::ofstream pipe(path);
-        pipe << "QVLANG=en\nABCD=1\nQVLANG=fr\n" << std::flush;
+        pipe << "QVLANG=en\nABCD=1\nQVLANG=fr\n" << std::string(50'000, '\n') << std::flush;
         EXPECT_EQ(loaded.wait_for(std::chrono::seconds(60)), std::future_status::ready);
     }
     EXPECT_EQ(loaded.get(), 2);

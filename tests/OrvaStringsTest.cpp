@@ -17,6 +17,9 @@ using namespace std::string_literals;  // for texts that hold NUL bytes
 
 namespace {
 
+const std::string kDevelopmentKeyNote =
+    "orva-strings: note: protecting with the development key, which everybody knows\n";
+
 const char kReadable[] =
     "// IDE_COMMENT=\"stays\"\r\n"
     "QVLANG=en\r\n"
@@ -74,7 +77,7 @@ TEST_F(OrvaStrings, ProtectsAndRevealsByteForByte) {
     const std::string file = Write("x", kReadable);
     EXPECT_EQ(Run({"protect", file}), 0);
     EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey()));
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err, kDevelopmentKeyNote);
     EXPECT_EQ(ReadFile(file), kReadable) << "without --in-place the file stays";
 
     const std::string stored = Write("y", m_out);
@@ -91,8 +94,31 @@ TEST_F(OrvaStrings, ReadsStandardInput) {
     EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey()));
     EXPECT_EQ(Run({"reveal", "-"}, m_out), 0);
     EXPECT_EQ(m_out, kReadable);
-    EXPECT_EQ(Run({"protect", "-"}, ""), 0);
-    EXPECT_EQ(m_out, "");
+}
+
+TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
+    const std::string why =
+        ": it stands before the first section, or behind a byte-order mark, and is never read\n";
+    const struct {
+        std::string bytes;
+        std::string errors;
+    } cases[] = {
+        {"", "-:1: error: there is no section in it\n"},
+        {"MENU=\"x\"\n", "-:1: error: there is no section in it\n"},
+        {"QVLANG=en\rIDE_X=\"x\"\r", ""},
+        {"MENU=\"x\"\nIDE_X=\"x\"\nQVLANG=en\n", "-:2: error: IDE_X" + why},
+        {"\xEF\xBB\xBFQVLANG=en\nIDE_X=\"x\"\nQVLANG=fr\n",
+         "-:1: error: QVLANG" + why + "-:2: error: IDE_X" + why},
+    };
+    for (const auto& c : cases) {
+        for (const char* command : {"protect", "reveal"}) {
+            EXPECT_EQ(Run({command, "-", "--key-file", DEVELOPMENT_KEY}, c.bytes),
+                      c.errors.empty() ? 0 : 1)
+                << c.bytes;
+            EXPECT_EQ(m_out, c.errors.empty() ? c.bytes : "");
+            EXPECT_EQ(m_err, c.errors);
+        }
+    }
 }
 
 TEST_F(OrvaStrings, UsesTheKeyItIsGiven) {
@@ -120,7 +146,7 @@ TEST_F(OrvaStrings, RefusesToProtectWhatLooksStoredButDoesNotDecode) {
     const std::string file = Write("x", bytes);
     EXPECT_EQ(Run({"protect", "--in-place", file}), 1);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err, file +
+    EXPECT_EQ(m_err, kDevelopmentKeyNote + file +
                          ":3: error: IDE_BAD: the value looks stored but does not decode: it was "
                          "damaged or made with another key\n");
     EXPECT_EQ(ReadFile(file), bytes) << "nothing is written, not even the good one";
@@ -151,7 +177,7 @@ TEST_F(OrvaStrings, TellsLooksByDigitsAndLength) {
 TEST_F(OrvaStrings, RefusesATextWithANulByte) {
     EXPECT_EQ(Run({"protect", "-"}, "QVLANG=en\nIDE_X=\"a\0b\"\nIDE_Y=\"good\"\n"s), 1);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err, "-:2: error: IDE_X: the text has a NUL byte in it\n");
+    EXPECT_EQ(m_err, kDevelopmentKeyNote + "-:2: error: IDE_X: the text has a NUL byte in it\n");
 }
 
 TEST_F(OrvaStrings, RefusesToRevealWhatWouldNotReadBackTheSame) {
@@ -200,16 +226,22 @@ TEST_F(OrvaStrings, ShowsWhatTheLibraryAnswers) {
     EXPECT_EQ(Run({"show", file, "--language", "EN", "--reveal", "MENU_OPEN", "IDE_BARE"}), 0);
     EXPECT_EQ(m_out, "MENU_OPEN=\"Open\"\nIDE_BARE=\"bare \\n text\"\n");
     EXPECT_EQ(Run({"show", "-", "--language", "de", "QVLANG"}, ProtectedFile(DevelopmentKey())), 0);
-    EXPECT_EQ(m_out, "QVLANG=\"en\"\n") << "the first section";
+    EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
+    EXPECT_EQ(m_err, "-: note: there is no section de, so this is the first\n");
     EXPECT_EQ(Run({"show", file, "QVLANG", "NOT_THERE"}), 1);
     EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
     EXPECT_EQ(m_err, file + ": error: NOT_THERE: there is no such key in the section\n");
 }
 
 TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
-    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nIDE_PLAIN=\"text\"\nMENU=\"x\"\n"), 1);
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nIDE_PLAIN=\"text\"\nMENU=\"x\"\nIDE_WRONG=" +
+                                     std::string(64, '0') + "\n"),
+              1);
     EXPECT_EQ(m_out, "MENU=\"x\"\nQVLANG=\"en\"\n");
-    EXPECT_EQ(m_err, "-: error: IDE_PLAIN: the value does not decode\n");
+    EXPECT_EQ(m_err,
+              "-: error: IDE_PLAIN: the value is not protected, so it has no answer\n"
+              "-: error: IDE_WRONG: the value does not decode: it was damaged or made with another "
+              "key\n");
     EXPECT_EQ(Run({"show", "-"}, "MENU=\"x\"\n"), 1);
     EXPECT_EQ(m_err, "-: error: there is no section in it\n");
 }
@@ -233,7 +265,7 @@ TEST_F(OrvaStrings, MakesKeysAndTellsThemApart) {
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
     const std::string digits = ReadFile(file);
     EXPECT_EQ(digits.size(), 65U);
-    EXPECT_EQ(digits.find_first_not_of("0123456789abcdef"), 64U);
+    EXPECT_EQ(digits.find_first_not_of("0123456789ABCDEF"), 64U);
 
     EXPECT_EQ(Run({"key", "new", file}), 2);
     EXPECT_EQ(m_err, "orva-strings: error: " + file + ": File exists\n");
@@ -266,6 +298,7 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
         {"CR LF", good + "\r\n", true},
         {"upper case", "000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F", true},
         {"empty", "", false},
+        {"two line ends", good + "\n\n", false},
         {"short", good.substr(1), false},
         {"long", good + "0", false},
         {"a letter", "g" + good.substr(1), false},
@@ -297,6 +330,11 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         {"key"},
         {"key", "new"},
         {"protect", "--in-place", "-"},
+        {"protect", "-", "--key-file", ""},
+        {"reveal", "-", "--key-file="},
+        {"rekey", "-", "--from", "", "--to", DEVELOPMENT_KEY},
+        {"rekey", "-", "--from", DEVELOPMENT_KEY, "--to", ""},
+        {"key", "new", ""},
         {"protect", Path("missing")},
         {"protect", m_folder.Path()},
         {"show", Path("missing")},
@@ -353,7 +391,7 @@ TEST_F(OrvaStrings, ReportsAResultThatCannotBeWritten) {
     std::ofstream out("/dev/full");
     std::ostringstream err;
     EXPECT_EQ(RunTool({"protect", "-"}, in, out, err), 2);
-    EXPECT_EQ(err.str(), "orva-strings: error: can't write the result\n");
+    EXPECT_EQ(err.str(), kDevelopmentKeyNote + "orva-strings: error: can't write the result\n");
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ trap 'rm -rf "$work"' EXIT
 configure() { # FOLDER KEY_FILE
     cmake -S "$source" -B "$work/tree-$1" -G "$generator" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DORVA_BUILD_TESTS=OFF \
-        -DORVA_BUILD_EXAMPLES=OFF -DORVA_KEY_FILE="$2" >"$work/configure-$1.log" 2>&1
+        -DORVA_BUILD_EXAMPLES=OFF -DORVA_BUILD_TOOLS=OFF -DORVA_KEY_FILE="$2" >"$work/configure-$1.log" 2>&1
 }
 
 key=$(openssl rand -hex 32)

@@ -59,23 +59,24 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
                               struct __CFBundle* bundle);
 
 /*
- * Looks a text up in the table of the last ZuLoadStrings.
+ * Looks a text up in the table.
  *
- * key  not null. Matched whole and by case.
+ * key  must not be null. Matched whole and by case.
  *
  * Returns the text, or null if
- * - the last ZuLoadStrings returned 0, or none has run, whatever the table holds;
+ * - the last ZuLoadStrings returned 0, or none has run, whatever KorLoadStrings may have loaded;
  * - the table has no such key;
  * - the key is protected, that is, begins with "IDE", and its stored text does not decode: it was
- *   damaged or made with another key. Each look-up tries again.
+ *   never protected, was damaged, or made with another key. Each look-up tries again.
  *
  * An ordinary text is valid until a load opens its file. A protected text is decoded at its first
  * look-up and kept: it is valid until the process exits, and every later look-up returns the same,
  * even if a reload has brought another text for its key; a reload without the key makes it null. If
  * memory runs out at the first look-up it is null, or empty from then on.
  *
- * The first look-up of a protected key changes what the library keeps: it must not run at the same
- * time as another look-up. Throws nothing.
+ * The first look-up of a protected key that gives its text changes what the library keeps: it must
+ * not run at the same time as another look-up of a protected key. A host with several threads looks
+ * each one up before it starts them. Throws nothing.
  */
 ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
 

@@ -14,6 +14,8 @@ namespace {
 
 using Entry = StringsDocument::Entry;
 
+constexpr char kNoSection[] = "there is no section in it";
+
 bool IsProtected(const std::string& key) {
     return key.compare(0, 3, "IDE") == 0;
 }
@@ -22,7 +24,16 @@ bool IsProtected(const std::string& key) {
 template <typename NewValue>
 Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
     Findings findings;
-    for (const StringsDocument::Section& section : document.Sections()) {
+    for (const Entry& entry : document.Misplaced()) {
+        findings.push_back({entry.line, entry.key +
+                                            ": it stands before the first section, or behind "
+                                            "a byte-order mark, and is never read"});
+    }
+    const std::vector<StringsDocument::Section> sections = document.Sections();
+    if (sections.empty()) {
+        findings.push_back({0, kNoSection});
+    }
+    for (const StringsDocument::Section& section : sections) {
         for (const Entry& entry : section.entries) {
             if (!IsProtected(entry.key)) {
                 continue;
@@ -44,13 +55,15 @@ Finding DoesNotDecode(const Entry& entry) {
                             "with another key"};
 }
 
-// A text as it stands in a strings file, or near it: for people.
-std::string Quoted(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char c : text) {
-        quoted += c == '\n' ? std::string("\\n") : std::string(1, c);
+// Why the library answers null for a key.
+const char* WhyNull(const std::string& key) {
+    const char* const stored = KorGetLocalizedString(key.c_str());
+    if (stored == nullptr) {
+        return "there is no such key in the section";
     }
-    return quoted + '"';
+    return LooksStored(stored)
+               ? "the value does not decode: it was damaged or made with another key"
+               : "the value is not protected, so it has no answer";
 }
 
 }  // namespace
@@ -117,8 +130,13 @@ bool Show(const StringsDocument& document, const std::string& language,
     const TemporaryBundle bundle;
     bundle.Write("strings", document.Bytes());
     if (ZuLoadStrings(language.c_str(), "strings", bundle.Get()) < 1) {
-        err << fileName << ": error: there is no section in it\n";
+        err << fileName << ": error: " << kNoSection << '\n';
         return false;
+    }
+    const std::string header =
+        KorString::LANG_STATEMENT + std::string(ZuGetLocalizedString("QVLANG"));
+    if (!KorString::SearchLanguageKey(header, language.c_str())) {
+        err << fileName << ": note: there is no section " << language << ", so this is the first\n";
     }
     std::vector<std::string> wanted = keys;
     if (wanted.empty()) {
@@ -130,13 +148,11 @@ bool Show(const StringsDocument& document, const std::string& language,
     for (const std::string& key : wanted) {
         const char* const text = ZuGetLocalizedString(key.c_str());
         if (text != nullptr) {
-            out << key << '=' << (IsProtected(key) && !isRevealed ? "(protected)" : Quoted(text))
+            out << key << '='
+                << (IsProtected(key) && !isRevealed ? "(protected)" : '"' + Escaped(text) + '"')
                 << '\n';
         } else {
-            const bool isThere = KorGetLocalizedString(key.c_str()) != nullptr;
-            err << fileName << ": error: " << key << ": "
-                << (isThere ? "the value does not decode" : "there is no such key in the section")
-                << '\n';
+            err << fileName << ": error: " << key << ": " << WhyNull(key) << '\n';
             isComplete = false;
         }
     }

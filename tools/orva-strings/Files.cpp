@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -97,7 +98,7 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
 
     const std::string targetPath = target.get();
     std::string newPath = targetPath + ".XXXXXX";
-    File file(mkstemp(newPath.data()), newPath);
+    File file(mkstemp(newPath.data()), path);
     Unfinished unfinished(newPath);
     file.Write(bytes);
     file.Check(fchmod(file.Get(), status.st_mode & 07777) == 0);

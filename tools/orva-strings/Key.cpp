@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <optional>
+#include <initializer_list>
+#include <iterator>
 #include <stdexcept>
 #include <sys/random.h>
 #include <system_error>
@@ -14,6 +14,7 @@
 #include "crypt/CCryptAES.h"
 #include "platform/ClearMemory.h"
 #include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/Hex.h"
 
 namespace {
 
@@ -28,15 +29,6 @@ int DigitValue(char c) {
     return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
-std::string Digits(const std::uint8_t* bytes, std::size_t length) {
-    std::string digits;
-    for (std::size_t i = 0; i < length; ++i) {
-        digits += "0123456789abcdef"[bytes[i] >> 4U];
-        digits += "0123456789abcdef"[bytes[i] & 0xFU];
-    }
-    return digits;
-}
-
 }  // namespace
 
 Key Key::BuiltIn() {
@@ -48,8 +40,10 @@ Key Key::BuiltIn() {
 
 Key Key::FromFile(const std::string& path) {
     std::string text = ReadFile(path);
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
-        text.pop_back();
+    for (const char ending : {'\n', '\r'}) {
+        if (!text.empty() && text.back() == ending) {
+            text.pop_back();
+        }
     }
     Key key;
     bool isGood = text.size() == kDigits;
@@ -79,24 +73,18 @@ Key::~Key() {
 }
 
 std::string Key::FileText() const {
-    return Digits(m_bytes, sizeof m_bytes) + '\n';
+    return ToHexDigits(m_bytes, sizeof m_bytes) + '\n';
 }
 
 std::string Key::Fingerprint() const {
-    // Half of the block that the next counter after the derived ones would give.
+    // Half a block: enough to tell keys apart.
     std::uint8_t block[kProtectedBlock] = {};
-    block[kProtectedBlock - 1] = 6;
+    block[kProtectedBlock - 1] = kFirstFreeCounter;
     constexpr std::uint8_t kNoIV[kProtectedBlock] = {};
-    CCryptAES aes;
-    aes.SetKey(m_bytes, sizeof m_bytes);
-    aes.SetIV(kNoIV, sizeof kNoIV);
-    aes.SetMode(CRYPT_MODE_ECB);
-    aes.SetPadding(CRYPT_PADDING_NONE);
-    std::size_t length = sizeof block;
-    aes.Encrypt(block, &length, length);
-    return Digits(block, sizeof block / 2);
+    EncryptBlocks(m_bytes, kNoIV, CRYPT_MODE_ECB, block, sizeof block);
+    return ToHexDigits(block, sizeof block / 2);
 }
 
 bool Key::IsDevelopmentKey() const {
-    return Digits(m_bytes, sizeof m_bytes) == ORVA_DEVELOPMENT_KEY;
+    return ToHexDigits(m_bytes, sizeof m_bytes) == ORVA_DEVELOPMENT_KEY;
 }

@@ -6,7 +6,7 @@
 
 #include "api/ProtectedForm.h"
 
-// Key material for protected texts, as the tool handles it; cleared when destroyed.
+// Key material for protected texts, as the tool handles it. Its bytes are cleared in the end.
 class Key {
 public:
     // The material that this build of the library holds.

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <iterator>
 
 #include "crypt/CCryptAES.h"
 #include "platform/ClearedArray.h"
+#include "tools/orva-strings/Hex.h"
 
 std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& text) {
     const std::size_t padding = kProtectedBlock - text.size() % kProtectedBlock;
@@ -17,22 +19,9 @@ std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& t
     MakeTag(keys, text.size(), padded, text.size() + padding, tag);
     std::copy(std::begin(tag), std::end(tag), data.Get());
 
-    CCryptAES aes;
-    aes.SetKey(keys.EncryptionKey(), kProtectedKey);
-    aes.SetIV(keys.IV(), kProtectedBlock);
-    aes.SetMode(CRYPT_MODE_CBC);
-    aes.SetPadding(CRYPT_PADDING_NONE);
-    std::size_t length = data.Size();
-    aes.Encrypt(data.Get(), &length, length);
-
+    EncryptBlocks(keys.EncryptionKey(), keys.IV(), CRYPT_MODE_CBC, data.Get(), data.Size());
     // Byte after byte is the same as the big-endian groups.
-    std::string digits;
-    digits.reserve(2 * length);
-    for (std::size_t i = 0; i < length; ++i) {
-        digits += "0123456789ABCDEF"[data.Get()[i] >> 4U];
-        digits += "0123456789ABCDEF"[data.Get()[i] & 0xFU];
-    }
-    return digits;
+    return ToHexDigits(data.Get(), data.Size());
 }
 
 std::optional<std::string> DecodeProtectedText(const ProtectionKeys& keys,

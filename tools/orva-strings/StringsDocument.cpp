@@ -4,20 +4,9 @@
 
 #include <OrvaLanguage/KorString.h>
 
-namespace {
+#include "api/ProtectedForm.h"
 
-// A text as it stands between quotes.
-std::string Escaped(const std::string& text) {
-    std::string escaped;
-    for (const char c : text) {
-        if (c == '\n') {
-            escaped += "\\n";
-        } else {
-            escaped += c;
-        }
-    }
-    return escaped;
-}
+namespace {
 
 // Splits the bytes of a line, its line feed included, where the library's reading ends.
 std::pair<std::string, std::string> SplitEnding(std::string_view bytes) {
@@ -42,6 +31,18 @@ bool ReadsAs(const std::string& text, const std::string& ending, const std::stri
 }
 
 }  // namespace
+
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (const char c : text) {
+        if (c == '\n') {
+            escaped += "\\n";
+        } else {
+            escaped += c;
+        }
+    }
+    return escaped;
+}
 
 StringsDocument::StringsDocument(std::string_view bytes) {
     while (!bytes.empty()) {
@@ -75,6 +76,27 @@ std::vector<StringsDocument::Section> StringsDocument::Sections() const {
         }
     }
     return sections;
+}
+
+std::vector<StringsDocument::Entry> StringsDocument::Misplaced() const {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    std::vector<Entry> misplaced;
+    std::string key;
+    std::string value;
+    for (std::size_t i = 0; i < m_lines.size(); ++i) {
+        const std::string& text = m_lines[i].text;
+        if (KorString::SearchLanguageKey(text, "")) {
+            break;
+        }
+        const bool isMarked = text.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0;
+        if (isMarked && KorString::SearchLanguageKey(text.substr(kByteOrderMark.size()), "")) {
+            misplaced.push_back({i, "QVLANG", "behind a byte-order mark"});
+        } else if (KorString::GetLocalizedElement(text, &key, &value) &&
+                   IsProtectedKey(key.c_str())) {
+            misplaced.push_back({i, key, value});
+        }
+    }
+    return misplaced;
 }
 
 bool StringsDocument::SetValue(std::size_t line, const std::string& value) {

@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+// A text as it stands between quotes in a strings file: each line feed as a backslash and an n.
+std::string Escaped(const std::string& text);
+
 // A strings file to be changed entry by entry: every byte that is not changed stays as it is. What
 // a line means is asked of the library's own line functions.
 class StringsDocument {
@@ -29,6 +32,10 @@ public:
 
     // Every section of the file, in its order. What stands before the first one belongs to none.
     std::vector<Section> Sections() const;
+
+    // What stands before the first section and is never read, but looks as if it was meant to be: a
+    // line with a protected key, and a header behind a byte-order mark.
+    std::vector<Entry> Misplaced() const;
 
     // Gives the entry of a line another value. Quotes, and what stands before the first and behind
     // the last, stay; a value without quotes gets them where it needs them.

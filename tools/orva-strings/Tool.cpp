@@ -5,6 +5,8 @@
 #include <exception>
 #include <functional>
 #include <iterator>
+#include <new>
+#include <utility>
 
 #include "tools/orva-strings/Commands.h"
 #include "tools/orva-strings/Files.h"
@@ -33,6 +35,11 @@ struct Options {
     bool isRevealed = false;
 };
 
+// An empty name, from a variable that is not set, is no wish for the key built in.
+std::string NamesAFile(const std::string& name) {
+    return name.empty() ? "it names no file" : "";
+}
+
 Key KeyOf(const std::string& path) {
     return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
 }
@@ -43,7 +50,7 @@ public:
     Run(std::istream& in, std::ostream& out, std::ostream& err)
         : m_in(in), m_out(out), m_err(err) {}
 
-    int Parse(std::vector<std::string> arguments);
+    int Execute(std::vector<std::string> arguments);
 
 private:
     CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
@@ -72,7 +79,9 @@ CLI::App* Run::AddCommand(CLI::App& app, const std::string& name, const std::str
 }
 
 void Run::AddFile(CLI::App& command) {
-    command.add_option("FILE", m_options.file, "The strings file; - is standard input")->required();
+    command.add_option("FILE", m_options.file, "The strings file; - is standard input")
+        ->type_name("")
+        ->required();
 }
 
 void Run::AddInPlace(CLI::App& command) {
@@ -81,8 +90,11 @@ void Run::AddInPlace(CLI::App& command) {
 }
 
 void Run::AddKeyFile(CLI::App& command) {
-    command.add_option("--key-file", m_options.keyFile,
-                       "File of 64 hexadecimal digits; without it, the key built in");
+    command
+        .add_option("--key-file", m_options.keyFile,
+                    "File of 64 hexadecimal digits; without it, the key built in")
+        ->type_name("KEYFILE")
+        ->check(NamesAFile);
 }
 
 StringsDocument Run::ReadDocument() const {
@@ -131,7 +143,7 @@ int Run::ShowKey() const {
     return kDone;
 }
 
-int Run::Parse(std::vector<std::string> arguments) {
+int Run::Execute(std::vector<std::string> arguments) {
     CLI::App app("Looks into strings files and keeps their protected entries.", "orva-strings");
     app.footer(kExamples);
     app.require_subcommand(1);
@@ -141,7 +153,12 @@ int Run::Parse(std::vector<std::string> arguments) {
         app, "protect", "Store every readable entry whose key begins with IDE in protected form",
         [this] {
             return Change([this](StringsDocument& document) {
-                return Protect(document, KeyOf(m_options.keyFile).Derive(), m_options.isForced);
+                const Key key = KeyOf(m_options.keyFile);
+                if (m_options.keyFile.empty() && key.IsDevelopmentKey()) {
+                    m_err << "orva-strings: note: protecting with the development key, which "
+                             "everybody knows\n";
+                }
+                return Protect(document, key.Derive(), m_options.isForced);
             });
         });
     AddFile(*command);
@@ -168,8 +185,13 @@ int Run::Parse(std::vector<std::string> arguments) {
     AddFile(*command);
     AddInPlace(*command);
     command->add_option("--from", m_options.fromKeyFile, "Key file they are stored with")
+        ->type_name("KEYFILE")
+        ->check(NamesAFile)
         ->required();
-    command->add_option("--to", m_options.toKeyFile, "Key file to store them with")->required();
+    command->add_option("--to", m_options.toKeyFile, "Key file to store them with")
+        ->type_name("KEYFILE")
+        ->check(NamesAFile)
+        ->required();
 
     command = AddCommand(app, "show", "Show what the library answers", [this] {
         return Show(ReadDocument(), m_options.language, m_options.keys, m_options.isRevealed,
@@ -178,9 +200,12 @@ int Run::Parse(std::vector<std::string> arguments) {
                    : kFindings;
     });
     AddFile(*command);
-    command->add_option("KEY", m_options.keys, "Keys to look up; without them, the whole section");
-    command->add_option("--language", m_options.language,
-                        "The section's name; without it, the first section");
+    command->add_option("KEY", m_options.keys, "Keys to look up; without them, the whole section")
+        ->type_name("");
+    command
+        ->add_option("--language", m_options.language,
+                     "The section's name; without it, or if there is none such, the first section")
+        ->type_name("LANGUAGE");
     command->add_flag("--reveal", m_options.isRevealed, "Show protected texts too");
 
     command =
@@ -194,7 +219,9 @@ int Run::Parse(std::vector<std::string> arguments) {
     key->require_subcommand(1);
     command = AddCommand(*key, "new", "Make a key file that only its owner can read",
                          [this] { return NewKey(); });
-    command->add_option("FILE", m_options.keyFile, "The file to make; - is standard output")
+    command->add_option("KEYFILE", m_options.keyFile, "The file to make; - is standard output")
+        ->type_name("")
+        ->check(NamesAFile)
         ->required();
     command = AddCommand(*key, "show", "Show a key's fingerprint, not the key",
                          [this] { return ShowKey(); });
@@ -204,7 +231,12 @@ int Run::Parse(std::vector<std::string> arguments) {
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes a vector
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error, m_out, m_err) == 0 ? kDone : kUsageOrSystem;
+        if (error.get_exit_code() == 0) {  // help or version
+            app.exit(error, m_out, m_err);
+            return kDone;
+        }
+        m_err << "orva-strings: error: " << error.what() << " (see --help)\n";
+        return kUsageOrSystem;
     }
     return m_command();
 }
@@ -214,7 +246,7 @@ int Run::Parse(std::vector<std::string> arguments) {
 int RunTool(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
             std::ostream& err) {
     try {
-        const int status = Run(in, out, err).Parse(std::move(arguments));
+        const int status = Run(in, out, err).Execute(std::move(arguments));
         out.flush();
         if (!out) {
             err << "orva-strings: error: can't write the result\n";

@@ -1,0 +1,114 @@
+// What protected texts cost: the first look-up of one, against its floor, which it is to stay within
+// twice of; every later one, against a plain look-up; and protecting a file of 10,000 of them.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include <OrvaLanguage/OrvaLanguage.h>
+#include <benchmark/benchmark.h>
+
+#include "platform/CommonCryptor.h"
+#include "tools/orva-strings/Commands.h"
+#include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/ProtectedText.h"
+#include "tools/orva-strings/TemporaryBundle.h"
+
+namespace {
+
+constexpr int kRepetitions = 9;
+constexpr int kLookUps = 2000;  // in a repetition; each key has only one first look-up
+constexpr std::size_t kTextLength = 64;
+
+std::string Text(int i) {
+    std::string text = "Text number " + std::to_string(i);
+    text.resize(kTextLength, '.');
+    return text;
+}
+
+std::string File(int entries, bool isStored) {
+    const Key key = Key::BuiltIn();
+    const ProtectionKeys keys = key.Derive();
+    std::string file = "QVLANG=en\nPLAIN_TEXT=\"a plain text\"\n";
+    for (int i = 0; i < entries; ++i) {
+        const std::string text = Text(i);
+        file += "IDE_TEXT_" + std::to_string(i) + "=\"" +
+                (isStored ? EncodeProtectedText(keys, text) : text) + "\"\n";
+    }
+    return file;
+}
+
+void LookUpFirst(benchmark::State& state) {
+    static const TemporaryBundle bundle;
+    static int next = 0;
+    if (next == 0) {
+        bundle.Write("x", File(kRepetitions * kLookUps, true));
+        ZuLoadStrings("en", "x", bundle.Get());
+    }
+    for (auto _ : state) {
+        const std::string key = "IDE_TEXT_" + std::to_string(next++);
+        if (ZuGetLocalizedString(key.c_str()) == nullptr) {
+            state.SkipWithError("no answer");
+            break;
+        }
+    }
+}
+BENCHMARK(LookUpFirst)->Name("LookUp/First")->Iterations(kLookUps)->Repetitions(kRepetitions);
+
+// Twice the reading of the digits by "%x" and the cipher calls, and nothing else.
+void LookUpFirstFloor(benchmark::State& state) {
+    const std::string digits(2 * (kTextLength + 32), 'A');
+    std::uint8_t data[kTextLength + 32] = {};
+    const std::uint8_t key[32] = {1};
+    const std::uint8_t iv[16] = {2};
+    std::size_t moved = 0;
+    const auto crypt = [&](CCOperation op, CCOptions options, std::size_t length) {
+        CCCrypt(op, kCCAlgorithmAES128, options, key, sizeof key, iv, data, length, data, length,
+                &moved);
+    };
+    for (auto _ : state) {
+        for (int run = 0; run < 2; ++run) {
+            char group[9] = {};
+            unsigned value = 0;
+            for (std::size_t i = 0; i < digits.size(); i += 8) {
+                std::memcpy(group, digits.data() + i, 8);
+                benchmark::DoNotOptimize(std::sscanf(group, "%x", &value));
+            }
+            crypt(kCCEncrypt, kCCOptionECBMode, 80);  // the keys
+            crypt(kCCDecrypt, 0, sizeof data);        // the size
+            crypt(kCCDecrypt, 0, sizeof data);        // the text
+            crypt(kCCEncrypt, 0, sizeof data);        // the tag
+        }
+        benchmark::DoNotOptimize(data);
+    }
+}
+BENCHMARK(LookUpFirstFloor)
+    ->Name("LookUp/FirstFloor")
+    ->Iterations(kLookUps)
+    ->Repetitions(kRepetitions);
+
+void LookUp(benchmark::State& state, const char* key) {
+    const TemporaryBundle bundle;
+    bundle.Write("x", File(1000, true));
+    ZuLoadStrings("en", "x", bundle.Get());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(ZuGetLocalizedString(key));
+    }
+}
+BENCHMARK_CAPTURE(LookUp, Cached, "IDE_TEXT_7")->Repetitions(kRepetitions);
+BENCHMARK_CAPTURE(LookUp, Plain, "PLAIN_TEXT")->Repetitions(kRepetitions);
+
+void ProtectFile(benchmark::State& state) {
+    const Key key = Key::BuiltIn();
+    const std::string file = File(static_cast<int>(state.range(0)), false);
+    for (auto _ : state) {
+        StringsDocument document(file);
+        if (!Protect(document, key.Derive(), false).empty()) {
+            state.SkipWithError("findings");
+        }
+        benchmark::DoNotOptimize(document.Bytes());
+    }
+}
+BENCHMARK(ProtectFile)->ArgName("entries")->Arg(10'000)->Unit(benchmark::kMillisecond);
+
+}  // namespace
