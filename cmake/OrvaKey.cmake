@@ -16,17 +16,20 @@ function(orva_write_key_shares folder)
         message(FATAL_ERROR "ORVA_KEY_FILE: there is no file ${file}.")
     endif()
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
-    file(READ "${file}" digits LIMIT 1024)
-    string(REGEX REPLACE "\r?\n$" "" digits "${digits}")
-    string(LENGTH "${digits}" length)
-    if(NOT length EQUAL 64)
+    # As hexadecimal of its bytes, since CMake's texts do not show a NUL byte.
+    file(SIZE "${file}" size)
+    file(READ "${file}" hex LIMIT 1024 HEX)
+    string(REGEX REPLACE "(0d)?0a$" "" hex "${hex}")
+    string(LENGTH "${hex}" hex_length)
+    if(NOT hex_length EQUAL 128)
         message(FATAL_ERROR
-            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits in one line, and has ${length} characters.")
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits in one line, and has ${size} bytes.")
     endif()
-    if(NOT digits MATCHES "^[0-9A-Fa-f]+$")
+    if(NOT hex MATCHES "^(3[0-9]|4[1-6]|6[1-6])+$")
         message(FATAL_ERROR
             "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, and has other characters among them.")
     endif()
+    file(STRINGS "${file}" digits)
 
     # The mask comes from the material, so that a build repeats.
     string(TOLOWER "${digits}" digits)

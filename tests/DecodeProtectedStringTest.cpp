@@ -140,7 +140,9 @@ TEST(DecodeProtectedString, RejectsBadPaddingUnderAGoodTag) {
     };
     for (const auto& c : cases) {
         const Bytes padded = FromHex(c.block);
-        for (const std::size_t textLength : {0U, 1U, 13U, 14U, 15U, 16U}) {
+        for (const std::size_t textLength :
+             {std::size_t{0}, std::size_t{1}, std::size_t{13}, std::size_t{14}, std::size_t{15},
+              std::size_t{16}, static_cast<std::size_t>(-1)}) {
             Bytes blocks = TagOf(textLength, padded, key);
             blocks.insert(blocks.end(), padded.begin(), padded.end());
             ExpectRejected(StoredBlocks(blocks, key), c.what);
@@ -241,9 +243,12 @@ TEST(DecodeProtectedString, RunsUnderItsLock) {
     std::unique_lock<std::recursive_mutex> lock(gDecodeMutex);
     EXPECT_EQ(SizingStatus(good), 0) << "the thread that holds the lock may decode";
     auto waiting = std::async(std::launch::async, [&] { return SizingStatus(good); });
+    auto waitingToo = std::async(std::launch::async, [] { return SizingStatus("not stored"); });
     EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    EXPECT_EQ(waitingToo.wait_for(std::chrono::milliseconds(0)), std::future_status::timeout);
     lock.unlock();
     EXPECT_EQ(waiting.get(), 0);
+    EXPECT_NE(waitingToo.get(), 0);
 
     // The lock is free again after a failure too.
     EXPECT_NE(SizingStatus("no"), 0);

@@ -1,9 +1,15 @@
 // The tool's commands, run in this process; what they print is compared whole.
+#include <cctype>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -45,10 +51,10 @@ std::string ProtectedFile(const Bytes& key) {
 class OrvaStrings : public ::testing::Test {
 protected:
     int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
-        std::istringstream in(input);
         std::ostringstream out;
         std::ostringstream err;
-        const int status = RunTool(arguments, in, out, err);
+        const int status = RunTool(
+            arguments, [&] { return input; }, out, err);
         m_out = out.str();
         m_err = err.str();
         return status;
@@ -83,6 +89,8 @@ TEST_F(OrvaStrings, ProtectsAndRevealsByteForByte) {
     const std::string stored = Write("y", m_out);
     EXPECT_EQ(Run({"protect", stored}), 0);
     EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey())) << "a second run changes nothing";
+    EXPECT_EQ(Run({"protect", "--force", stored}), 0);
+    EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey())) << "nor does a forced one";
     EXPECT_EQ(Run({"reveal", stored}), 0);
     EXPECT_EQ(m_out, kReadable);
     EXPECT_EQ(Run({"reveal", file}), 0);
@@ -228,6 +236,14 @@ TEST_F(OrvaStrings, ShowsWhatTheLibraryAnswers) {
     EXPECT_EQ(Run({"show", "-", "--language", "de", "QVLANG"}, ProtectedFile(DevelopmentKey())), 0);
     EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
     EXPECT_EQ(m_err, "-: note: there is no section de, so this is the first\n");
+    EXPECT_EQ(Run({"show", file, "--language", "FR", "--reveal"}), 0);
+    EXPECT_EQ(m_out, "IDE_TITLE=\"\"\nQVLANG=\"fr\"\n");
+    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(Run({"show", "-", "--language", "x\"en\"y", "[ABCD]", "[]xx", "QVLANG"},
+                  "QVLANG=x\"en\"y\nABCD=1\n[ABCD]=2\n[]xx=3\n"),
+              0);
+    EXPECT_EQ(m_out, "[ABCD]=\"2\"\n[]xx=\"3\"\nQVLANG=\"en\"\n");
+    EXPECT_EQ(m_err, "");
     EXPECT_EQ(Run({"show", file, "QVLANG", "NOT_THERE"}), 1);
     EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
     EXPECT_EQ(m_err, file + ": error: NOT_THERE: there is no such key in the section\n");
@@ -238,10 +254,11 @@ TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
                                      std::string(64, '0') + "\n"),
               1);
     EXPECT_EQ(m_out, "MENU=\"x\"\nQVLANG=\"en\"\n");
-    EXPECT_EQ(m_err,
-              "-: error: IDE_PLAIN: the value is not protected, so it has no answer\n"
-              "-: error: IDE_WRONG: the value does not decode: it was damaged or made with another "
-              "key\n");
+    EXPECT_EQ(
+        m_err,
+        "-:2: error: IDE_PLAIN: the value is not protected, so it has no answer\n"
+        "-:4: error: IDE_WRONG: the value does not decode: it was damaged or made with another "
+        "key\n");
     EXPECT_EQ(Run({"show", "-"}, "MENU=\"x\"\n"), 1);
     EXPECT_EQ(m_err, "-: error: there is no section in it\n");
 }
@@ -274,10 +291,18 @@ TEST_F(OrvaStrings, MakesKeysAndTellsThemApart) {
     EXPECT_EQ(Run({"key", "new", "-"}), 0);
     EXPECT_EQ(m_out.size(), 65U);
     EXPECT_NE(m_out, digits);
+    for (const std::size_t half : {0U, 32U}) {
+        EXPECT_NE(m_out.substr(half, 32), digits.substr(half, 32));
+        EXPECT_NE(digits.substr(half, 32), std::string(32, '0'));
+    }
 
     EXPECT_EQ(Run({"key", "show"}), 0);
     const std::string builtIn = m_out;
-    EXPECT_EQ(builtIn.substr(builtIn.find('\n') + 1), "development key: yes\n");
+    std::string fingerprint = ToHex(CounterBlock(6, DevelopmentKey())).substr(0, 16);
+    for (char& digit : fingerprint) {
+        digit = static_cast<char>(std::toupper(digit));
+    }
+    EXPECT_EQ(builtIn, "fingerprint: " + fingerprint + "\ndevelopment key: yes\n");
     EXPECT_EQ(Run({"key", "show", "--key-file", DEVELOPMENT_KEY}), 0);
     EXPECT_EQ(m_out, builtIn);
     EXPECT_EQ(Run({"key", "show", "--key-file", file}), 0);
@@ -360,7 +385,7 @@ TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
 TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
     const std::string file = Write("x", kReadable);
     std::filesystem::create_symlink("x", Path("link"));
-    for (const mode_t mode : {0644U, 0600U, 0755U, 0444U}) {
+    for (const mode_t mode : {0644U, 0600U, 0755U, 0444U, 04755U}) {
         m_folder.Write("new", kReadable);
         std::filesystem::rename(Path("new"), file);
         ASSERT_EQ(chmod(file.c_str(), mode), 0);
@@ -376,6 +401,53 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
         << "nothing else is left in the folder";
 }
 
+TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(Path("pipe")) << kReadable; });
+    EXPECT_EQ(Run({"protect", "--in-place", Path("pipe")}), 2);
+    writer.join();
+    EXPECT_EQ(m_err, kDevelopmentKeyNote + "orva-strings: error: " + Path("pipe") +
+                         ": not a regular file, which alone can be replaced\n");
+    EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe")));
+}
+
+TEST_F(OrvaStrings, ReportsInputThatCannotBeRead) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const auto refuse = []() -> std::string {
+        throw std::system_error(EIO, std::generic_category(), "standard input");
+    };
+    EXPECT_EQ(RunTool({"sections", "-"}, refuse, out, err), 2);
+    EXPECT_EQ(err.str(), "orva-strings: error: standard input: Input/output error\n");
+}
+
+TEST_F(OrvaStrings, TakesArgumentsInBracketsAsTheyAre) {
+    const std::string file = Write("[x]", "QVLANG=[en,fr]\n[A,B]=1\n");
+    std::filesystem::current_path(m_folder.Path());
+    EXPECT_EQ(Run({"show", "[x]", "--language", "[en,fr]", "[A,B]"}), 0);
+    EXPECT_EQ(m_out, "[A,B]=\"1\"\n");
+    EXPECT_EQ(m_err, "");
+    std::filesystem::current_path("/");
+}
+
+TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {
+    std::filesystem::create_directory(Path("tmp"));
+    setenv("TMPDIR", Path("tmp").c_str(), 1);
+    EXPECT_EQ(Run({"show", "-"}, kReadable), 1);
+    EXPECT_NE(m_out, "");
+    EXPECT_TRUE(std::filesystem::is_empty(Path("tmp")));
+    unsetenv("TMPDIR");
+}
+
+TEST_F(OrvaStrings, MakesKeyFilesWhateverTheMaskIs) {
+    const mode_t before = umask(0277);
+    EXPECT_EQ(Run({"key", "new", Path("masked.key")}), 0);
+    umask(before);
+    struct stat status = {};
+    ASSERT_EQ(stat(Path("masked.key").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+}
+
 TEST_F(OrvaStrings, WritesNothingInPlaceWhereNothingChanges) {
     const std::string file = Write("x", ProtectedFile(DevelopmentKey()));
     struct stat before = {};
@@ -387,10 +459,11 @@ TEST_F(OrvaStrings, WritesNothingInPlaceWhereNothingChanges) {
 }
 
 TEST_F(OrvaStrings, ReportsAResultThatCannotBeWritten) {
-    std::istringstream in(kReadable);
     std::ofstream out("/dev/full");
     std::ostringstream err;
-    EXPECT_EQ(RunTool({"protect", "-"}, in, out, err), 2);
+    EXPECT_EQ(RunTool(
+                  {"protect", "-"}, [] { return kReadable; }, out, err),
+              2);
     EXPECT_EQ(err.str(), kDevelopmentKeyNote + "orva-strings: error: can't write the result\n");
 }
 

@@ -55,6 +55,30 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
     EXPECT_GE(texts, 1);
 }
 
+TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
+    const std::string text = "another text that nobody is to find in memory that was given back";
+    const TemporaryBundle bundle;
+    const Bytes key = DevelopmentKey();
+    const Bytes derived = DerivedBlocks(key);
+    bundle.Write("x", "QVLANG=en\nIDE_FREE_1=" + Stored(text, key) + "\nIDE_FREE_2=" +
+                          Stored(text, key) + "\nIDE_FREE_3=" + Stored(text, key) + "\n");
+    ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 4);
+    const struct {
+        const char* key;
+        const void* bytes;
+    } cases[] = {
+        {"IDE_FREE_1", text.data() + 16},
+        {"IDE_FREE_2", derived.data() + 16},      // of the encryption key
+        {"IDE_FREE_3", derived.data() + 4 * 16},  // of the tag key
+    };
+    for (const auto& c : cases) {
+        const FreedMemoryWatch watch(c.bytes, 16);
+        EXPECT_EQ(ZuGetLocalizedString(c.key), text);
+        EXPECT_FALSE(FreedMemoryWatch::HasSeen()) << c.key;
+        EXPECT_GT(FreedMemoryWatch::Blocks(), 10U);
+    }
+}
+
 }  // namespace
 
 // The buffer that is left on purpose is no leak to report.

@@ -118,6 +118,12 @@ TEST_F(DecoderCalls, HandsTheSizingCallsLengthOnWithoutUsingIt) {
     EXPECT_EQ(m_calls[1].outputLength, 12345) << "the same word";
 }
 
+TEST_F(DecoderCalls, FillsABufferOfTheStoredTextsLength) {
+    const FailingAllocation counting(0);
+    EXPECT_STREQ(ZuGetLocalizedString("IDE_SIZE"), "text");
+    EXPECT_EQ(FailingAllocation::SizeOfFirst(), 16U);
+}
+
 TEST_F(DecoderCalls, EndsTheTextAtItsFirstNul) {
     m_output = std::string("before\0behind", 13);
     EXPECT_STREQ(ZuGetLocalizedString("IDE_NUL"), "before");

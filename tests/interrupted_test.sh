@@ -66,3 +66,28 @@ for n in $(seq "$calls"); do
 done
 [ "$failures" -gt 4 ] || { echo "only $failures failures were told"; exit 1; }
 echo "failed at each of $calls calls, $failures of them told"
+
+# Everything is on the disk before the name leads to it, and the name before the tool is done.
+cp "$work/old" "$work/folder/file"
+CALLS=$work/calls "$tool" protect --in-place "$work/folder/file" 2>/dev/null
+order=$(paste -sd ' ' "$work/calls")
+if [[ $order != *"write fchmod fsync close rename fsync close" ]]; then
+    echo "the calls came in this order: $order"
+    exit 1
+fi
+
+cp "$work/old" "$work/folder/file"
+SHORT_WRITES=1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
+cmp "$work/folder/file" "$work/new"
+
+# A key file that could not be finished does not stay.
+for n in 1 2 3 4 5; do
+    rm -f "$work/key"
+    if FAIL_AT=$n "$tool" key new "$work/key" 2>/dev/null; then
+        [ "$(wc -c <"$work/key")" = 65 ]
+    elif [ -e "$work/key" ]; then
+        echo "FAIL_AT=$n left a part of a key"
+        exit 1
+    fi
+done
+echo "calls in their order, short writes, unfinished keys"

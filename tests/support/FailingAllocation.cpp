@@ -4,24 +4,30 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 
 namespace {
 
 thread_local std::size_t gCountdown = 0;  // 0: nothing is to fail
 thread_local bool gHasFailed = false;
+thread_local std::size_t gSizeOfFirst = 0;
 std::atomic<std::size_t> gLive = 0;
 
 // Ahead of each block stands its size; the block itself stays aligned for any type.
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 
 void* Allocate(std::size_t size) {
+    if (gSizeOfFirst == 0) {
+        gSizeOfFirst = size;
+    }
     if (gCountdown > 0 && --gCountdown == 0) {
         gHasFailed = true;
         throw std::bad_alloc();
     }
-    auto* const block =
-        static_cast<char*>(size + kHeader < size ? nullptr : std::malloc(size + kHeader));
+    // A sanitizer would end the process over a size that can't be; the real one says no.
+    constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() - kHeader;
+    auto* const block = static_cast<char*>(size > kMost ? nullptr : std::malloc(size + kHeader));
     if (block == nullptr) {
         throw std::bad_alloc();
     }
@@ -56,6 +62,11 @@ void Free(void* block) noexcept {
 FailingAllocation::FailingAllocation(std::size_t n) {
     gCountdown = n;
     gHasFailed = false;
+    gSizeOfFirst = 0;
+}
+
+std::size_t FailingAllocation::SizeOfFirst() {
+    return gSizeOfFirst;
 }
 
 FailingAllocation::~FailingAllocation() {

@@ -13,6 +13,9 @@ public:
     FailingAllocation& operator=(const FailingAllocation&) = delete;
 
     static bool HasFailed();
+
+    // The bytes that the first of them asked for.
+    static std::size_t SizeOfFirst();
 };
 
 // While it lives, looks into every block that is deleted for some bytes. One at a time.

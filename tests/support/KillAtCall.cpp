@@ -1,6 +1,7 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills
 // the process in the KILL_AT-th of them: before it, or in a write half way through. With FAIL_AT
-// the call fails instead, for want of space.
+// the call fails instead, for want of space. With CALLS the names of the calls go to that file; with
+// SHORT_WRITES a write is interrupted every other time, and else writes 100 bytes at most.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -12,15 +13,22 @@
 namespace {
 
 int gCall = 0;
+int gWrite = 0;
 
 bool IsTurn(const char* variable) {
     const char* const value = std::getenv(variable);
     return value != nullptr && std::atoi(value) == gCall;
 }
 
-// Whether the call that is being made is to fail; does not return if the process is to die.
-bool IsToFail() {
+// Whether the call of this name that is being made is to fail; does not return if the process is to
+// die.
+bool IsToFail(const char* name) {
     ++gCall;
+    if (const char* const path = std::getenv("CALLS")) {
+        std::FILE* const calls = std::fopen(path, "a");
+        std::fprintf(calls, "%s\n", name);
+        std::fclose(calls);
+    }
     if (IsTurn("KILL_AT")) {
         raise(SIGKILL);
     }
@@ -49,22 +57,29 @@ ssize_t write(int file, const void* bytes, size_t length) {
             raise(SIGKILL);
         }
     }
-    return IsToFail() ? -1 : systems(file, bytes, length);
+    if (std::getenv("SHORT_WRITES") != nullptr) {
+        length = length < 100 ? length : 100;
+        if (++gWrite % 2 == 0) {
+            errno = EINTR;
+            return -1;
+        }
+    }
+    return IsToFail("write") ? -1 : systems(file, bytes, length);
 }
 
 int fsync(int file) {
-    return IsToFail() ? -1 : System<int(int)>("fsync")(file);
+    return IsToFail("fsync") ? -1 : System<int(int)>("fsync")(file);
 }
 
 int fchmod(int file, mode_t mode) {
-    return IsToFail() ? -1 : System<int(int, mode_t)>("fchmod")(file, mode);
+    return IsToFail("fchmod") ? -1 : System<int(int, mode_t)>("fchmod")(file, mode);
 }
 
 int rename(const char* from, const char* to) noexcept {
-    return IsToFail() ? -1 : System<int(const char*, const char*)>("rename")(from, to);
+    return IsToFail("rename") ? -1 : System<int(const char*, const char*)>("rename")(from, to);
 }
 
 int close(int file) {
-    return IsToFail() ? -1 : System<int(int)>("close")(file);
+    return IsToFail("close") ? -1 : System<int(int)>("close")(file);
 }
 }

@@ -35,12 +35,18 @@ Bytes Joined(Bytes first, const Bytes& second) {
 
 }  // namespace
 
+Bytes CounterBlock(std::uint8_t counter, const Bytes& material) {
+    Bytes block(kBlock, 0);
+    block.back() = counter;
+    return Encrypt(EVP_aes_256_ecb(), material, Bytes(kBlock), block);
+}
+
 Bytes DerivedBlocks(const Bytes& material) {
-    Bytes counters(5 * kBlock, 0);
-    for (std::size_t i = 0; i < 5; ++i) {
-        counters[i * kBlock + kBlock - 1] = static_cast<std::uint8_t>(i + 1);
+    Bytes blocks;
+    for (std::uint8_t counter = 1; counter <= 5; ++counter) {
+        blocks = Joined(blocks, CounterBlock(counter, material));
     }
-    return Encrypt(EVP_aes_256_ecb(), material, Bytes(kBlock), counters);
+    return blocks;
 }
 
 Bytes TagOf(std::size_t textLength, const Bytes& padded, const Bytes& material) {

@@ -10,6 +10,9 @@
 // The stored form of protected texts once more, written from its description over OpenSSL and
 // sharing nothing with the library: what the tests hold the library's own against.
 
+// The block that a counter gives.
+Bytes CounterBlock(std::uint8_t counter, const Bytes& material);
+
 // The five derived blocks, in their order.
 Bytes DerivedBlocks(const Bytes& material);
 

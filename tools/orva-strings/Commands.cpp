@@ -1,5 +1,6 @@
 #include "tools/orva-strings/Commands.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <optional>
 #include <set>
@@ -53,6 +54,13 @@ Finding DoesNotDecode(const Entry& entry) {
     return {entry.line, entry.key +
                             ": the value looks stored but does not decode: it was damaged or made "
                             "with another key"};
+}
+
+// ":LINE" of a key's first entry, or nothing if it has none.
+std::string LineOf(const StringsDocument::Section& section, const std::string& key) {
+    const auto found = std::find_if(section.entries.begin(), section.entries.end(),
+                                    [&](const Entry& entry) { return entry.key == key; });
+    return found == section.entries.end() ? "" : ':' + std::to_string(found->line + 1);
 }
 
 // Why the library answers null for a key.
@@ -133,11 +141,15 @@ bool Show(const StringsDocument& document, const std::string& language,
         err << fileName << ": error: " << kNoSection << '\n';
         return false;
     }
-    const std::string header =
-        KorString::LANG_STATEMENT + std::string(ZuGetLocalizedString("QVLANG"));
-    if (!KorString::SearchLanguageKey(header, language.c_str())) {
+    const std::vector<StringsDocument::Section> sections = document.Sections();
+    const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
+        return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
+                                            language.c_str());
+    });
+    if (loaded == sections.end()) {
         err << fileName << ": note: there is no section " << language << ", so this is the first\n";
     }
+    const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
     std::vector<std::string> wanted = keys;
     if (wanted.empty()) {
         for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
@@ -152,7 +164,8 @@ bool Show(const StringsDocument& document, const std::string& language,
                 << (IsProtected(key) && !isRevealed ? "(protected)" : '"' + Escaped(text) + '"')
                 << '\n';
         } else {
-            err << fileName << ": error: " << key << ": " << WhyNull(key) << '\n';
+            err << fileName << LineOf(section, key) << ": error: " << key << ": " << WhyNull(key)
+                << '\n';
             isComplete = false;
         }
     }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -72,10 +73,7 @@ private:
     std::string m_path;
 };
 
-}  // namespace
-
-std::string ReadFile(const std::string& path) {
-    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC), path);
+std::string ReadAll(const File& file) {
     std::string bytes;
     char buffer[65536];
     for (;;) {
@@ -88,6 +86,16 @@ std::string ReadFile(const std::string& path) {
     }
 }
 
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+    return ReadAll(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path));
+}
+
+std::string ReadStandardInput() {
+    return ReadAll(File(dup(STDIN_FILENO), "standard input"));
+}
+
 void ReplaceFile(const std::string& path, std::string_view bytes) {
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
                                                              std::free);
@@ -95,20 +103,26 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
     if (target == nullptr || stat(target.get(), &status) != 0) {
         throw std::system_error(errno, std::generic_category(), path);
     }
+    if (!S_ISREG(status.st_mode)) {
+        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
+    }
 
     const std::string targetPath = target.get();
+    const std::string folder = targetPath.substr(0, targetPath.rfind('/') + 1);
+    // Open now, so that after the rename there is nothing left to refuse.
+    const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), path);
     std::string newPath = targetPath + ".XXXXXX";
     File file(mkstemp(newPath.data()), path);
     Unfinished unfinished(newPath);
     file.Write(bytes);
-    file.Check(fchmod(file.Get(), status.st_mode & 07777) == 0);
+    // The owner too, where the system lets us; else the bits that act in an owner's name go.
+    const bool isOwned = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
+    file.Check(fchmod(file.Get(), status.st_mode & (isOwned ? 07777U : 0777U)) == 0);
     file.Check(fsync(file.Get()) == 0);  // before the name leads to it
     file.Close();
     file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
     unfinished.Keep();
 
-    const std::string folder = targetPath.substr(0, targetPath.rfind('/') + 1);
-    const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), folder);
     directory.Check(fsync(directory.Get()) == 0);
 }
 

@@ -9,9 +9,13 @@
 // The bytes of a file.
 std::string ReadFile(const std::string& path);
 
-// Puts bytes in place of those of a file that is there. Whenever the process or the machine stops,
-// the file holds all of the old bytes or all of the new ones. Its mode stays, and so does a link
-// that leads to it.
+// The bytes of standard input.
+std::string ReadStandardInput();
+
+// Puts bytes in place of those of a regular file that is there. Whenever the process or the machine
+// stops, the file holds all of the old bytes or all of the new ones. Its mode stays, and so do its
+// owner, where the system allows that, and a symbolic link that leads to it. Throws
+// std::runtime_error if it is no regular file.
 void ReplaceFile(const std::string& path, std::string_view bytes);
 
 // Makes a file that only its owner may read and write. Refuses if it is there already.

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <exception>
 #include <functional>
-#include <iterator>
 #include <new>
 #include <utility>
 
@@ -44,11 +43,25 @@ Key KeyOf(const std::string& path) {
     return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
 }
 
+// The parser takes an argument in brackets apart, as a list. A mark at its end keeps it whole: a line
+// feed, which is in no key.
+void MarkBrackets(std::string& argument) {
+    if (!argument.empty() && argument.front() == '[' && argument.back() == ']') {
+        argument += '\n';
+    }
+}
+
+void Unmark(std::string& argument) {
+    if (!argument.empty() && argument.back() == '\n') {
+        argument.pop_back();
+    }
+}
+
 // One run of the tool: where it reads and writes, and what it was asked.
 class Run {
 public:
-    Run(std::istream& in, std::ostream& out, std::ostream& err)
-        : m_in(in), m_out(out), m_err(err) {}
+    Run(const std::function<std::string()>& readInput, std::ostream& out, std::ostream& err)
+        : m_readInput(readInput), m_out(out), m_err(err) {}
 
     int Execute(std::vector<std::string> arguments);
 
@@ -64,7 +77,7 @@ private:
     int NewKey() const;
     int ShowKey() const;
 
-    std::istream& m_in;
+    const std::function<std::string()>& m_readInput;
     std::ostream& m_out;
     std::ostream& m_err;
     Options m_options;
@@ -98,10 +111,7 @@ void Run::AddKeyFile(CLI::App& command) {
 }
 
 StringsDocument Run::ReadDocument() const {
-    if (m_options.file == "-") {
-        return StringsDocument(std::string(std::istreambuf_iterator<char>(m_in), {}));
-    }
-    return StringsDocument(ReadFile(m_options.file));
+    return StringsDocument(m_options.file == "-" ? m_readInput() : ReadFile(m_options.file));
 }
 
 int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
@@ -228,6 +238,7 @@ int Run::Execute(std::vector<std::string> arguments) {
     AddKeyFile(*command);
 
     try {
+        std::for_each(arguments.begin(), arguments.end(), MarkBrackets);
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes a vector
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
@@ -238,15 +249,20 @@ int Run::Execute(std::vector<std::string> arguments) {
         m_err << "orva-strings: error: " << error.what() << " (see --help)\n";
         return kUsageOrSystem;
     }
+    for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
+                              &m_options.toKeyFile, &m_options.language}) {
+        Unmark(*text);
+    }
+    std::for_each(m_options.keys.begin(), m_options.keys.end(), Unmark);
     return m_command();
 }
 
 }  // namespace
 
-int RunTool(std::vector<std::string> arguments, std::istream& in, std::ostream& out,
-            std::ostream& err) {
+int RunTool(std::vector<std::string> arguments, const std::function<std::string()>& readInput,
+            std::ostream& out, std::ostream& err) {
     try {
-        const int status = Run(in, out, err).Execute(std::move(arguments));
+        const int status = Run(readInput, out, err).Execute(std::move(arguments));
         out.flush();
         if (!out) {
             err << "orva-strings: error: can't write the result\n";
