@@ -8,8 +8,6 @@
 
 #include <benchmark/benchmark.h>
 
-extern char** environ;
-
 namespace {
 
 // In bytes; 0 if the program does not say.
@@ -24,10 +22,11 @@ double ResidentMemory(const std::string& program) {
 
 void Start(benchmark::State& state, const char* program) {
     char* arguments[] = {const_cast<char*>(program), nullptr};
+    char* environment[] = {nullptr};
     for (auto _ : state) {
         pid_t process = 0;
         int status = -1;
-        if (posix_spawn(&process, program, nullptr, nullptr, arguments, environ) != 0 ||
+        if (posix_spawn(&process, program, nullptr, nullptr, arguments, environment) != 0 ||
             waitpid(process, &status, 0) != process || status != 0) {
             state.SkipWithError("the program failed");
             break;

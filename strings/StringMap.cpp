@@ -42,7 +42,7 @@ bool StringMap::Insert(std::string_view key, std::string_view value) {
                                                        FreeEntry);
     CopyText(CopyText(reinterpret_cast<char*>(entry.get() + 1), key), value);
     m_index.Add(entry.get(), hash);
-    entry.release();
+    static_cast<void>(entry.release());  // the index has it now
     ++m_nSize;
     return true;
 }

@@ -69,7 +69,7 @@ protected:
 
     // Makes a key file and gives its bytes.
     Bytes WriteKey(const std::string& name, unsigned first) const {
-        const Bytes key = CountingBytes(32, first);
+        Bytes key = CountingBytes(32, first);
         m_folder.Write(name, ToHex(key) + "\n");
         return key;
     }

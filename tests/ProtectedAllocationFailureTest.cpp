@@ -60,6 +60,7 @@ TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
     const TemporaryBundle bundle;
     const Bytes key = DevelopmentKey();
     const Bytes derived = DerivedBlocks(key);
+    constexpr std::size_t kBlock = 16;
     bundle.Write("x", "QVLANG=en\nIDE_FREE_1=" + Stored(text, key) + "\nIDE_FREE_2=" +
                           Stored(text, key) + "\nIDE_FREE_3=" + Stored(text, key) + "\n");
     ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 4);
@@ -68,8 +69,8 @@ TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
         const void* bytes;
     } cases[] = {
         {"IDE_FREE_1", text.data() + 16},
-        {"IDE_FREE_2", derived.data() + 16},      // of the encryption key
-        {"IDE_FREE_3", derived.data() + 4 * 16},  // of the tag key
+        {"IDE_FREE_2", derived.data() + kBlock},      // of the encryption key
+        {"IDE_FREE_3", derived.data() + 4 * kBlock},  // of the tag key
     };
     for (const auto& c : cases) {
         const FreedMemoryWatch watch(c.bytes, 16);
