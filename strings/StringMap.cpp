@@ -48,14 +48,14 @@ bool StringMap::Insert(std::string_view key, std::string_view value) {
 }
 
 void StringMap::Clear() noexcept {
-    m_index.ForEach(FreeEntry);
+    m_index.ForEach([](const Entry* entry, std::size_t) { FreeEntry(entry); });
     m_index = Index();
     m_nSize = 0;
 }
 
 void StringMap::Grow() {
     Index grown(m_index.Slots() == 0 ? kFirstSlots : 2 * m_index.Slots());
-    m_index.ForEach([&](const Entry* entry) { grown.Add(entry, Hash(entry->Key())); });
+    m_index.ForEach([&](const Entry* entry, std::size_t hash) { grown.Add(entry, hash); });
     m_index = std::move(grown);
 }
 

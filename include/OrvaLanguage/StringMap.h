@@ -49,7 +49,7 @@ public:
     std::vector<const Entry*> Ordered() const {
         std::vector<const Entry*> entries;
         entries.reserve(m_nSize);
-        m_index.ForEach([&](const Entry* entry) { entries.push_back(entry); });
+        m_index.ForEach([&](const Entry* entry, std::size_t) { entries.push_back(entry); });
         std::sort(entries.begin(), entries.end(),
                   [](const Entry* a, const Entry* b) { return a->Key() < b->Key(); });
         return entries;
@@ -93,15 +93,16 @@ private:
             return found == m_crowded.end() ? nullptr : found->second;
         }
 
+        // Calls visit for every entry, with the entry and its hash.
         template <typename Visit>
         void ForEach(const Visit& visit) const {
             for (std::size_t i = 0; i < m_nSlots; ++i) {
                 if (m_slots[i].pEntry != nullptr) {
-                    visit(m_slots[i].pEntry);
+                    visit(m_slots[i].pEntry, m_slots[i].nHash);
                 }
             }
             for (const auto& crowded : m_crowded) {
-                visit(crowded.second);
+                visit(crowded.second, Hash(crowded.first));
             }
         }
 
