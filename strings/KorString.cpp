@@ -86,10 +86,13 @@ bool KorString::GetLocalizedElement(std::string line, std::string* key, std::str
     if (first == std::string::npos) {
         return true;
     }
-    // With one quote only, first and last are the same and the length wraps round to the largest
-    // there is: a value whose closing quote was forgotten is read to the end of its line.
+    // One quote alone is the first: a value whose closing quote was forgotten is read to the end of
+    // its line.
     const std::size_t last = value->rfind('"');
-    *value = value->substr(first + 1, last - first - 1);
+    if (last != first) {
+        value->erase(last);
+    }
+    value->erase(0, first + 1);
     *value = ConvertNewLine(value);
     return true;
 }
