@@ -1,0 +1,74 @@
+#ifndef ORVALANGUAGE_BENCH_CORPUS_H
+#define ORVALANGUAGE_BENCH_CORPUS_H
+
+#include <fstream>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// One of the folders that make_corpora.py writes.
+class Corpus {
+public:
+    explicit Corpus(std::string folder) : m_folder(std::move(folder)) {
+        std::ifstream(m_folder + "/language") >> m_language;
+        std::ifstream keys(m_folder + "/keys.txt");
+        for (std::string key; std::getline(keys, key);) {
+            m_keys.push_back(key);
+        }
+        if (m_keys.empty()) {
+            throw std::runtime_error("no corpus in " + m_folder);
+        }
+    }
+
+    const std::string& Folder() const { return m_folder; }
+    std::string File(const char* name) const { return m_folder + '/' + name; }
+
+    // The folder's own name. A gettext domain has it too, since gettext keeps what it found for one
+    // when its folder changes, and grows slower with each.
+    std::string Size() const { return m_folder.substr(m_folder.rfind('/') + 1); }
+
+    // The section of the strings file, and what the other formats hold.
+    const std::string& Language() const { return m_language; }
+
+    // Every key, in the order of the file.
+    const std::vector<std::string>& Keys() const { return m_keys; }
+
+private:
+    std::string m_folder;
+    std::string m_language;
+    std::vector<std::string> m_keys;
+};
+
+// Keys to look up one after the other, drawn at random; the same ones at every run. So many that no
+// processor learns their order, as it does with a thousand that are looked up in turns: a search
+// down a tree would then seem three times as fast as it is. They lie side by side in memory in the
+// order of their use, since a host's own keys are at hand, and to fetch them is no part of a look-up.
+class KeySequence {
+public:
+    // With an ending, each key is lengthened by it, so that a table has none of them.
+    explicit KeySequence(const std::vector<std::string>& keys, const char* ending = "") {
+        constexpr int kDraws = 1 << 18;
+        std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same ones at every run
+        std::uniform_int_distribution<std::size_t> draw(0, keys.size() - 1);
+        std::vector<std::size_t> starts;
+        for (int i = 0; i < kDraws; ++i) {
+            starts.push_back(m_bytes.size());
+            m_bytes += keys[draw(random)] + ending + '\0';
+        }
+        for (const std::size_t start : starts) {
+            m_keys.push_back(m_bytes.data() + start);
+        }
+    }
+    KeySequence(const KeySequence&) = delete;
+    KeySequence& operator=(const KeySequence&) = delete;
+
+    auto begin() const { return m_keys.begin(); }
+    auto end() const { return m_keys.end(); }
+
+private:
+    std::string m_bytes;
+    std::vector<const char*> m_keys;
+};
+
+#endif
