@@ -1,4 +1,5 @@
 #include <cstring>
+#include <utility>
 
 #include <OrvaLanguage/KorString.h>
 
@@ -28,7 +29,7 @@ bool SearchKey(const std::string& line, const char* keyword, const char* name) {
         return false;
     }
     const std::size_t length = std::strlen(keyword);
-    if (line.compare(0, length, keyword) != 0) {
+    if (line.compare(0, length, keyword, length) != 0) {
         return false;
     }
     return name[0] == '\0' || EqualButForCase(line.c_str() + length, name);
@@ -60,10 +61,13 @@ bool KorString::SearchRegionKey(std::string line, const char* region) {
 
 std::string KorString::ConvertNewLine(const std::string* text) {
     // One pass from left to right: replacing in place would move the rest of the text each time.
+    std::size_t found = text->find(kEscape);
+    if (found == std::string::npos) {
+        return *text;
+    }
     std::string converted;
     std::size_t from = 0;
-    for (std::size_t found = text->find(kEscape); found != std::string::npos;
-         found = text->find(kEscape, from)) {
+    for (; found != std::string::npos; found = text->find(kEscape, from)) {
         converted.append(*text, from, found - from);
         converted += '\n';
         from = found + kEscapeLength;
@@ -79,20 +83,21 @@ bool KorString::GetLocalizedElement(std::string line, std::string* key, std::str
     if (equals == std::string::npos || equals < kShortestKey) {
         return false;
     }
-    key->assign(line, 0, equals);
-    value->assign(line, equals + 1);
-
-    const std::size_t first = value->find('"');
+    *key = line.substr(0, equals);
+    // What is left of the line, a copy of the caller's, is cut down to the value.
+    line.erase(0, equals + 1);
+    const std::size_t first = line.find('"');
     if (first == std::string::npos) {
+        *value = std::move(line);
         return true;
     }
     // One quote alone is the first: a value whose closing quote was forgotten is read to the end of
     // its line.
-    const std::size_t last = value->rfind('"');
+    const std::size_t last = line.rfind('"');
     if (last != first) {
-        value->erase(last);
+        line.erase(last);
     }
-    value->erase(0, first + 1);
-    *value = ConvertNewLine(value);
+    line.erase(0, first + 1);
+    *value = ConvertNewLine(&line);
     return true;
 }
