@@ -21,8 +21,7 @@
 
 // Whether an entry of this key, not null, is protected.
 inline bool IsProtectedKey(const char* key) {
-    constexpr char kPrefix[] = "IDE";
-    return std::strncmp(key, kPrefix, sizeof kPrefix - 1) == 0;
+    return key[0] == 'I' && key[1] == 'D' && key[2] == 'E';
 }
 
 constexpr std::size_t kProtectedBlock = 16;

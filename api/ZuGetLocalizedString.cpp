@@ -21,18 +21,8 @@ std::size_t BufferSize(std::int32_t length) {
     return length < 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(length);
 }
 
-}  // namespace
-
-const char* ZuGetLocalizedString(const char* key) {
-    if (gLoadedCount < 1) {
-        return nullptr;
-    }
-    const char* const stored = KorGetLocalizedString(key);
-    const bool isProtected = IsProtectedKey(key);
-    if (stored == nullptr || !isProtected) {
-        return stored;
-    }
-
+// The text of a protected entry, whose key and stored text these are, or null.
+const char* GetDecodedString(const char* key, const char* stored) {
     const auto length = static_cast<std::int32_t>(std::strlen(stored));
     std::int32_t status = 0;
     std::int32_t outputLength = 0;
@@ -61,4 +51,15 @@ const char* ZuGetLocalizedString(const char* key) {
     }
     const StringMap::Entry* const entry = gMapDecodedStrings.Find(key);
     return entry == nullptr ? nullptr : entry->Value().data();
+}
+
+}  // namespace
+
+const char* ZuGetLocalizedString(const char* key) {
+    if (gLoadedCount < 1) {
+        return nullptr;
+    }
+    const char* const stored = KorGetLocalizedString(key);
+    const bool isProtected = IsProtectedKey(key);
+    return stored != nullptr && isProtected ? GetDecodedString(key, stored) : stored;
 }
