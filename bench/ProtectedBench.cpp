@@ -17,8 +17,7 @@
 
 namespace {
 
-constexpr int kRepetitions = 9;
-constexpr int kLookUps = 2000;  // in a repetition; each key has only one first look-up
+constexpr int kLookUps = 2000;  // in a run; each key has only one first look-up
 constexpr std::size_t kTextLength = 64;
 
 std::string KeyOf(int i) {
@@ -31,11 +30,12 @@ std::string Text(int i) {
     return text;
 }
 
-std::string File(int entries, bool isStored) {
+// Entries of the keys first to first + count - 1.
+std::string File(int first, int count, bool isStored) {
     const Key key = Key::BuiltIn();
     const ProtectionKeys keys = key.Derive();
     std::string file = "QVLANG=en\nPLAIN_TEXT=\"a plain text\"\n";
-    for (int i = 0; i < entries; ++i) {
+    for (int i = first; i < first + count; ++i) {
         const std::string text = Text(i);
         file += KeyOf(i) + "=\"" + (isStored ? EncodeProtectedText(keys, text) : text) + "\"\n";
     }
@@ -43,12 +43,10 @@ std::string File(int entries, bool isStored) {
 }
 
 void LookUpFirst(benchmark::State& state) {
-    static const TemporaryBundle bundle;
     static int done = 0;
-    if (done == 0) {
-        bundle.Write("x", File(kRepetitions * kLookUps, true));
-    }
-    ZuLoadStrings("en", "x", bundle.Get());  // another benchmark may have loaded in between
+    const TemporaryBundle bundle;
+    bundle.Write("x", File(done, kLookUps, true));
+    ZuLoadStrings("en", "x", bundle.Get());
     std::vector<std::string> keys;
     for (int i = 0; i < kLookUps; ++i) {
         keys.push_back(KeyOf(done++));
@@ -61,7 +59,7 @@ void LookUpFirst(benchmark::State& state) {
         }
     }
 }
-BENCHMARK(LookUpFirst)->Name("LookUp/First")->Iterations(kLookUps)->Repetitions(kRepetitions);
+BENCHMARK(LookUpFirst)->Name("LookUp/First")->Iterations(kLookUps);
 
 // Twice the reading of the digits by "%x" and the cipher calls, and nothing else. The digits are
 // those of real entries: random ones take longer to read than a text of all the same.
@@ -98,25 +96,22 @@ void LookUpFirstFloor(benchmark::State& state) {
         benchmark::DoNotOptimize(data);
     }
 }
-BENCHMARK(LookUpFirstFloor)
-    ->Name("LookUp/FirstFloor")
-    ->Iterations(kLookUps)
-    ->Repetitions(kRepetitions);
+BENCHMARK(LookUpFirstFloor)->Name("LookUp/FirstFloor")->Iterations(kLookUps);
 
 void LookUp(benchmark::State& state, const char* key) {
     const TemporaryBundle bundle;
-    bundle.Write("x", File(1000, true));
+    bundle.Write("x", File(0, 1000, true));
     ZuLoadStrings("en", "x", bundle.Get());
     for (auto _ : state) {
         benchmark::DoNotOptimize(ZuGetLocalizedString(key));
     }
 }
-BENCHMARK_CAPTURE(LookUp, Cached, "IDE_TEXT_7")->Repetitions(kRepetitions);
-BENCHMARK_CAPTURE(LookUp, Plain, "PLAIN_TEXT")->Repetitions(kRepetitions);
+BENCHMARK_CAPTURE(LookUp, Cached, "IDE_TEXT_7");
+BENCHMARK_CAPTURE(LookUp, Plain, "PLAIN_TEXT");
 
 void ProtectFile(benchmark::State& state) {
     const Key key = Key::BuiltIn();
-    const std::string file = File(static_cast<int>(state.range(0)), false);
+    const std::string file = File(0, static_cast<int>(state.range(0)), false);
     for (auto _ : state) {
         StringsDocument document(file);
         if (!Protect(document, key.Derive(), false).empty()) {

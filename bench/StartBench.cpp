@@ -1,7 +1,10 @@
-// What the library costs a program at its start: a program that does nothing, linked with the C++
-// library alone, and the same one linked with this library too, which is to cost less than 0.5 ms
-// and 1 MB more. The counter is the most memory that the program had resident.
+// What a program costs at its start, in time and memory: one that does nothing, without this library
+// and with it; and hosts that load 1,000 texts, look a hundred of them up, and exit.
+//
+// Usage: start_bench FOLDER [OPTION…]    FOLDER: what make_corpora.py wrote, the size 1000 and for
+// the memory also 10000; options are Google Benchmark's.
 #include <cstdio>
+#include <filesystem>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -10,40 +13,72 @@
 
 namespace {
 
-// In bytes; 0 if the program does not say.
-double ResidentMemory(const std::string& program) {
-    std::FILE* const output = popen((program + " memory").c_str(), "r");
-    long kibibytes = 0;
-    const bool isRead = output != nullptr && std::fscanf(output, "%ld", &kibibytes) == 1;
-    return output != nullptr && pclose(output) == 0 && isRead
-               ? 1024 * static_cast<double>(kibibytes)
-               : 0;
+std::string Program(const char* name) {
+    return std::string(PROGRAMS "/") + name;
 }
 
-void Start(benchmark::State& state, const char* program) {
-    char* arguments[] = {const_cast<char*>(program), nullptr};
+// Runs a program that prints a number.
+double NumberFrom(const std::string& command) {
+    std::FILE* const output = popen(command.c_str(), "r");
+    double number = 0;
+    const bool isRead = output != nullptr && std::fscanf(output, "%lf", &number) == 1;
+    return output != nullptr && pclose(output) == 0 && isRead ? number : 0;
+}
+
+void Start(benchmark::State& state, const char* program, std::string argument) {
+    std::string path = Program(program);
+    char* arguments[] = {path.data(), argument.empty() ? nullptr : argument.data(), nullptr};
     char* environment[] = {nullptr};
     for (auto _ : state) {
         pid_t process = 0;
         int status = -1;
-        if (posix_spawn(&process, program, nullptr, nullptr, arguments, environment) != 0 ||
+        if (posix_spawn(&process, path.c_str(), nullptr, nullptr, arguments, environment) != 0 ||
             waitpid(process, &status, 0) != process || status != 0) {
             state.SkipWithError("the program failed");
             break;
         }
     }
-    const double memory = ResidentMemory(program);
-    if (memory == 0) {
-        state.SkipWithError("the program does not say how much memory it has");
-    }
-    state.counters["memory"] =
-        benchmark::Counter(memory, benchmark::Counter::kDefaults, benchmark::Counter::kIs1024);
 }
-BENCHMARK_CAPTURE(Start, CppLibraryAlone, START_WITHOUT)
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Start, WithOrvaLanguage, START_WITH)
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
+
+// Not a time: the counter is the number of bytes that the command prints.
+void Memory(benchmark::State& state, const std::string& command) {
+    for (auto _ : state) {
+    }
+    const double bytes = NumberFrom(command);
+    if (bytes == 0) {
+        state.SkipWithError("the program failed");
+    }
+    state.counters["bytes"] = bytes;
+}
 
 }  // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (argc != 2) {
+        std::fputs("Usage: start_bench FOLDER [OPTION…]\n", stderr);
+        return 2;
+    }
+    const std::string corpora = argv[1];
+    for (const char* const name : {"start_without", "start_with"}) {
+        benchmark::RegisterBenchmark((std::string("Start/") + name).c_str(), Start, name, "")
+            ->UseRealTime();
+        benchmark::RegisterBenchmark((std::string("Resident/") + name).c_str(), Memory,
+                                     Program(name) + " memory")
+            ->Iterations(1);
+    }
+    for (const char* const name : {"host_orvalanguage", "host_gettext", "host_icu", "host_qt"}) {
+        benchmark::RegisterBenchmark((std::string("Start/") + name).c_str(), Start, name,
+                                     corpora + "/1000")
+            ->UseRealTime();
+    }
+    const std::string large = corpora + "/10000";
+    if (std::filesystem::exists(large)) {
+        for (const char* const name : {"host_orvalanguage", "host_map"}) {
+            benchmark::RegisterBenchmark((std::string("Heap/") + name).c_str(), Memory,
+                                         Program(name) + ' ' + large + " 0")
+                ->Iterations(1);
+        }
+    }
+    benchmark::RunSpecifiedBenchmarks();
+}

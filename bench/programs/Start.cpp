@@ -1,5 +1,5 @@
 // Does nothing, but needs the C++ library; and this one too where it is linked with it. With an
-// argument, prints the most memory that was resident, in KiB.
+// argument, prints the most memory that was resident, in bytes.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
         while (status != nullptr && std::fgets(line, sizeof line, status) != nullptr) {
             long kibibytes = 0;
             if (std::sscanf(line, "VmHWM: %ld", &kibibytes) == 1) {
-                std::printf("%ld\n", kibibytes);
+                std::printf("%ld\n", 1024 * kibibytes);
             }
         }
     }
