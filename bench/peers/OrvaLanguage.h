@@ -16,7 +16,8 @@ public:
         ZuCloseBundle(bundle);
     }
 
-    // Null if there is none.
+    // Null if there is none. Not static, as the others need their object.
+    // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
     const char* LookUp(const char* key) const { return ZuGetLocalizedString(key); }
 
     static bool IsFound(const char* text, const char* /*key*/) { return text != nullptr; }
