@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Looks at the built library for what makes a mistake in it hard to use.
+#
+# Usage: hardening_test.sh LIBRARY CONFIGURATION   the build's, such as Release
+set -euo pipefail
+library=$1 configuration=$2
+
+missing=0
+expect() {  # WHAT COMMAND…
+    if ! "${@:2}"; then
+        echo "missing: $1"
+        missing=1
+    fi
+}
+segments=$(readelf --wide --segments "$library")
+dynamic=$(readelf --wide --dynamic "$library")
+imports=$(nm --dynamic --undefined-only --without-symbol-versions "$library")
+
+# What "readelf" and "nm" found, or did not.
+holds() { grep -qE -- "$2" <<<"$1"; }
+lacks() { ! holds "$@"; }
+
+expect "relocations that are read-only afterwards" holds "$segments" '^ *GNU_RELRO '
+expect "symbols bound at start" holds "$dynamic" '\(FLAGS\).*BIND_NOW'
+expect "a text without relocations" lacks "$dynamic" 'TEXTREL'
+expect "a stack's segment" holds "$segments" '^ *GNU_STACK '
+expect "a stack that can't be executed" lacks "$segments" '^ *GNU_STACK .* RWE '
+expect "no segment both writable and executable" lacks "$segments" '^ *LOAD .* RWE '
+expect "guarded stack frames" holds "$imports" ' __stack_chk_fail$'
+if [ "$configuration" != Debug ]; then
+    expect "copies with their bounds checked" holds "$imports" ' __[a-z]+_chk$'
+fi
+[ $missing = 0 ] && echo "hardened"
