@@ -1,0 +1,72 @@
+// The tool's document: a file that is read and written is the same, and a value that is changed
+// reads back the same, with every byte of the other lines as it was.
+//
+// Input: which entry (a byte), a new value, a NUL, the file.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "fuzz/Check.h"
+#include "tools/orva-strings/StringsDocument.h"
+
+namespace {
+
+std::vector<StringsDocument::Entry> Entries(const StringsDocument& document) {
+    std::vector<StringsDocument::Entry> entries;
+    for (const StringsDocument::Section& section : document.Sections()) {
+        entries.insert(entries.end(), section.entries.begin(), section.entries.end());
+    }
+    return entries;
+}
+
+// The place of a line's first byte.
+std::size_t StartOf(const std::string& bytes, std::size_t line) {
+    std::size_t start = 0;
+    for (; line > 0; --line) {
+        start = bytes.find('\n', start) + 1;
+    }
+    return start;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) {
+        return 0;
+    }
+    const std::string input(reinterpret_cast<const char*>(data + 1), size - 1);
+    const std::size_t end = std::min(input.find('\0'), input.size());
+    const std::string value = input.substr(0, end);
+    const std::string file = end < input.size() ? input.substr(end + 1) : "";
+
+    StringsDocument document(file);
+    Check(document.Bytes() == file, "a file comes out as it went in");
+    const std::vector<StringsDocument::Entry> before = Entries(document);
+    if (before.empty()) {
+        return 0;
+    }
+    const std::size_t chosen = data[0] % before.size();
+    const std::size_t line = before[chosen].line;
+    const bool isSet = document.SetValue(line, value);
+    const std::string changed = document.Bytes();
+    if (!isSet) {
+        Check(changed == file, "a value that can't be written changes nothing");
+        return 0;
+    }
+
+    const std::size_t start = StartOf(file, line);
+    const std::string rest = file.substr(std::min(file.find('\n', start), file.size()));
+    Check(changed.compare(0, start, file, 0, start) == 0, "the lines before");
+    Check(changed.size() >= start + rest.size() &&
+              changed.compare(changed.size() - rest.size(), rest.size(), rest) == 0,
+          "the lines behind");
+    const std::vector<StringsDocument::Entry> after = Entries(StringsDocument(changed));
+    Check(after.size() == before.size(), "the number of entries");
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        Check(after[i].line == before[i].line && after[i].key == before[i].key, "the keys");
+        Check(after[i].value == (i == chosen ? value : before[i].value), "the values");
+    }
+    return 0;
+}

@@ -1,0 +1,44 @@
+// The five line functions: each answers as a plain reading does.
+//
+// Input: a name, a line feed, a file.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+
+#include <OrvaLanguage/KorString.h>
+
+#include "fuzz/Check.h"
+#include "fuzz/NaiveStrings.h"
+#include "tools/orva-strings/TemporaryBundle.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const TemporaryBundle bundle;
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t end = std::min(input.find('\n'), input.size());
+    const std::string name = input.substr(0, end).c_str();  // up to a NUL
+    const std::string file = end < input.size() ? input.substr(end + 1) : "";
+
+    bundle.Write("x", file);
+    std::ifstream stream(bundle.Resources() / "x");
+    std::string line;
+    for (const std::string& expected : naive::Lines(file)) {
+        Check(KorString::GetLine(stream, line) && line == expected, "GetLine");
+        Check(KorString::SearchLanguageKey(line, name.c_str()) ==
+                  naive::IsHeader(line, "QVLANG=", name),
+              "SearchLanguageKey");
+        Check(KorString::SearchRegionKey(line, name.c_str()) ==
+                  naive::IsHeader(line, "QVREGION=", name),
+              "SearchRegionKey");
+        Check(KorString::ConvertNewLine(&line) == naive::Expanded(line), "ConvertNewLine");
+        std::string key = "untouched";
+        std::string value = "untouched";
+        const bool isElement = KorString::GetLocalizedElement(line, &key, &value);
+        const auto element = naive::Element(line);
+        Check(isElement == element.has_value(), "GetLocalizedElement");
+        Check(key == (element ? element->first : "untouched"), "the key");
+        Check(value == (element ? element->second : "untouched"), "the value");
+    }
+    Check(!KorString::GetLine(stream, line), "the end of the file");
+    return 0;
+}

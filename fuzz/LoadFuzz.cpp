@@ -1,0 +1,42 @@
+// A load of any file in any language: the table is the one that a plain reading makes.
+//
+// Input: the language, a line feed, the file.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include <OrvaLanguage/KorString.h>
+#include <OrvaLanguage/OrvaLanguage.h>
+
+#include "fuzz/Check.h"
+#include "fuzz/NaiveStrings.h"
+#include "tools/orva-strings/TemporaryBundle.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const TemporaryBundle bundle;
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t end = std::min(input.find('\n'), input.size());
+    const std::string language = input.substr(0, end).c_str();  // up to a NUL
+    const std::string file = end < input.size() ? input.substr(end + 1) : "";
+
+    bundle.Write("x", file);
+    const int count = ZuLoadStrings(language.c_str(), "x", bundle.Get());
+
+    const auto expected = naive::Table(file, language);
+    const StringMap& table = KorString::gMapLocalizedStrings;
+    Check(count == static_cast<int>(expected.size()), "the number of entries");
+    Check(table.Size() == expected.size(), "the size of the table");
+    auto entry = expected.begin();
+    for (const StringMap::Entry* const found : table.Ordered()) {
+        Check(found->Key() == entry->first && found->Value() == entry->second, "the entries");
+        const bool isPlain = entry->first.find('\0') == std::string::npos;
+        Check(!isPlain || table.Find(entry->first)->Value().data() ==
+                              KorGetLocalizedString(entry->first.c_str()),
+              "the look-up");
+        ++entry;
+    }
+    for (const auto& [key, value] : expected) {
+        ZuGetLocalizedString(key.c_str());  // protected ones too: hardly any decodes
+    }
+    return 0;
+}

@@ -1,0 +1,54 @@
+// The tool's commands: what is protected reveals to the same texts, under another key too.
+//
+// Input: the file.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "fuzz/Check.h"
+#include "tools/orva-strings/Commands.h"
+#include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/ProtectedText.h"
+
+namespace {
+
+std::vector<std::string> Texts(const StringsDocument& document) {
+    std::vector<std::string> texts;
+    for (const StringsDocument::Section& section : document.Sections()) {
+        for (const StringsDocument::Entry& entry : section.entries) {
+            texts.push_back(entry.key + '=' + entry.value);
+        }
+    }
+    return texts;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const ProtectionKeys keys = Key::BuiltIn().Derive();
+    static const ProtectionKeys otherKeys = Key::Random().Derive();
+    const std::string file(reinterpret_cast<const char*>(data), size);
+
+    StringsDocument document(file);
+    // By force, so that a value which looks stored is taken for a text.
+    if (!Protect(document, keys, true).empty()) {
+        return 0;
+    }
+    for (const StringsDocument::Section& section : document.Sections()) {
+        for (const StringsDocument::Entry& entry : section.entries) {
+            Check(!IsProtectedKey(entry.key.c_str()) || DecodeProtectedText(keys, entry.value),
+                  "every protected value is stored");
+        }
+    }
+    const std::string protectedBytes = document.Bytes();
+    Check(Protect(document, keys, false).empty() && document.Bytes() == protectedBytes,
+          "protected ones stay");
+    Check(Rekey(document, keys, otherKeys).empty() && Rekey(document, otherKeys, keys).empty() &&
+              document.Bytes() == protectedBytes,
+          "there and back again is the same");
+    Check(Rekey(document, keys, otherKeys).empty() && Reveal(document, otherKeys).empty(),
+          "what was protected can be revealed");
+    Check(Texts(document) == Texts(StringsDocument(file)), "the texts are the same");
+    return 0;
+}
