@@ -17,7 +17,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 // Whether an entry of this key, not null, is protected.
 inline bool IsProtectedKey(const char* key) {

@@ -21,16 +21,17 @@ std::size_t BufferSize(std::int32_t length) {
     return length < 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(length);
 }
 
-// The text of a protected entry, whose key and stored text these are, or null.
-const char* GetDecodedString(const char* key, const char* stored) {
-    const auto length = static_cast<std::int32_t>(std::strlen(stored));
-    std::int32_t status = 0;
-    std::int32_t outputLength = 0;
+// The text of a protected entry, whose key and stored text these are, or null. Not inline, so that
+// a plain look-up does not save the registers that this takes.
+[[gnu::noinline]] const char* GetDecodedString(const char* key, const char* stored) {
     // The stored text is not looked at any more once a key has been decoded: what a host was given
     // first stays, over reloads too.
     if (const StringMap::Entry* const cached = gMapDecodedStrings.Find(key)) {
         return cached->Value().data();
     }
+    const auto length = static_cast<std::int32_t>(std::strlen(stored));
+    std::int32_t status = 0;
+    std::int32_t outputLength = 0;
     DecodeProtectedString(&status, length, stored, &outputLength, nullptr);
     if (status != 0) {
         return nullptr;

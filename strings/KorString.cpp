@@ -1,5 +1,4 @@
 #include <cstring>
-#include <utility>
 
 #include <OrvaLanguage/KorString.h>
 
@@ -61,13 +60,10 @@ bool KorString::SearchRegionKey(std::string line, const char* region) {
 
 std::string KorString::ConvertNewLine(const std::string* text) {
     // One pass from left to right: replacing in place would move the rest of the text each time.
-    std::size_t found = text->find(kEscape);
-    if (found == std::string::npos) {
-        return *text;
-    }
     std::string converted;
     std::size_t from = 0;
-    for (; found != std::string::npos; found = text->find(kEscape, from)) {
+    for (std::size_t found = text->find(kEscape); found != std::string::npos;
+         found = text->find(kEscape, from)) {
         converted.append(*text, from, found - from);
         converted += '\n';
         from = found + kEscapeLength;
@@ -84,15 +80,13 @@ bool KorString::GetLocalizedElement(std::string line, std::string* key, std::str
         return false;
     }
     *key = line.substr(0, equals);
-    // What is left of the line, a copy of the caller's, is cut down to the value.
-    line.erase(0, equals + 1);
-    const std::size_t first = line.find('"');
+    const std::size_t first = line.find('"', equals + 1);
     if (first == std::string::npos) {
-        *value = std::move(line);
+        *value = line.substr(equals + 1);
         return true;
     }
-    // One quote alone is the first: a value whose closing quote was forgotten is read to the end of
-    // its line.
+    // What lies between the quotes is what is left of the line, a copy of the caller's. One quote
+    // alone is the first: a value whose closing quote was forgotten is read to the end of its line.
     const std::size_t last = line.rfind('"');
     if (last != first) {
         line.erase(last);

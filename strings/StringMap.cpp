@@ -8,7 +8,8 @@
 namespace {
 
 constexpr std::size_t kFirstSlots = 64;
-// Each block is twice the one before, so that a small map takes little and a large one few.
+// The blocks grow from one size to the other, each to twice the one before: a small map takes little
+// memory, and a large one few blocks.
 constexpr std::size_t kFirstBlock = std::size_t{4} * 1024;
 constexpr std::size_t kLargestBlock = std::size_t{256} * 1024;
 
@@ -56,18 +57,22 @@ void StringMap::Grow() {
 
 void* StringMap::Memory::Take(std::size_t size) {
     const std::size_t aligned = (size + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry);
+    if (aligned > kLargestBlock / 4) {
+        return AddBlock(aligned);  // of its own: what is free in the last one stays so
+    }
     if (aligned > m_nFree) {
         const std::size_t next = std::clamp(2 * m_nLastBlock, kFirstBlock, kLargestBlock);
-        const std::size_t blockSize = std::max(aligned, next);
-        std::unique_ptr<char[]> block(new char[blockSize]);
-        char* const start = block.get();
-        m_blocks.push_back(std::move(block));
-        m_pFree = start;
-        m_nFree = blockSize;
-        m_nLastBlock = blockSize;
+        m_pFree = AddBlock(std::max(aligned, next));
+        m_nFree = m_nLastBlock = std::max(aligned, next);
     }
     m_nFree -= aligned;
     return std::exchange(m_pFree, m_pFree + aligned);
+}
+
+char* StringMap::Memory::AddBlock(std::size_t size) {
+    std::unique_ptr<char[]> block(new char[size]);
+    m_blocks.push_back(std::move(block));
+    return m_blocks.back().get();
 }
 
 StringMap::Index::Index(std::size_t slots) : m_slots(new Slot[slots]()), m_nSlots(slots) {}

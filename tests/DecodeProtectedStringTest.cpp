@@ -219,6 +219,33 @@ TEST(DecodeProtectedString, RejectsEveryChangedDigit) {
     EXPECT_GT(tried, 50'000);
 }
 
+// Where "%x" stops at a bad byte, seven digits read as eight that begin with 0.
+TEST(DecodeProtectedString, RejectsEveryOtherSpellingOfAGroup) {
+    const Bytes key = DevelopmentKey();
+    int tried = 0;
+    for (int text = 0; text < 20; ++text) {
+        const std::string good = Stored(std::to_string(text), key);
+        for (std::size_t group = 0; group < good.size(); group += 8) {
+            if (good[group] != '0') {
+                continue;
+            }
+            for (int byte = 0; byte < 256; ++byte) {
+                for (const bool isBehind : {true, false}) {
+                    std::string other = good;
+                    other.erase(group, 1);
+                    other.insert(isBehind ? group + 7 : group, 1, static_cast<char>(byte));
+                    if (other == good) {
+                        continue;
+                    }
+                    ASSERT_NE(SizingStatus(other), 0) << "byte " << byte << " in " << other;
+                    ++tried;
+                }
+            }
+        }
+    }
+    EXPECT_GT(tried, 1000);
+}
+
 TEST(DecodeProtectedString, DoesNothingWithoutAStatus) {
     const std::string good = Stored("text", DevelopmentKey());
     std::int32_t outputLength = kUntouched;

@@ -94,6 +94,7 @@ const KeyCase kKeyCases[] = {
     {"QVLANG=en", "en", true},
     {"QVLANG=en", "EN", true},
     {"QVLANG=EN", "en", true},
+    {"QVLANG=abcdefghijklmnopqrstuvwxyz", "ABCDEFGHIJKLMNOPQRSTUVWXYZ", true},
     {"QVLANG=en", "", true},
     {"QVLANG=en", "fr", false},
     {"QVLANG=en", "e", false},

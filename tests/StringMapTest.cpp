@@ -4,10 +4,13 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <OrvaLanguage/StringMap.h>
 #include <gtest/gtest.h>
+
+#include "tests/support/KeysOfOneHash.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 
@@ -147,31 +150,65 @@ TEST(StringMap, HashesKeysApart) {
 }
 
 TEST(StringMap, StaysFastWithKeysOfOneHash) {
-    // With this in front, what follows is multiplied by zero.
-    const std::uint64_t zeroing = 0x9E3779B97F4A7C15;
-    const std::string front(reinterpret_cast<const char*>(&zeroing), sizeof zeroing);
-    std::vector<std::string> keys;
-    for (std::uint64_t i = 0; i < 1U << 16U; ++i) {
-        keys.push_back(front + std::string(reinterpret_cast<const char*>(&i), sizeof i));
-        ASSERT_EQ(StringMap::Hash(keys.back()), StringMap::Hash(front + front));
-    }
-
-    // Quadratic time would be half a minute, and minutes in a build that checks memory.
+    // So many that quadratic time would be minutes, and run into the test's limit.
+    std::vector<std::string> keys = KeysOfOneHash(1 << 18);
     StringMap map;
     for (const std::string& key : keys) {
-        ASSERT_TRUE(map.Insert(key, key.substr(8)));
+        ASSERT_TRUE(map.Insert(key, key.substr(8, 8)));
         ASSERT_FALSE(map.Insert(key, ""));
     }
     EXPECT_EQ(map.Size(), keys.size());
     for (const std::string& key : keys) {
         ASSERT_NE(map.Find(key), nullptr);
-        ASSERT_EQ(map.Find(key)->Value(), key.substr(8));
+        ASSERT_EQ(map.Find(key)->Value(), key.substr(8, 8));
     }
     std::sort(keys.begin(), keys.end());
     EXPECT_EQ(Keys(map), keys);
     EXPECT_EQ(map.Find(keys.front() + "x"), nullptr);
     map.Clear();
     EXPECT_EQ(map.Find(keys.back()), nullptr);
+}
+
+// Their hashes differ, but send them to the same slots: the last ones of the index, round to the
+// first, and on to the ordered map.
+TEST(StringMap, HoldsKeysThatCrowdAtTheEndOfTheIndex) {
+    std::vector<std::string> keys;
+    for (std::uint64_t i = 0; keys.size() < 200; ++i) {
+        std::string key = "key " + std::to_string(i);
+        if (StringMap::Hash(key) % 0x400 >= 0x3FC) {
+            keys.push_back(std::move(key));
+        }
+    }
+    StringMap map;
+    for (const std::string& key : keys) {
+        ASSERT_TRUE(map.Insert(key, key));
+    }
+    // And through a growth.
+    for (int i = 0; i < 5000; ++i) {
+        ASSERT_TRUE(map.Insert("other " + std::to_string(i), "x"));
+        for (std::size_t k = 0; i % 100 == 0 && k < keys.size(); ++k) {
+            ASSERT_NE(map.Find(keys[k]), nullptr) << k << " after " << i;
+            ASSERT_EQ(map.Find(keys[k])->Value(), keys[k]);
+        }
+    }
+}
+
+TEST(StringMap, HoldsLargeTextsAmongSmallOnes) {
+    StringMap map;
+    std::map<std::string, std::string> model;
+    for (const unsigned size :
+         {1U, 4000U, 65'000U, 66'000U, 3U, 262'000U, 263'000U, 5U, 1'000'000U}) {
+        for (int i = 0; i < 5; ++i) {
+            const std::string key = std::to_string(size) + ' ' + std::to_string(i);
+            const std::string value(size, static_cast<char>('a' + i));
+            ASSERT_TRUE(map.Insert(key, value));
+            model.emplace(key, value);
+        }
+    }
+    for (const auto& [key, value] : model) {
+        ASSERT_NE(map.Find(key), nullptr) << key;
+        EXPECT_EQ(map.Find(key)->Value(), value) << key;
+    }
 }
 
 TEST(StringMap, IsReadByManyThreadsAtOnce) {

@@ -56,26 +56,28 @@ public:
         return entries;
     }
 
-    // What follows is for the library alone: none of it is exported, so a host can neither change a
-    // map nor make one of its own.
+    // What follows is for the library alone: a host can't change a map or make one of its own, as
+    // none of that is exported. It must be built with the standard library that this one was built
+    // with, whose types are among the members.
 
     StringMap() noexcept = default;
     ~StringMap();
 
     // Adds an entry with copies of both texts. Returns false, and changes nothing, if the key is
-    // there already. Throws std::bad_alloc if memory runs out, and then the entries are as before.
+    // there already. Throws std::bad_alloc if memory runs out; then the entries are as before, though
+    // what was got of it may be kept for the next one.
     bool Insert(std::string_view key, std::string_view value);
 
     // Removes every entry and gives its memory back.
     void Clear() noexcept;
 
-    // A number whose every bit depends on every byte of the key. Sixteen bytes at a time, the last
-    // ones together with some of those before: then keys of 17 to 32 bytes, as most are, take the
-    // same way through it, which the processor learns. std::hash goes by each byte of the rest, a
-    // way that it guesses wrong at most look-ups, and is not the same in every standard library that
-    // a host may be built with.
+    // Sixteen bytes at a time, the last ones together with some of those before: then keys of 17 to
+    // 32 bytes, as most are, take the same way through it, which the processor learns. std::hash goes
+    // by each byte of the rest, a way that is guessed wrong at most look-ups. Who knows the numbers
+    // can make keys that all have one hash; Index copes.
     static std::size_t Hash(std::string_view key) noexcept {
-        constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15;  // odd, about half of their bits set
+        // Any that are odd and have about half of their bits set.
+        constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15;
         constexpr std::uint64_t kSecond = 0xD1B54A32D192ED03;
         const char* text = key.data();
         const char* const end = text + key.size();
@@ -100,13 +102,13 @@ public:
                 front = front << 8U | static_cast<unsigned char>(*text);
             }
         }
-        return Fold(Fold(front ^ kFirst, back ^ hash), kSecond);
+        return Fold(front ^ kFirst, back ^ hash);
     }
 
 private:
     // Built for the look-up, which is most of what is ever done with a map: one hash leads to the
-    // entry, whose texts lie side by side. The order of the keys is made when somebody
-    // walks them. A tree would keep it at all times, at some fifteen comparisons a look-up.
+    // entry, whose texts lie side by side. The order of the keys is made when somebody walks them. A
+    // tree would keep it at all times, at some fifteen comparisons a look-up.
     class Index {
     public:
         Index() noexcept = default;
@@ -170,9 +172,11 @@ private:
         void* Take(std::size_t size);
 
     private:
+        char* AddBlock(std::size_t size);
+
         std::vector<std::unique_ptr<char[]>> m_blocks;
-        std::size_t m_nLastBlock = 0;
-        char* m_pFree = nullptr;  // in the last block, with so many bytes behind it
+        std::size_t m_nLastBlock = 0;  // the size of the last that is shared
+        char* m_pFree = nullptr;       // in the last of those, with so many bytes behind it
         std::size_t m_nFree = 0;
     };
 
@@ -183,8 +187,9 @@ private:
         return value;
     }
 
-    // The two halves of the product, so that every bit of either factor tells on all of the result.
+    // Both halves of the product together, so that no bit of a factor is lost to the result.
     static std::uint64_t Fold(std::uint64_t a, std::uint64_t b) noexcept {
+        static_assert(sizeof(std::size_t) == 8, "the library is for 64-bit systems");
         __extension__ using Product = unsigned __int128;
         const Product product = static_cast<Product>(a) * b;
         return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
