@@ -1,9 +1,10 @@
 #ifndef ORVALANGUAGE_BENCH_CORPUS_H
 #define ORVALANGUAGE_BENCH_CORPUS_H
 
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,15 +18,15 @@ public:
             m_keys.push_back(key);
         }
         if (m_keys.empty()) {
-            throw std::runtime_error("no corpus in " + m_folder);
+            std::fprintf(stderr, "%s: no corpus\n", m_folder.c_str());
+            std::exit(1);
         }
     }
 
     const std::string& Folder() const { return m_folder; }
     std::string File(const char* name) const { return m_folder + '/' + name; }
 
-    // The folder's own name. A gettext domain has it too, since gettext keeps what it found for one
-    // when its folder changes, and grows slower with each.
+    // The folder's own name; that of the gettext catalog in it too.
     std::string Size() const { return m_folder.substr(m_folder.rfind('/') + 1); }
 
     // The section of the strings file, and what the other formats hold.

@@ -1,15 +1,15 @@
 // A load: this library's, and that of what a host would use instead; then what it costs to pass over
 // the sections before the one that is wanted, and how a load's time grows with the table.
 //
-// Usage: load_bench FOLDER [OPTION…]    FOLDER: what make_corpora.py wrote; options are Google
-// Benchmark's.
+// Usage: load_bench CORPUS… [OPTION…]    CORPUS: a folder that make_corpora.py wrote; options are
+// Google Benchmark's.
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <iterator>
 
 #include <benchmark/benchmark.h>
 
+#include "bench/Check.h"
 #include "bench/Corpus.h"
 #include "bench/peers/GLib.h"
 #include "bench/peers/NlohmannJson.h"
@@ -35,6 +35,13 @@ template <typename Source>
 void Register(const Corpus& corpus) {
     const std::string name = std::string("Load/") + Source::kName + '/' + corpus.Size();
     benchmark::RegisterBenchmark(name.c_str(), Load<Source>, corpus);
+}
+
+template <typename... Sources>
+void RegisterEach(const Corpus& corpus) {
+    const StandardMap expected(corpus);
+    (Check<Sources>(corpus, expected), ...);
+    (Register<Sources>(corpus), ...);
 }
 
 constexpr int kSections = 10;
@@ -86,16 +93,12 @@ BENCHMARK(LoadGrowing)->RangeMultiplier(10)->Range(1000, 1'000'000);
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    if (argc != 2) {
-        std::fputs("Usage: load_bench FOLDER [OPTION…]\n", stderr);
+    if (argc < 2) {
+        std::fputs("Usage: load_bench CORPUS… [OPTION…]\n", stderr);
         return 2;
     }
-    for (const auto& folder : std::filesystem::directory_iterator(argv[1])) {
-        const Corpus corpus(folder.path());
-        Register<OrvaLanguage>(corpus);
-        Register<StandardMap>(corpus);
-        Register<GLib>(corpus);
-        Register<NlohmannJson>(corpus);
+    for (int i = 1; i < argc; ++i) {
+        RegisterEach<OrvaLanguage, StandardMap, GLib, NlohmannJson>(Corpus(argv[i]));
     }
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -1,12 +1,12 @@
 // A look-up of keys in random order: this library's, and that of what a host would use instead.
 //
-// Usage: look_up_bench FOLDER [OPTION…]    FOLDER: what make_corpora.py wrote, of which each corpus
-// is looked through; options are Google Benchmark's.
+// Usage: look_up_bench CORPUS [OPTION…]    CORPUS: a folder that make_corpora.py wrote, only one, as
+// gettext keeps all that it ever found in one tree; options are Google Benchmark's.
 #include <cstdio>
-#include <filesystem>
 
 #include <benchmark/benchmark.h>
 
+#include "bench/Check.h"
 #include "bench/Corpus.h"
 #include "bench/peers/BoostLocale.h"
 #include "bench/peers/GLib.h"
@@ -38,19 +38,6 @@ void LookUp(benchmark::State& state, const Corpus& corpus, bool isHit) {
     }
 }
 
-// Every source is to have the same texts, or the comparison is of nothing.
-template <typename Source>
-void Check(const Corpus& corpus, const StandardMap& expected) {
-    const Source source(corpus);
-    for (const std::string& key : corpus.Keys()) {
-        const auto text = source.LookUp(key.c_str());
-        if (!Source::IsFound(text, key.c_str()) ||
-            Source::Utf8(text) != expected.LookUp(key.c_str())) {
-            throw std::runtime_error(std::string(Source::kName) + " has another text of " + key);
-        }
-    }
-}
-
 template <typename Source>
 void Register(const Corpus& corpus) {
     for (const bool isHit : {true, false}) {
@@ -60,30 +47,22 @@ void Register(const Corpus& corpus) {
     }
 }
 
+template <typename... Sources>
+void RegisterEach(const Corpus& corpus) {
+    const StandardMap expected(corpus);
+    (Check<Sources>(corpus, expected), ...);
+    (Register<Sources>(corpus), ...);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (argc != 2) {
-        std::fputs("Usage: look_up_bench FOLDER [OPTION…]\n", stderr);
+        std::fputs("Usage: look_up_bench CORPUS [OPTION…]\n", stderr);
         return 2;
     }
-    for (const auto& folder : std::filesystem::directory_iterator(argv[1])) {
-        const Corpus corpus(folder.path());
-        const StandardMap expected(corpus);
-        Check<OrvaLanguage>(corpus, expected);
-        Check<Icu>(corpus, expected);
-        Check<BoostLocale>(corpus, expected);
-        Check<QtTranslator>(corpus, expected);
-        Check<GLib>(corpus, expected);
-        Check<Gettext>(corpus, expected);
-        Register<OrvaLanguage>(corpus);
-        Register<Icu>(corpus);
-        Register<BoostLocale>(corpus);
-        Register<QtTranslator>(corpus);
-        Register<GLib>(corpus);
-        Register<Gettext>(corpus);
-        Register<StandardMap>(corpus);
-    }
+    RegisterEach<OrvaLanguage, Icu, BoostLocale, QtTranslator, GLib, Gettext, StandardMap>(
+        Corpus(argv[1]));
     benchmark::RunSpecifiedBenchmarks();
 }

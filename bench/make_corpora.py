@@ -6,11 +6,13 @@ Usage: make_corpora.py FOLDER SIZE…    SIZE: a number of generated entries, or
 "installed" are the translations of the packages on this machine: every message catalog (.mo) of
 every language, in one strings file; the language with most entries is the one that is looked up.
 
-A corpus is a folder of FOLDER, named by its size. It holds
+A corpus is a folder of FOLDER, named by its size; one that is newer than this script is kept, since
+ICU's compiler takes minutes for 100,000 entries. It holds
 
     texts.strings       for the library
     language            its section, and the language that the others are made of
     keys.txt            its keys, in the order of the file
+    note                of the installed ones: what they are
     texts.ini .json .qm LANGUAGE.res LANGUAGE/LC_MESSAGES/SIZE.mo
 """
 
@@ -19,11 +21,14 @@ import json
 import pathlib
 import random
 import re
+import shutil
+import struct
 import subprocess
 import sys
 from xml.sax.saxutils import escape
 
 LANGUAGE = "de"
+CATALOGS = (pathlib.Path("/usr/share/locale"), pathlib.Path("/usr/share/locale-langpack"))
 
 # A key that every format can carry: ICU's have these characters alone, a GKeyFile's no blank at
 # either end, and "=" ends the library's.
@@ -70,14 +75,14 @@ def installed_entries():
     """The entries of each language, and how many there were that not every format can carry."""
     sections = {}
     unsuitable = 0
-    for path in sorted(pathlib.Path("/usr/share/locale").glob("*/LC_MESSAGES/*.mo")):
-        with path.open("rb") as file:
-            try:
+    for path in sorted(path for folder in CATALOGS for path in folder.glob("*/LC_MESSAGES/*.mo")):
+        try:
+            with path.open("rb") as file:
                 catalog = gettext.GNUTranslations(file)._catalog  # the only way to all of them
-            except (OSError, UnicodeDecodeError, LookupError):
-                print(f"make_corpora.py: passed over, not readable: {path}", file=sys.stderr)
-                continue
-        section = sections.setdefault(path.parts[4], {})
+        except (OSError, ValueError, LookupError, struct.error):
+            print(f"make_corpora.py: passed over, not readable: {path}", file=sys.stderr)
+            continue
+        section = sections.setdefault(path.parts[-3], {})
         for key, text in catalog.items():
             if key == "":
                 continue  # the catalog's own header
@@ -110,7 +115,7 @@ def run(*command):
     subprocess.run([str(part) for part in command], check=True, stdout=subprocess.DEVNULL)
 
 
-def write_peers(folder, language, entries):
+def write_peers(folder, size, language, entries):
     """The formats of the others; those that are compiled by their own tools."""
     items = entries.items()
     (folder / "texts.ini").write_text(
@@ -123,7 +128,7 @@ def write_peers(folder, language, entries):
     header = 'msgid ""\nmsgstr "Content-Type: text/plain; charset=UTF-8\\n"\n'
     source.write_text(header + "".join(
         f"msgid {quoted(key)}\nmsgstr {quoted(text)}\n" for key, text in items))
-    run("msgfmt", "-o", messages / f"{folder.name}.mo", source)
+    run("msgfmt", "-o", messages / f"{size}.mo", source)
 
     source = folder / f"{language}.txt"
     source.write_text(f"{language} {{\n" + "".join(
@@ -141,35 +146,42 @@ def write_peers(folder, language, entries):
 
 
 def write_corpus(folder, sections, language):
-    folder.mkdir(parents=True, exist_ok=True)
-    (folder / "texts.strings").write_text(
+    # Under another name first: what has this one is whole.
+    unfinished = folder.with_suffix(".new")
+    shutil.rmtree(unfinished, ignore_errors=True)
+    unfinished.mkdir(parents=True)
+    (unfinished / "texts.strings").write_text(
         "".join(strings_section(name, entries) for name, entries in sections.items()))
-    (folder / "language").write_text(language)
-    (folder / "keys.txt").write_text("".join(f"{key}\n" for key in sections[language]))
-    write_peers(folder, language, sections[language])
+    (unfinished / "language").write_text(language)
+    (unfinished / "keys.txt").write_text("".join(f"{key}\n" for key in sections[language]))
+    write_peers(unfinished, folder.name, language, sections[language])
+    shutil.rmtree(folder, ignore_errors=True)
+    unfinished.rename(folder)
 
 
 def main():
-    if len(sys.argv) < 3:
+    if len(sys.argv) < 3 or not all(re.fullmatch(r"[1-9]\d*|installed", size) for size in sys.argv[2:]):
         sys.exit(__doc__)
     root = pathlib.Path(sys.argv[1])
     for size in sys.argv[2:]:
+        folder = root / size
+        if folder.exists() and folder.stat().st_mtime > pathlib.Path(__file__).stat().st_mtime:
+            continue
+        print(f"{size} entries", flush=True)
         if size != "installed":
-            # Made once: ICU's compiler takes minutes for 100,000 entries.
-            made = root / size / "texts.qm"
-            if made.exists() and made.stat().st_mtime > pathlib.Path(__file__).stat().st_mtime:
-                continue
-            write_corpus(root / size, {LANGUAGE: generated_entries(int(size))}, LANGUAGE)
+            write_corpus(folder, {LANGUAGE: generated_entries(int(size))}, LANGUAGE)
             continue
         sections, unsuitable = installed_entries()
         if not sections:
-            sys.exit("make_corpora.py: no message catalogs in /usr/share/locale")
+            print("none: the machine has no message catalogs")
+            continue
         language = max(sections, key=lambda name: len(sections[name]))
-        write_corpus(root / size, sections, language)
+        write_corpus(folder, sections, language)
         total = sum(len(entries) for entries in sections.values())
-        print(f"Installed catalogs: {len(sections)} languages, {total} entries "
-              f"({unsuitable} more are not for every format); {language} has most, "
-              f"{len(sections[language])}")
+        note = (f"{total:,} entries of {len(sections)} languages; {unsuitable:,} more, which not every "
+                f"format can carry, are left out")
+        (folder / "note").write_text(note)
+        print(note)
 
 
 if __name__ == "__main__":

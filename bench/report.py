@@ -1,11 +1,15 @@
 #!/usr/bin/python3
 """Turns the results of a run into one table of goals: ours, the peer's, the ratio, met or not.
 
-Usage: report.py RESULTS [DOCUMENT]
+Usage: report.py RESULTS DOCUMENT NOTE
+       report.py RESULTS
 
-RESULTS is a folder of Google Benchmark's JSON. The table is printed; with DOCUMENT, a Markdown file,
-it is written there too, with every figure, and a plot beside it (.svg). Every figure is the median
-of its repetitions; what a run has not measured is left out.
+RESULTS is a folder of Google Benchmark's JSON. The table is printed, and written to DOCUMENT, a
+Markdown file, with every figure and a plot beside it (.svg); every benchmark must be among the
+results then. NOTE is a file that says what the installed entries are. Without a document, the
+figures that are there are printed, and no goals: a short run shows that the benchmarks run, no more.
+
+Times are the processor's and the medians of their repetitions.
 """
 
 import json
@@ -22,8 +26,7 @@ LOAD_PEERS = ("GLib", "nlohmann-json")
 SIZES = ("100", "1000", "10000", "100000", "installed")
 PACKAGES = ("g++", "libc6", "libicu-dev", "libboost-locale-dev", "qt6-base-dev", "libglib2.0-dev",
             "nlohmann-json3-dev")
-
-MICROSECOND, MILLISECOND = 1e3, 1e6  # in nanoseconds
+MEMORY = ("Heap/", "Resident/")  # what is measured once
 
 
 class Results:
@@ -31,109 +34,125 @@ class Results:
 
     def __init__(self, folder):
         samples, self.counters = {}, {}
-        self.repetitions = math.inf
         for path in sorted(folder.glob("*.json")):
             document = json.loads(path.read_text())
             self.context = document["context"]
             for run in document["benchmarks"]:
                 if run["run_type"] != "iteration":
                     continue
-                name = re.sub(r"/(iterations|repeats):\d+|/real_time", "", run["run_name"])
+                name = re.sub(r"/(iterations|repeats):\d+|/manual_time", "", run["run_name"])
                 if run.get("error_occurred"):
                     sys.exit(f"report.py: {name}: {run['error_message']}")
-                samples.setdefault(name, []).append(run["real_time"])
+                # What was set by hand stands as the real time: the processor's, of another process.
+                is_manual = "/manual_time" in run["run_name"]
+                samples.setdefault(name, []).append(run["real_time" if is_manual else "cpu_time"])
                 self.counters[name] = run
+        if not samples:
+            sys.exit(f"report.py: no results in {folder}")
         self.times = {name: statistics.median(times) for name, times in samples.items()}
-        self.repetitions = min(len(times) for times in samples.values())
+        self.repetitions = min(
+            len(times) for name, times in samples.items() if not name.startswith(MEMORY))
 
     def time(self, name):
-        """Nanoseconds, or None."""
-        return self.times.get(name)
+        """Nanoseconds."""
+        return self.times[name]
 
     def counter(self, name, counter):
-        return self.counters[name][counter] if name in self.counters else None
+        return self.counters[name][counter]
 
 
-def goals(results):
-    """The rows of the table: what, ours, the other's, the figure that counts, the goal, met or not.
-    The goals are of libraries side by side; where a row has no goal, it is for information."""
-    rows = []
+class Goal:
+    """A row of the table: two figures, how they are compared, and what that should come to."""
 
-    def row(what, unit, ours, theirs, compare, goal, is_met, other=""):
-        if ours is None or theirs is None:
-            return
+    def __init__(self, what, unit, ours, theirs, compare, relation, limit, other=""):
+        self.what, self.relation, self.limit = what, relation, limit
         scale, name = unit
-        figure = compare(ours, theirs)
-        rows.append((what, f"{ours / scale:.3g} {name}", f"{theirs / scale:.3g} {name} {other}".rstrip(),
-                     f"{figure:.2f}", goal, "yes" if is_met(figure) else "NO"))
+        self.ours = f"{ours / scale:.3g} {name}"
+        self.theirs = f"{theirs / scale:.3g} {name} {other}".rstrip()
+        self.figure = compare(ours, theirs)
 
-    nanoseconds, milliseconds, mebibytes = (1, "ns"), (MILLISECOND, "ms"), (1 << 20, "MiB")
-    microseconds = (MICROSECOND, "µs")
-    ratio = lambda ours, theirs: ours / theirs
-    speed_up = lambda ours, theirs: theirs / ours
+    def is_met(self):
+        return {"<": self.figure < self.limit, "≤": self.figure <= self.limit,
+                "≥": self.figure >= self.limit}[self.relation]
 
+    def cells(self):
+        return (self.what, self.ours, self.theirs, f"{self.figure:.2f}",
+                f"{self.relation} {self.limit:g}", "yes" if self.is_met() else "NO")
+
+
+NANOSECONDS, MICROSECONDS, MILLISECONDS = (1, "ns"), (1e3, "µs"), (1e6, "ms")
+MEBIBYTES = (1 << 20, "MiB")
+
+
+def share(ours, theirs):
+    return ours / theirs
+
+
+def speed_up(ours, theirs):
+    return theirs / ours
+
+
+def milliseconds_more(ours, theirs):
+    return (ours - theirs) / MILLISECONDS[0]
+
+
+def mebibytes_more(ours, theirs):
+    return (ours - theirs) / MEBIBYTES[0]
+
+
+def goals(results, sizes):
+    """Every goal, in the order of the table."""
+    time, counter = results.time, results.counter
     for kind in ("hit", "miss"):
-        for size in SIZES:
-            peers = {peer: results.time(f"LookUp/{kind}/{peer}/{size}") for peer in LOOK_UP_PEERS}
-            if None in peers.values():
-                continue
+        for size in sizes:
+            peers = {peer: time(f"LookUp/{kind}/{peer}/{size}") for peer in LOOK_UP_PEERS}
             fastest = min(peers, key=peers.get)
-            row(f"Look-up, {kind}, {entries_of(results, size)} entries: times as fast", nanoseconds,
-                results.time(f"LookUp/{kind}/{OURS}/{size}"), peers[fastest], speed_up,
-                "≥ 3", lambda figure: figure >= 3, fastest)
-    row("Look-up, protected and cached, to a plain one", nanoseconds, results.time("LookUp/Cached"),
-        results.time("LookUp/Plain"), ratio, "≤ 2.5", lambda figure: figure <= 2.5)
-    row("Look-up, 100,000 entries to 1,000", nanoseconds, results.time(f"LookUp/hit/{OURS}/100000"),
-        results.time(f"LookUp/hit/{OURS}/1000"), ratio, "< 8", lambda figure: figure < 8)
-    row("First look-up of a protected text, to its floor", microseconds, results.time("LookUp/First"),
-        results.time("LookUp/FirstFloor"), ratio, "≤ 1.5", lambda figure: figure <= 1.5)
+            yield Goal(f"Look-up, {kind}, {entries_of(results, size)} entries: times as fast",
+                       NANOSECONDS, time(f"LookUp/{kind}/{OURS}/{size}"), peers[fastest], speed_up,
+                       "≥", 3, fastest)
+    yield Goal("Look-up, protected and cached, to a plain one", NANOSECONDS, time("LookUp/Cached"),
+               time("LookUp/Plain"), share, "≤", 2.5)
+    yield Goal("Look-up, 100,000 entries to 1,000", NANOSECONDS, time(f"LookUp/hit/{OURS}/100000"),
+               time(f"LookUp/hit/{OURS}/1000"), share, "<", 8)
+    yield Goal("First look-up of a protected text, to its floor", MICROSECONDS,
+               time("LookUp/First"), time("LookUp/FirstFloor"), share, "≤", 1.5)
 
     for size in ("1000", "10000"):
         for peer in LOAD_PEERS:
-            row(f"Load, {int(size):,} entries", milliseconds, results.time(f"Load/{OURS}/{size}"),
-                results.time(f"Load/{peer}/{size}"), ratio, "< 1", lambda figure: figure < 1, peer)
-    first, last = results.time("LoadSection/10000/0"), results.time("LoadSection/10000/9")
-    if first and last:
-        skipped = results.counter("LoadSection/10000/9", "skipped")
-        speed = skipped / (last - first)  # bytes a nanosecond: GB/s
-        rows.append(("Load, last of ten sections: GB/s over those before",
-                     f"{last / MILLISECOND:.3g} ms", f"{first / MILLISECOND:.3g} ms the first",
-                     f"{speed:.2f}", "≥ 0.6", "yes" if speed >= 0.6 else "NO"))
+            yield Goal(f"Load, {int(size):,} entries", MILLISECONDS, time(f"Load/{OURS}/{size}"),
+                       time(f"Load/{peer}/{size}"), share, "<", 1, peer)
+    skipped = counter("LoadSection/10000/9", "skipped")
+    yield Goal("Load, last of ten sections: GB/s over those before", MILLISECONDS,
+               time("LoadSection/10000/9"), time("LoadSection/10000/0"),
+               lambda last, first: skipped / (last - first), "≥", 0.6, "the first")
     for size in (10_000, 100_000, 1_000_000):
-        # How much more than n log n a load of so many entries takes, compared with one of 1,000.
         n_log_n = size * math.log(size) / (1000 * math.log(1000))
-        row(f"Load, {size:,} entries to 1,000, by n log n", milliseconds,
-            results.time(f"LoadGrowing/{size}"), results.time("LoadGrowing/1000"),
-            lambda ours, theirs, n=n_log_n: ours / theirs / n, "≤ 1", lambda figure: figure <= 1)
+        yield Goal(f"Load, {size:,} entries to 1,000, by n log n", MILLISECONDS,
+                   time(f"LoadGrowing/{size}"), time("LoadGrowing/1000"),
+                   lambda many, few, n=n_log_n: many / few / n, "≤", 1)
 
-    row("Memory of 10,000 entries", mebibytes, results.counter("Heap/host_orvalanguage", "bytes"),
-        results.counter("Heap/host_map", "bytes"), ratio, "≤ 1.2", lambda figure: figure <= 1.2,
-        "std::map")
+    yield Goal("Memory of 10,000 entries", MEBIBYTES, counter("Heap/host_orvalanguage", "bytes"),
+               counter("Heap/host_map", "bytes"), share, "≤", 1.2, "std::map")
     for program, peer in (("host_qt", "Qt"), ("host_icu", "ICU")):
-        row("A host's start", milliseconds, results.time("Start/host_orvalanguage"),
-            results.time(f"Start/{program}"), ratio, "< 1", lambda figure: figure < 1, peer)
-    difference = lambda ours, theirs: (ours - theirs) / MILLISECOND
-    row("A host's start: ms more", milliseconds, results.time("Start/host_orvalanguage"),
-        results.time("Start/host_gettext"), difference, "≤ 1.5", lambda figure: figure <= 1.5, "gettext")
-    row("A program's start, with the library and without: ms more", milliseconds,
-        results.time("Start/start_with"), results.time("Start/start_without"), difference, "< 0.5",
-        lambda figure: figure < 0.5)
-    row("A program's memory, with the library and without: MiB more", mebibytes,
-        results.counter("Resident/start_with", "bytes"),
-        results.counter("Resident/start_without", "bytes"),
-        lambda ours, theirs: (ours - theirs) / (1 << 20), "< 1", lambda figure: figure < 1)
+        yield Goal("A host's start", MILLISECONDS, time("Start/host_orvalanguage"),
+                   time(f"Start/{program}"), share, "<", 1, peer)
+    yield Goal("A host's start: ms more", MILLISECONDS, time("Start/host_orvalanguage"),
+               time("Start/host_gettext"), milliseconds_more, "≤", 1.5, "gettext")
+    yield Goal("A program's start, with the library and without: ms more", MILLISECONDS,
+               time("Start/start_with"), time("Start/start_without"), milliseconds_more, "<", 0.5)
+    yield Goal("A program's memory, with the library and without: MiB more", MEBIBYTES,
+               counter("Resident/start_with", "bytes"), counter("Resident/start_without", "bytes"),
+               mebibytes_more, "<", 1)
     for operation in ("Decrypt", "Encrypt"):
-        row(f"Cipher call, {operation.lower()} 64 bytes", nanoseconds,
-            results.time(f"CCCrypt/{operation}"), results.time(f"Nettle/{operation}"), ratio, "≤ 1.3",
-            lambda figure: figure <= 1.3, "Nettle alone")
-    return rows
+        yield Goal(f"Cipher call, {operation.lower()} 64 bytes", NANOSECONDS,
+                   time(f"CCCrypt/{operation}"), time(f"Nettle/{operation}"), share, "≤", 1.3,
+                   "Nettle alone")
 
 
 def entries_of(results, size):
     if size != "installed":
         return f"{int(size):,}"
-    entries = results.counter(f"Load/{OURS}/installed", "entries")
-    return f"{int(entries):,} installed" if entries else "installed"
+    return f"{int(results.counter(f'Load/{OURS}/installed', 'entries')):,} installed"
 
 
 def table(headings, rows):
@@ -147,11 +166,8 @@ def table(headings, rows):
 
 def figures(results, prefix, names, sizes, scale):
     """A table of one kind of benchmark: a row for each library, a column for each size."""
-    rows = []
-    for name in names:
-        times = [results.time(f"{prefix}/{name}/{size}") for size in sizes]
-        if any(times):
-            rows.append([name, *(f"{time / scale:.3g}" if time else "" for time in times)])
+    rows = [[name, *(f"{results.time(f'{prefix}/{name}/{size}') / scale:.3g}" for size in sizes)]
+            for name in names]
     return table(["", *(entries_of(results, size) for size in sizes)], rows)
 
 
@@ -168,16 +184,16 @@ def processor():
     return "unknown processor"
 
 
-def document_text(results, summary, plot):
-    every = (OURS, *LOOK_UP_PEERS, "std::map")
+def document_text(results, sizes, summary, plot, note):
     loads = (OURS, *LOAD_PEERS, "std::map")
+    installed = f"\n\n\"Installed\" are the translations of the packages on the machine, in the language that has\nmost: {note}." if note else ""
     return f"""# Performance
 
 `scripts/bench` measures this library beside what a host would use instead, and writes this page.
-Every figure is the median of {results.repetitions} repetitions or more, all within one run, ours and the others' in
-turn. Compare the ratios: the times are those of one machine.
+Every time is the processor's, and the median of {results.repetitions} repetitions or more within one run, ours and
+the others' in random order. Compare the ratios: the times are those of one machine.
 
-{processor()}, {results.context["num_cpus"]} cores, {results.context["date"][:10]}; {versions()}.
+{processor()}, {results.context["num_cpus"]} cores, {results.context["date"][:10]}, load {results.context["load_avg"][0]:.1f}; {versions()}.
 
 ## Goals
 
@@ -186,82 +202,107 @@ turn. Compare the ratios: the times are those of one machine.
 
 ## Look-ups
 
-In nanoseconds, keys of about 23 bytes drawn at random. "Installed" are the translations of the
-packages on the machine, in the language that has most. `std::map` is a map of strings, filled through the
-library's line functions.
+In nanoseconds, of keys drawn at random, 23 bytes long on average in the generated tables.{installed}
+
+The calls are `ures_getStringByKey`, `boost::locale::gettext`, `QTranslator::translate`,
+`g_key_file_get_string` and `dgettext`; a `std::map` of strings, filled through the library's line
+functions, for comparison. Those of Boost, Qt and GLib make a text of its own for each answer. Boost's
+facet, which does not, was seen to take half the time of its `gettext`.
 
 Hits:
 
-{figures(results, "LookUp/hit", every, SIZES, 1)}
-Misses:
+{figures(results, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), sizes, 1)}
+Misses; ICU and GLib look further before they give up:
 
-{figures(results, "LookUp/miss", every, SIZES, 1)}
+{figures(results, "LookUp/miss", (OURS, *LOOK_UP_PEERS, "std::map"), sizes, 1)}
 ## Loads
 
 In milliseconds. The installed translations of all languages are one strings file for this library and
 `std::map`, which pass over the languages before the one they load; the others have that language in a
 file of its own.
 
-{figures(results, "Load", loads, SIZES, MILLISECOND)}
-What a host's start is made of, for this library: each shared library that is linked, of which it
-brings itself and Nettle, takes about 0.1 ms; reading 1,000 lines of text the rest. ICU, Qt and gettext
-map catalogs that were compiled beforehand, and so do next to nothing for a load.
+{figures(results, "Load", loads, sizes, MILLISECONDS[0])}
+Protecting a file of 10,000 texts takes the companion command {results.time("ProtectFile") / 1e6:.0f} ms.
+
+What a host's start takes beyond any C++ program's is, for this library, to link two shared libraries,
+itself and Nettle, about 0.1 ms each, and to read 1,000 lines of text. ICU, Qt and gettext map catalogs
+that were compiled beforehand, and have next to nothing to load.
 
 ## Again
 
-    scripts/bench             # the table and this page
-    bench/count_instructions.py build/release/bench/host_orvalanguage build/release/bench/corpora
+    scripts/bench    # the table and this page
+    scripts/bench --short
+    bench/count_instructions.py build/release/bench/{{host_orvalanguage,short-corpora}}
 
-The second counts the instructions of loads and look-ups, which repeat from run to run, and compares
+The last counts the instructions of loads and look-ups, which repeat from run to run, and compares
 them with [bench/instructions.json](../bench/instructions.json).
 """
 
 
-def draw(results, path):
-    # Not needed for the table alone.
+def draw(results, sizes, path):
+    # Not needed for the figures alone.
     import matplotlib
     matplotlib.use("svg")
     from matplotlib import pyplot
 
     matplotlib.rcParams.update({"svg.fonttype": "none", "svg.hashsalt": "", "font.size": 9,
                                 "axes.spines.top": False, "axes.spines.right": False})
-    figure, (look_ups, loads, starts) = pyplot.subplots(1, 3, figsize=(12, 3.8))
+    figure, (look_ups, loads, starts) = pyplot.subplots(1, 3, figsize=(13, 4))
     colour = {name: f"C{i}" for i, name in enumerate((OURS, *LOOK_UP_PEERS, "std::map"))}
     colour["nlohmann-json"] = "C8"
 
     def lines(axes, prefix, names, scale, title):
         for name in names:
-            points = [(int(size), results.time(f"{prefix}/{name}/{size}")) for size in SIZES[:-1]]
-            points = [(size, time / scale) for size, time in points if time]
+            points = [(int(size), results.time(f"{prefix}/{name}/{size}") / scale)
+                      for size in sizes if size.isdigit()]
             axes.plot(*zip(*points), marker="o", markersize=3, label=name, color=colour[name],
                       linewidth=2.5 if name == OURS else 1)
         axes.set(xscale="log", yscale="log", xlabel="entries", title=title)
         for axis in (axes.xaxis, axes.yaxis):
             axis.set_major_formatter("{x:,g}")
-        axes.legend(frameon=False, fontsize=7)
+        axes.legend(frameon=False, fontsize=7, loc="center left", bbox_to_anchor=(1, 0.5))
 
-    lines(look_ups, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), 1, "A look-up, ns")
-    lines(loads, "Load", (OURS, *LOAD_PEERS, "std::map"), MILLISECOND, "A load, ms")
+    lines(look_ups, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), 1, "A look-up that hits, ns")
+    lines(loads, "Load", (OURS, *LOAD_PEERS, "std::map"), MILLISECONDS[0], "A load, ms")
     hosts = {OURS: "host_orvalanguage", "gettext": "host_gettext", "ICU": "host_icu", "Qt": "host_qt"}
-    starts.bar(list(hosts), [results.time(f"Start/{program}") / MILLISECOND for program in hosts.values()],
-               color=[colour[name] for name in hosts])
+    starts.barh(list(hosts), [results.time(f"Start/{program}") / MILLISECONDS[0]
+                              for program in hosts.values()],
+                color=[colour[name] for name in hosts])
+    starts.invert_yaxis()
     starts.set(title="A host's start, ms")
     figure.tight_layout()
     figure.savefig(path, metadata={"Date": None})
 
 
+def report(results, document, note):
+    sizes = [size for size in SIZES if f"Load/{OURS}/{size}" in results.times]
+    missing = {"100", "1000", "10000", "100000"} - set(sizes)
+    if missing:
+        sys.exit(f"report.py: not measured: {', '.join(sorted(missing))} entries")
+    rows = list(goals(results, sizes))
+    summary = table(["what", "ours", "compared with", "figure", "goal", "met"],
+                    [row.cells() for row in rows])
+    plot = document.with_suffix(".svg")
+    draw(results, sizes, plot)
+    document.write_text(document_text(results, sizes, summary, plot.name, note))
+    print(summary, end="")
+    print(f"{sum(row.is_met() for row in rows)} of {len(rows)} goals met")
+
+
 def main():
-    if len(sys.argv) not in (2, 3):
+    if len(sys.argv) not in (2, 4):
         sys.exit(__doc__)
     results = Results(pathlib.Path(sys.argv[1]))
-    rows = goals(results)
-    summary = table(["what", "ours", "compared with", "figure", "goal", "met"], rows)
-    print(summary, end="")
-    if len(sys.argv) == 3:
-        document = pathlib.Path(sys.argv[2])
-        plot = document.with_suffix(".svg")
-        document.write_text(document_text(results, summary, plot.name))
-        draw(results, plot)
+    if len(sys.argv) == 2:
+        print(table(["benchmark", "ns"],
+                    [(name, f"{time:,.0f}") for name, time in results.times.items()
+                     if not name.startswith(MEMORY)]), end="")
+        return
+    note = pathlib.Path(sys.argv[3])
+    try:
+        report(results, pathlib.Path(sys.argv[2]), note.read_text() if note.exists() else "")
+    except KeyError as error:
+        sys.exit(f"report.py: not measured: {error.args[0]}")
 
 
 if __name__ == "__main__":

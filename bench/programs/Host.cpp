@@ -1,10 +1,11 @@
 // A host of one of the peers: loads a corpus, looks its first keys up, and exits.
 //
-// Usage: host_… FOLDER [COUNT]    FOLDER: a corpus; COUNT: how many keys, 100 unless told. With 0 it
-// prints how many bytes of the heap the loaded texts take.
+// Usage: host_… CORPUS [COUNT | memory]    COUNT: how many keys, 100 unless told. With "memory" it
+// looks all of them up, and prints how many bytes of the heap the loaded texts take.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <malloc.h>
 
 #include PEER_HEADER
@@ -20,19 +21,25 @@ std::size_t HeapInUse() {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fputs("Usage: host FOLDER [COUNT]\n", stderr);
+        std::fputs("Usage: host CORPUS [COUNT | memory]\n", stderr);
         return 2;
     }
     const Corpus corpus(argv[1]);
-    const long count = argc > 2 ? std::strtol(argv[2], nullptr, 10) : 100;
+    const bool isMemoryWanted = argc > 2 && std::strcmp(argv[2], "memory") == 0;
+    std::size_t count = argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 100;
+    count = isMemoryWanted ? corpus.Keys().size() : std::min(count, corpus.Keys().size());
+
     const std::size_t before = HeapInUse();
     const PEER peer(corpus);
-    if (count == 0) {
-        std::printf("%zu\n", HeapInUse() - before);
+    const std::size_t after = HeapInUse();
+    for (std::size_t i = 0; i < count; ++i) {
+        const char* const key = corpus.Keys()[i].c_str();
+        if (!PEER::IsFound(peer.LookUp(key), key)) {
+            return 1;
+        }
     }
-    const auto first = corpus.Keys().begin();
-    const bool areAllFound = std::all_of(first, first + count, [&](const std::string& key) {
-        return PEER::IsFound(peer.LookUp(key.c_str()), key.c_str());
-    });
-    return areAllFound ? 0 : 1;
+    if (isMemoryWanted) {
+        std::printf("%zu\n", after - before);
+    }
+    return 0;
 }
