@@ -164,8 +164,9 @@ private:
         std::map<std::string_view, const Entry*> m_crowded;
     };
 
-    // What the entries lie in: blocks that are filled one after the other and freed as a whole. An
-    // allocation for each entry would cost more than all else that an insertion does.
+    // What the entries lie in: blocks that are filled one after the other and freed as a whole; a
+    // large entry has one of its own. An allocation for each entry, and its release, would be a good
+    // part of a load, and of a host's exit.
     class Memory {
     public:
         // A place for so many bytes, aligned for an entry. Throws std::bad_alloc.
