@@ -8,6 +8,7 @@ namespace {
 
 bool gIsRecording = false;
 int gOpensUntilFailure = 0;  // 0: none is to fail
+int gClosesUntilFailure = 0;
 std::vector<std::string>* gCalls = nullptr;
 
 template <typename Function>
@@ -28,10 +29,11 @@ FILE* Open(const char* name, const char* path, const char* mode) {
 
 }  // namespace
 
-FileFaults::FileFaults(int failingOpen) {
+FileFaults::FileFaults(int failingOpen, int failingClose) {
     delete gCalls;
     gCalls = new std::vector<std::string>;
     gOpensUntilFailure = failingOpen;
+    gClosesUntilFailure = failingClose;
     gIsRecording = true;
 }
 
@@ -55,5 +57,10 @@ extern "C" int fclose(FILE* file) {
     if (gIsRecording) {
         gCalls->emplace_back("fclose");
     }
-    return System<int(FILE*)>("fclose")(file);
+    const int result = System<int(FILE*)>("fclose")(file);
+    if (gIsRecording && gClosesUntilFailure > 0 && --gClosesUntilFailure == 0) {
+        errno = EIO;
+        return EOF;
+    }
+    return result;
 }

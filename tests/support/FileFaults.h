@@ -4,12 +4,13 @@
 #include <string>
 #include <vector>
 
-// While it lives, records the process's calls of fopen and fclose and makes one fopen fail. The
+// While it lives, records the process's calls of fopen and fclose and makes one of each fail. The
 // executable must export its symbols, so that the library's calls come here.
 class FileFaults {
 public:
     // failingOpen: which fopen from now on answers null, 1 for the first; 0 for none.
-    explicit FileFaults(int failingOpen = 0);
+    // failingClose: which fclose closes, but answers that it failed.
+    explicit FileFaults(int failingOpen = 0, int failingClose = 0);
     ~FileFaults();
     FileFaults(const FileFaults&) = delete;
     FileFaults& operator=(const FileFaults&) = delete;

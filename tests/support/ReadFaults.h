@@ -1,0 +1,36 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_READFAULTS_H
+#define ORVALANGUAGE_TESTS_SUPPORT_READFAULTS_H
+
+#include <cstddef>
+#include <functional>
+#include <limits>
+
+// While it lives, bends the process's calls of read. The executable must export its symbols, so that
+// libstdc++'s calls come here. One at a time.
+class ReadFaults {
+public:
+    static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+
+    // How far the reading is: a file is read to its end, or to a failure, and then again.
+    struct Progress {
+        bool isAgain = false;
+        std::size_t bytes = 0;  // of this reading
+    };
+
+    struct Plan {
+        std::size_t mostBytes = kAll;  // that one read gives
+        std::size_t turn = 0;          // a read by its number, from 1; 0 for none
+        std::function<void(const Progress&)> beforeTurn = [](const Progress&) {};
+        std::size_t failures = 0;  // so many reads fail with EIO, from the turn on
+    };
+
+    explicit ReadFaults(const Plan& plan);
+    ~ReadFaults();
+    ReadFaults(const ReadFaults&) = delete;
+    ReadFaults& operator=(const ReadFaults&) = delete;
+
+    // The reads since the last one was made.
+    static std::size_t Calls();
+};
+
+#endif
