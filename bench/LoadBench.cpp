@@ -3,9 +3,7 @@
 //
 // Usage: load_bench CORPUS… [OPTION…]    CORPUS: a folder that make_corpora.py wrote; options are
 // Google Benchmark's.
-#include <cstdint>
 #include <cstdio>
-#include <iterator>
 
 #include <benchmark/benchmark.h>
 

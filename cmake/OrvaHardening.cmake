@@ -3,9 +3,9 @@
 function(orva_harden)
     foreach(target IN LISTS ARGN)
         target_compile_options(${target} PRIVATE -fstack-protector-strong)
-        # Needs optimisation, and the sanitizers of the debug presets do more. A C library that does
-        # not know 3 takes it for 2. Undefined first, as some compilers come with a setting.
+        # Needs optimisation, which neither Debug nor a build without a type has. A C library that
+        # does not know 3 takes it for 2. Undefined first, as some compilers come with a setting.
         target_compile_options(${target} PRIVATE
-            "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
+            "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
     endforeach()
 endfunction()

@@ -1,7 +1,6 @@
 // A load of any file in any language: the table is the one that a plain reading makes.
 //
 // Input: the language, a line feed, the file.
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,14 +9,12 @@
 
 #include "fuzz/Check.h"
 #include "fuzz/NaiveStrings.h"
+#include "fuzz/NamedFile.h"
 #include "tools/orva-strings/TemporaryBundle.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const TemporaryBundle bundle;
-    const std::string input(reinterpret_cast<const char*>(data), size);
-    const std::size_t end = std::min(input.find('\n'), input.size());
-    const std::string language = input.substr(0, end).c_str();  // up to a NUL
-    const std::string file = end < input.size() ? input.substr(end + 1) : "";
+    const auto [language, file] = NamedFile(data, size);
 
     bundle.Write("x", file);
     const int count = ZuLoadStrings(language.c_str(), "x", bundle.Get());
