@@ -4,6 +4,7 @@
 #include <iomanip>
 #include <optional>
 #include <set>
+#include <stdexcept>
 
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
@@ -15,6 +16,7 @@ namespace {
 
 using Entry = StringsDocument::Entry;
 
+constexpr char kHeaderKey[] = "QVLANG";
 constexpr char kNoSection[] = "there is no section in it";
 
 bool IsProtected(const std::string& key) {
@@ -74,6 +76,28 @@ const char* WhyNull(const std::string& key) {
                : "the value is not protected, so it has no answer";
 }
 
+// The keys that a load makes entries of: each once, and the header's.
+std::set<std::string> KeysOf(const StringsDocument::Section& section) {
+    std::set<std::string> keys = {kHeaderKey};
+    for (const Entry& entry : section.entries) {
+        keys.insert(entry.key);
+    }
+    return keys;
+}
+
+// Throws unless the library's table is this section, whole: a load ends the file where memory runs
+// out or a read fails, as if the rest were not there.
+void CheckLoaded(const StringsDocument::Section& section) {
+    std::string key;
+    std::string name;
+    KorString::GetLocalizedElement(KorString::LANG_STATEMENT + section.name, &key, &name);
+    const StringMap& table = KorString::gMapLocalizedStrings;
+    const StringMap::Entry* const header = table.Find(kHeaderKey);
+    if (header == nullptr || header->Value() != name || table.Size() != KeysOf(section).size()) {
+        throw std::runtime_error("the section could not be loaded whole");
+    }
+}
+
 }  // namespace
 
 Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isForced) {
@@ -119,14 +143,8 @@ Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const Prot
 void ListSections(const StringsDocument& document, std::ostream& out) {
     out << "  LINE  ENTRIES  PROTECTED  SECTION\n";
     for (const StringsDocument::Section& section : document.Sections()) {
-        // As a load counts: each key once, and the header.
-        std::set<std::string> keys = {"QVLANG"};
-        std::size_t protectedKeys = 0;
-        for (const Entry& entry : section.entries) {
-            if (keys.insert(entry.key).second && IsProtected(entry.key)) {
-                ++protectedKeys;
-            }
-        }
+        const std::set<std::string> keys = KeysOf(section);
+        const auto protectedKeys = std::count_if(keys.begin(), keys.end(), IsProtected);
         out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
             << protectedKeys << "  " << section.name << '\n';
     }
@@ -135,21 +153,23 @@ void ListSections(const StringsDocument& document, std::ostream& out) {
 bool Show(const StringsDocument& document, const std::string& language,
           const std::vector<std::string>& keys, bool isRevealed, const std::string& fileName,
           std::ostream& out, std::ostream& err) {
-    const TemporaryBundle bundle;
-    bundle.Write("strings", document.Bytes());
-    if (ZuLoadStrings(language.c_str(), "strings", bundle.Get()) < 1) {
+    const std::vector<StringsDocument::Section> sections = document.Sections();
+    if (sections.empty()) {
         err << fileName << ": error: " << kNoSection << '\n';
         return false;
     }
-    const std::vector<StringsDocument::Section> sections = document.Sections();
+    const TemporaryBundle bundle;
+    bundle.Write("strings", document.Bytes());
+    ZuLoadStrings(language.c_str(), "strings", bundle.Get());
     const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
         return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
                                             language.c_str());
     });
+    const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
+    CheckLoaded(section);
     if (loaded == sections.end()) {
         err << fileName << ": note: there is no section " << language << ", so this is the first\n";
     }
-    const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
     std::vector<std::string> wanted = keys;
     if (wanted.empty()) {
         for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {

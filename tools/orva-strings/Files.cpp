@@ -9,14 +9,16 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
-// An open file, closed at the end of its scope.
+// This and the next class own what the system has made already, so making them allocates nothing: if
+// that failed, there would be nobody to close the file or to remove it.
+
+// An open file, closed at the end of its scope. Its name, which is for messages, must outlive it.
 class File {
 public:
-    File(int descriptor, std::string path) : m_descriptor(descriptor), m_path(std::move(path)) {
+    File(int descriptor, const char* name) : m_descriptor(descriptor), m_name(name) {
         Check(descriptor >= 0);
     }
     ~File() {
@@ -32,7 +34,7 @@ public:
     // Throws what errno says unless a call succeeded.
     void Check(bool hasSucceeded) const {
         if (!hasSucceeded) {
-            throw std::system_error(errno, std::generic_category(), m_path);
+            throw std::system_error(errno, std::generic_category(), m_name);
         }
     }
 
@@ -52,25 +54,25 @@ public:
 
 private:
     int m_descriptor;
-    std::string m_path;
+    const char* m_name;
 };
 
-// Removes a file at the end of its scope, unless it is kept.
+// Removes a file at the end of its scope, unless it is kept. The path must outlive it.
 class Unfinished {
 public:
-    explicit Unfinished(std::string path) : m_path(std::move(path)) {}
+    explicit Unfinished(const char* path) noexcept : m_path(path) {}
     ~Unfinished() {
-        if (!m_path.empty()) {
-            unlink(m_path.c_str());
+        if (m_path != nullptr) {
+            unlink(m_path);
         }
     }
     Unfinished(const Unfinished&) = delete;
     Unfinished& operator=(const Unfinished&) = delete;
 
-    void Keep() { m_path.clear(); }
+    void Keep() noexcept { m_path = nullptr; }
 
 private:
-    std::string m_path;
+    const char* m_path;
 };
 
 std::string ReadAll(const File& file) {
@@ -89,7 +91,7 @@ std::string ReadAll(const File& file) {
 }  // namespace
 
 std::string ReadFile(const std::string& path) {
-    return ReadAll(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path));
+    return ReadAll(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()));
 }
 
 std::string ReadStandardInput() {
@@ -110,10 +112,10 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
     const std::string targetPath = target.get();
     const std::string folder = targetPath.substr(0, targetPath.rfind('/') + 1);
     // Open now, so that after the rename there is nothing left to refuse.
-    const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), path);
+    const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), path.c_str());
     std::string newPath = targetPath + ".XXXXXX";
-    File file(mkstemp(newPath.data()), path);
-    Unfinished unfinished(newPath);
+    File file(mkstemp(newPath.data()), path.c_str());
+    Unfinished unfinished(newPath.c_str());
     file.Write(bytes);
     // The owner too, where the system lets us; else the bits that act in an owner's name go.
     const bool isOwned = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
@@ -127,8 +129,8 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void CreatePrivateFile(const std::string& path, std::string_view bytes) {
-    File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path);
-    Unfinished unfinished(path);
+    File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
+    Unfinished unfinished(path.c_str());
     file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the process's mask leaves
     file.Write(bytes);
     file.Check(fsync(file.Get()) == 0);

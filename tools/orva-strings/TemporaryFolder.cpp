@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <new>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -16,8 +17,12 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(m_path, ignored);
+    try {
+        std::error_code ignored;
+        fs::remove_all(m_path, ignored);
+    } catch (const std::bad_alloc&) {
+        // It stays, which harms less than an end of the process here would.
+    }
 }
 
 void TemporaryFolder::Write(const std::string& name, std::string_view bytes) const {

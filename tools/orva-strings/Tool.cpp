@@ -270,7 +270,8 @@ int RunTool(std::vector<std::string> arguments, const std::function<std::string(
         }
         return status;
     } catch (const std::bad_alloc&) {
-        throw;
+        err << "orva-strings: error: out of memory\n";
+        return kUsageOrSystem;
     } catch (const std::exception& exception) {
         err << "orva-strings: error: " << exception.what() << '\n';
         return kUsageOrSystem;

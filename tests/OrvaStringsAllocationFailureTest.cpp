@@ -1,0 +1,178 @@
+// Every allocation of every command of the tool fails once.
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <ostream>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+#include <OrvaLanguage/KorString.h>
+#include <gtest/gtest.h>
+
+#include "api/PlaintextCache.h"
+#include "tests/support/FailingAllocation.h"
+#include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/TemporaryFolder.h"
+#include "tools/orva-strings/Tool.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Longer than a string object holds inside itself, as most texts are.
+const char kReadable[] =
+    "QVLANG=English\n"
+    "MENU_OPEN_RECENT=\"Open one of the documents that were open before\"\n"
+    "IDE_REGISTRATION_TITLE=\"Register this copy of the application\\nnow\"\n"
+    "QVLANG=Deutsch\n"
+    "IDE_REGISTRATION_TITLE=\"Diese Kopie des Programms anmelden\"\n";
+
+// Where the tool writes to, which allocates nothing, as standard output does not.
+class Buffer : public std::streambuf {
+public:
+    Buffer() { setp(m_bytes, m_bytes + sizeof m_bytes); }
+    std::string Text() const { return {pbase(), pptr()}; }
+
+private:
+    char m_bytes[65536];
+};
+
+std::size_t OpenFiles() {
+    const fs::directory_iterator files("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
+
+class OrvaStringsAllocationFailure : public ::testing::Test {
+protected:
+    OrvaStringsAllocationFailure() {
+        Run({"key", "new", Path("key")});
+        Run({"key", "new", Path("other.key")});
+        m_folder.Write("readable", kReadable);
+        Run({"protect", "--key-file", Path("key"), Path("readable")});
+        m_folder.Write("protected", m_out);
+    }
+
+    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
+
+    std::size_t FilesInFolder() const {
+        const fs::directory_iterator files(m_folder.Path());
+        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+    }
+
+    // The exit status; the n-th allocation fails, none with 0.
+    int Run(const std::vector<std::string>& arguments, std::size_t n = 0) {
+        Buffer outBuffer;
+        Buffer errBuffer;
+        std::ostream out(&outBuffer);
+        std::ostream err(&errBuffer);
+        const std::size_t live = LiveAllocations();
+        const std::size_t files = OpenFiles();
+        int status = 0;
+        {
+            std::vector<std::string> passed = arguments;
+            const FailingAllocation failing(n);
+            status = RunTool(
+                std::move(passed), [] { return std::string(kReadable); }, out, err);
+            m_hasFailed = FailingAllocation::HasFailed();
+        }
+        KorString::gMapLocalizedStrings.Clear();
+        gMapDecodedStrings.Clear();
+        m_left = LiveAllocations() - live;
+        EXPECT_EQ(OpenFiles(), files);
+        m_out = outBuffer.Text();
+        m_err = errBuffer.Text();
+        return status;
+    }
+
+    // Runs a command with every allocation failing in turn, from the state that prepare makes, and
+    // has check look at the state that each run leaves, with the run's exit status. Then it must
+    // have been told, and nothing left behind, or have made no difference.
+    void FailAtEach(
+        const std::vector<std::string>& arguments, const std::function<void()>& prepare = [] {},
+        const std::function<void(int status)>& check = [](int) {}) {
+        prepare();
+        ASSERT_EQ(Run(arguments), 0) << m_err;
+        const std::string out = m_out;
+        const std::string err = m_err;
+        std::size_t points = 0;
+        m_hasFailed = true;
+        for (std::size_t n = 1; m_hasFailed; ++n) {
+            SCOPED_TRACE("allocation " + std::to_string(n));
+            prepare();
+            const int status = Run(arguments, n);
+            if (status == 0) {
+                EXPECT_TRUE(m_out == out || m_out == m_otherOut) << m_out;
+                EXPECT_EQ(m_err, err);
+            } else {
+                EXPECT_TRUE(m_hasFailed);
+                EXPECT_NE(m_err.find("error: "), std::string::npos) << m_err;
+            }
+            // A look-up leaves the buffer that may hold plaintext on purpose.
+            EXPECT_LE(m_left, arguments[0] == "show" ? 1U : 0U) << "allocations not released";
+            check(status);
+            points += m_hasFailed ? 1 : 0;
+            if (HasFailure()) {
+                return;
+            }
+        }
+        EXPECT_GT(points, 100U);
+        std::cout << "failed at each of " << points << " allocations\n";
+    }
+
+    TemporaryFolder m_folder;
+    std::string m_out;
+    std::string m_err;
+    std::string m_otherOut;  // one that is right, too
+    std::size_t m_left = 0;
+    bool m_hasFailed = false;
+};
+
+TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
+    const std::string source = ReadFile(Path("readable"));
+    const std::string stored = ReadFile(Path("protected"));
+    const auto fail = [&](const std::vector<std::string>& command, const std::string& before,
+                          const std::string& after) {
+        std::vector<std::string> arguments = command;
+        arguments.insert(arguments.end(), {"--in-place", Path("file")});
+        FailAtEach(
+            arguments, [&] { m_folder.Write("file", before); },
+            [&](int status) {
+                EXPECT_EQ(ReadFile(Path("file")), status == 0 ? after : before);
+                EXPECT_EQ(FilesInFolder(), 5U) << "nothing but the file";
+            });
+    };
+    fail({"protect", "--key-file", Path("key")}, source, stored);
+    fail({"reveal", "--key-file", Path("key")}, stored, source);
+
+    ASSERT_EQ(Run({"protect", "--key-file", Path("other.key"), Path("readable")}), 0);
+    const std::string other = m_out;
+    fail({"rekey", "--from", Path("key"), "--to", Path("other.key")}, stored, other);
+}
+
+TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
+    FailAtEach({"protect", "--key-file", Path("key"), "-"});
+    FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
+    FailAtEach({"sections", Path("protected")});
+    FailAtEach({"key", "show", "--key-file", Path("key")});
+}
+
+TEST_F(OrvaStringsAllocationFailure, LeavesNoPartOfAKey) {
+    FailAtEach(
+        {"key", "new", Path("new.key")}, [&] { fs::remove(Path("new.key")); },
+        [&](int status) { EXPECT_EQ(fs::exists(Path("new.key")), status == 0); });
+}
+
+TEST_F(OrvaStringsAllocationFailure, IsToldByShow) {
+    ASSERT_EQ(Run({"protect", Path("readable")}), 0);
+    m_folder.Write("shipped", m_out);
+    FailAtEach({"show", Path("shipped")});
+
+    // The look-up does not ask whether its last step succeeded.
+    m_otherOut = "IDE_REGISTRATION_TITLE=\"\"\n";
+    FailAtEach(
+        {"show", "--language", "Deutsch", "--reveal", Path("shipped"), "IDE_REGISTRATION_TITLE"});
+}
+
+}  // namespace
