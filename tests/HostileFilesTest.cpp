@@ -415,6 +415,7 @@ struct Event {
     std::function<std::string(std::size_t)> reading;
     std::string next;  // what another reading gives
     std::size_t failures = 0;
+    int error = EIO;
 };
 
 class ChangingFiles : public HostileFiles {
@@ -438,6 +439,7 @@ protected:
                 ReadFaults::Plan plan;
                 plan.mostBytes = mostBytes;
                 plan.failures = event.failures;
+                plan.error = event.error;
                 plan.turn = n;
                 plan.beforeTurn = [&](const ReadFaults::Progress& progress) {
                     hasHappened = true;
@@ -527,6 +529,14 @@ TEST_F(ChangingFiles, AFailedReadEndsTheFile) {
     }
 }
 
+TEST_F(ChangingFiles, AnInterruptedReadIsTakenUpAgain) {
+    const std::string longFile = LongFile("text");
+    for (const std::string& file : {kShortFile, longFile}) {
+        TryAtEveryRead(file, file.size() / 3,
+                       {[] {}, [&](std::size_t) { return std::string(file); }, file, 3, EINTR});
+    }
+}
+
 TEST_F(ChangingFiles, ShortReadsMakeTheSameTable) {
     const std::string longFile = LongFile("text");
     for (const std::string& file : {kShortFile, longFile}) {
@@ -574,6 +584,35 @@ TEST_F(HostileFiles, APipeLoadsAsAFileDoes) {
     EXPECT_EQ(Load("de", "pipe"), 1001);
     writer.join();
     EXPECT_TRUE(TableIs(naive::Table(file, "de")));
+}
+
+// Whether this process has a file open.
+bool IsOpen(const std::filesystem::path& path) {
+    for (const auto& file : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code isGone;
+        if (std::filesystem::read_symlink(file.path(), isGone) == path) {
+            return true;
+        }
+    }
+    return false;
+}
+
+TEST_F(HostileFiles, APipeThatLacksTheSectionIsReadFromASecondWriterToo) {
+    const std::filesystem::path pipe = std::filesystem::canonical(m_bundle.Resources()) / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::signal(SIGPIPE, SIG_IGN);
+    // Longer than a pipe's buffer: once it is written, the load has the pipe open.
+    const std::string first = LongFile(std::string(200, 't'));
+    std::thread writers([&] {
+        std::ofstream(pipe) << first;
+        while (IsOpen(pipe)) {
+            std::this_thread::yield();
+        }
+        std::ofstream(pipe) << "QVLANG=fr\nABCD=second\n";
+    });
+    EXPECT_EQ(Load("none", "pipe"), 2);
+    writers.join();
+    EXPECT_TRUE(TableIs({{"QVLANG", "fr"}, {"ABCD", "second"}}));
 }
 
 TEST_F(HostileFiles, WhatIsNotOpenedKeepsTheTableAndWhatHoldsNothingEmptiesIt) {

@@ -56,7 +56,7 @@ extern "C" ssize_t read(int file, void* bytes, size_t length) {
     }
     if (IsToFail()) {
         Note(0);
-        errno = EIO;
+        errno = gPlan->error;
         return -1;
     }
     const ssize_t got = systems(file, bytes, std::min(length, gPlan->mostBytes));

@@ -1,6 +1,7 @@
 #ifndef ORVALANGUAGE_TESTS_SUPPORT_READFAULTS_H
 #define ORVALANGUAGE_TESTS_SUPPORT_READFAULTS_H
 
+#include <cerrno>
 #include <cstddef>
 #include <functional>
 #include <limits>
@@ -21,7 +22,8 @@ public:
         std::size_t mostBytes = kAll;  // that one read gives
         std::size_t turn = 0;          // a read by its number, from 1; 0 for none
         std::function<void(const Progress&)> beforeTurn = [](const Progress&) {};
-        std::size_t failures = 0;  // so many reads fail with EIO, from the turn on
+        std::size_t failures = 0;  // so many reads fail, from the turn on
+        int error = EIO;           // with this
     };
 
     explicit ReadFaults(const Plan& plan);
