@@ -81,9 +81,3 @@ TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
 }
 
 }  // namespace
-
-// The buffer that is left on purpose is no leak to report.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:ZuGetLocalizedString";
-}

@@ -192,9 +192,3 @@ void DecodeProtectedString(std::int32_t* pStatus, std::int32_t nLength, const ch
     std::memcpy(pOutput, gFillingOutput->data(), gFillingOutput->size());
     *pOutputLength = static_cast<std::int32_t>(gFillingOutput->size());
 }
-
-// The buffer that is left on purpose is no leak to report.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:ZuGetLocalizedString";
-}

@@ -118,3 +118,9 @@ void operator delete(void* block, std::size_t) noexcept {
 void operator delete[](void* block, std::size_t) noexcept {
     Free(block);
 }
+
+// The buffer that a look-up leaves on purpose where memory runs out is no leak to report.
+extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:ZuGetLocalizedString";
+}
