@@ -8,6 +8,7 @@
 
 #include "api/DecodeProtectedString.h"
 #include "crypt/CCryptAES.h"
+#include "tests/support/StackAfter.h"
 #include "tests/support/StoredForm.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
@@ -280,6 +281,25 @@ TEST(DecodeProtectedString, RunsUnderItsLock) {
     // The lock is free again after a failure too.
     EXPECT_NE(SizingStatus("no"), 0);
     EXPECT_EQ(std::async(std::launch::async, [&] { return SizingStatus(good); }).get(), 0);
+}
+
+TEST(DecodeProtectedString, LeavesNeitherKeysNorTextOnTheStack) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+#endif
+    const Bytes material = DevelopmentKey();
+    const Bytes derived = DerivedBlocks(material);
+    const std::string text = "a text that nobody is to find on the stack";
+    const std::string stored = Stored(text, material);
+    Decoding result = Fill(stored);  // once before, for what the loader does at the first call
+    const Bytes stack = StackAfter([&] {
+        DecodeProtectedString(&result.status, static_cast<std::int32_t>(stored.size()),
+                              stored.data(), &result.outputLength, result.output.data());
+    });
+    EXPECT_EQ(result.status, 0);
+    EXPECT_FALSE(Holds(stack, material));
+    EXPECT_FALSE(Holds(stack, derived));
+    EXPECT_FALSE(Holds(stack, Bytes(text.begin(), text.end())));
 }
 
 TEST(DecodeProtectedString, DecodesOnManyThreadsAtOnce) {

@@ -1,0 +1,21 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_STACKAFTER_H
+#define ORVALANGUAGE_TESTS_SUPPORT_STACKAFTER_H
+
+#include <functional>
+
+#include "tests/support/Hex.h"
+
+// Calls a function in a thread of its own and returns the stack as the call left it. The thread
+// sanitizer keeps copies of its own there.
+Bytes StackAfter(const std::function<void()>& call);
+
+// Whether memory holds a part of a secret, of eight bytes or more.
+bool Holds(const Bytes& memory, const Bytes& secret);
+
+#ifdef __has_feature
+#if __has_feature(thread_sanitizer)
+#define __SANITIZE_THREAD__  // as g++ says it; NOLINT(bugprone-reserved-identifier)
+#endif
+#endif
+
+#endif
