@@ -47,12 +47,24 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
         } else {
             // A copy that only measures may fail unseen.
             EXPECT_EQ(answer, text);
+            EXPECT_GT(n, 1U) << "the first is the sizing call's, which has failed then";
             ++texts;
         }
     }
     EXPECT_GT(nulls, 5);
     EXPECT_GT(empties, 5);
     EXPECT_GE(texts, 1);
+}
+
+TEST(ProtectedLookup, LeavesNothingBehindButTheCachesEntry) {
+    const TemporaryBundle bundle;
+    const std::string stored = Stored("a text", DevelopmentKey());
+    bundle.Write("x", "QVLANG=en\nIDE_LEFT_1=" + stored + "\nIDE_LEFT_2=" + stored + "\n");
+    ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 3);
+    ZuGetLocalizedString("IDE_LEFT_1");  // with it the cache gets room for several
+    const std::size_t live = LiveAllocations();
+    EXPECT_STREQ(ZuGetLocalizedString("IDE_LEFT_2"), "a text");
+    EXPECT_EQ(LiveAllocations(), live);
 }
 
 TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
