@@ -118,6 +118,36 @@ TEST(StringMap, FindsAndMissesAtEverySize) {
     }
 }
 
+// Hosts that were built before have it compiled in, while the library makes the table.
+TEST(StringMap, HashesAsHostsHaveItCompiledIn) {
+    const struct {
+        std::size_t length;
+        std::uint64_t hash;
+    } cases[] = {
+        {0, 0},
+        {1, 0x737575131C7F7453},
+        {3, 0x910AF2964CEE348B},
+        {4, 0xAEEE9FAF944CE303},
+        {7, 0x9E25E4900877299F},
+        {8, 0x12F1A36C9046C04B},
+        {9, 0x9DF24E70BF5509F5},
+        {16, 0x5339049FFAAA0140},
+        {17, 0x6869135E86C9D10F},
+        {24, 0x1D1D402767FE28A2},
+        {32, 0x5779CC90B03D0685},
+        {33, 0x3F182E361D9F0F0E},
+        {48, 0x9AE7E3AB0E3CB45A},
+        {49, 0x0709684DDFADE379},
+    };
+    for (const auto& c : cases) {
+        std::string key;
+        for (std::size_t i = 0; i < c.length; ++i) {
+            key += static_cast<char>('A' + i * 7 % 64 + (i % 5 == 4 ? 128 : 0));
+        }
+        EXPECT_EQ(StringMap::Hash(key), c.hash) << c.length << " bytes";
+    }
+}
+
 // Keys that differ in little, as those of a strings file do, of every length.
 TEST(StringMap, HashesKeysApart) {
     std::vector<std::size_t> hashes;
