@@ -1,5 +1,6 @@
 // How often, in which mode and how long a load has its file open, and what becomes of the table if
 // an open fails.
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,17 @@ TEST_F(FileAccess, EmptiesTheTableWhenTheSecondOpenFails) {
     EXPECT_EQ(KorLoadStrings("de", "x", m_bundle.Get()), 0);
     EXPECT_EQ(FileFaults::Calls(), (std::vector<std::string>{m_open, "fclose", m_open}));
     EXPECT_EQ(KorString::gMapLocalizedStrings.Size(), 0U);
+}
+
+TEST_F(FileAccess, OpensAPathOfOneByte) {
+    if (std::filesystem::exists("/Contents") || std::filesystem::exists("/Resources")) {
+        GTEST_SKIP() << "this system's root looks like a bundle";
+    }
+    __CFBundle* const root = ZuOpenBundle("/");
+    const FileFaults faults;
+    EXPECT_EQ(KorLoadStrings("en", "", root), 0);
+    EXPECT_EQ(FileFaults::Calls().at(0), "fopen / r");
+    ZuCloseBundle(root);
 }
 
 TEST_F(FileAccess, OpensNothingWithoutAPath) {
