@@ -1,0 +1,60 @@
+// What memory a map asks for, and when: few and large blocks, filled to the last byte.
+#include <string>
+
+#include <OrvaLanguage/StringMap.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/FailingAllocation.h"
+
+namespace {
+
+class StringMapMemory : public ::testing::Test {
+protected:
+    // Adds an entry that takes so many bytes, a multiple of eight, and returns how many the first
+    // block of memory had that it made the map ask for; 0 if it made it ask for none.
+    std::size_t Insert(std::size_t bytes) {
+        // The lengths of both texts, the texts, and a NUL behind each.
+        const std::string key = std::to_string(100'000 + m_map.Size());
+        const std::string value(bytes - 2 * sizeof(std::size_t) - key.size() - 2, 'v');
+        const FailingAllocation counting(0);
+        EXPECT_TRUE(m_map.Insert(key, value));
+        return FailingAllocation::SizeOfFirst();
+    }
+
+    static constexpr std::size_t kSmall = 32;
+    static constexpr std::size_t kSlot = 16;
+
+    StringMap m_map;
+};
+
+TEST_F(StringMapMemory, ComesInBlocksThatDouble) {
+    // The index, in fact, and then a block of 4 KB.
+    EXPECT_EQ(Insert(kSmall), 64 * kSlot);
+    EXPECT_EQ(Insert(4096 - kSmall), 0U);
+    for (const std::size_t block : {8192U, 16384U, 32768U, 65536U}) {
+        EXPECT_EQ(Insert(kSmall), block);
+        EXPECT_EQ(Insert(block - kSmall), 0U) << "what is left of " << block;
+    }
+    EXPECT_EQ(Insert(65536), 131072U);
+    EXPECT_EQ(Insert(65536), 0U);
+    for (int i = 0; i < 2; ++i) {  // and larger they don't get
+        EXPECT_EQ(Insert(65536), 262144U);
+        EXPECT_EQ(Insert(65536), 0U);
+        EXPECT_EQ(Insert(65536), 0U);
+        EXPECT_EQ(Insert(65536 - kSmall), 0U);
+        // A large entry leaves alone what is free in the last block.
+        EXPECT_EQ(Insert(65536 + 8), 65536U + 8);
+        EXPECT_EQ(Insert(kSmall), 0U);
+    }
+}
+
+TEST_F(StringMapMemory, GrowsItsIndexWhenHalfOfItIsTaken) {
+    EXPECT_EQ(Insert(kSmall), 64 * kSlot);
+    for (std::size_t entries = 1; entries < 128; ++entries) {
+        EXPECT_EQ(Insert(kSmall), entries == 32 || entries == 64 ? 4 * entries * kSlot : 0)
+            << entries;
+    }
+    EXPECT_EQ(Insert(kSmall), 512 * kSlot);
+}
+
+}  // namespace
