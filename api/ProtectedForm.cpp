@@ -35,7 +35,7 @@ bool AreStoredDigits(const char* digits, std::size_t length) {
 // block is looked at.
 std::size_t PaddingOf(const std::uint8_t* padded, std::size_t length) {
     const std::size_t padding = padded[length - 1];
-    unsigned wrong = padding == 0 || padding > kProtectedBlock ? 1 : 0;
+    auto wrong = static_cast<unsigned>(padding == 0 || padding > kProtectedBlock);
     for (std::size_t i = 1; i <= kProtectedBlock; ++i) {
         wrong |= i <= padding ? static_cast<unsigned>(padded[length - i] ^ padding) : 0U;
     }

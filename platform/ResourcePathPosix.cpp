@@ -37,10 +37,12 @@ std::size_t CharacterLength(const unsigned char* text) {
     if (text[0] < 0x80) {
         return 1;
     }
+    constexpr unsigned char kLowest = 0x80;
+    constexpr unsigned char kHighest = 0xBF;
     // The second byte's range is narrower after the lead bytes at which the three errors begin.
-    unsigned char lowest = 0x80;
-    unsigned char highest = 0xBF;
-    std::size_t length = 0;
+    unsigned char lowest = kLowest;
+    unsigned char highest = kHighest;
+    std::size_t length = 0;  // stays 0 for a byte that leads no character
     if (text[0] >= 0xC2 && text[0] <= 0xDF) {
         length = 2;
     } else if (text[0] >= 0xE0 && text[0] <= 0xEF) {
@@ -51,16 +53,13 @@ std::size_t CharacterLength(const unsigned char* text) {
         length = 4;
         lowest = text[0] == 0xF0 ? 0x90 : lowest;
         highest = text[0] == 0xF4 ? 0x8F : highest;
-    } else {
-        return 0;
     }
-    if (text[1] < lowest || text[1] > highest) {
-        return 0;
-    }
-    for (std::size_t i = 2; i < length; ++i) {
-        if (text[i] < 0x80 || text[i] > 0xBF) {
+    for (std::size_t i = 1; i < length; ++i) {
+        if (text[i] < lowest || text[i] > highest) {
             return 0;
         }
+        lowest = kLowest;
+        highest = kHighest;
     }
     return length;
 }

@@ -17,9 +17,13 @@ using ::testing::PrintToString;
 namespace {
 
 std::string PathOf(__CFBundle* bundle, const std::string& fileName) {
-    char path[kResourcePathCapacity] = {};
-    GetResourcePath(bundle, fileName.c_str(), path);
-    return path;
+    struct {
+        char path[kResourcePathCapacity] = {};
+        char behind = '\x5A';
+    } room;
+    GetResourcePath(bundle, fileName.c_str(), room.path);
+    EXPECT_EQ(room.behind, '\x5A');
+    return room.path;
 }
 
 // The path for a bundle that is opened for this one question; "no bundle" where there is none.

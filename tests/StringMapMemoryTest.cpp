@@ -1,10 +1,12 @@
 // What memory a map asks for, and when: few and large blocks, filled to the last byte.
 #include <string>
+#include <vector>
 
 #include <OrvaLanguage/StringMap.h>
 #include <gtest/gtest.h>
 
 #include "tests/support/FailingAllocation.h"
+#include "tests/support/KeysOfOneHash.h"
 
 namespace {
 
@@ -45,6 +47,34 @@ TEST_F(StringMapMemory, ComesInBlocksThatDouble) {
         // A large entry leaves alone what is free in the last block.
         EXPECT_EQ(Insert(65536 + 8), 65536U + 8);
         EXPECT_EQ(Insert(kSmall), 0U);
+    }
+}
+
+TEST_F(StringMapMemory, IsAskedForOnceToOrderTheEntries) {
+    for (int i = 0; i < 10; ++i) {
+        Insert(kSmall);
+    }
+    const FailingAllocation failing(2);
+    EXPECT_EQ(m_map.Ordered().size(), 10U);
+}
+
+// Hosts have compiled in how far a look-up goes through the index.
+TEST_F(StringMapMemory, IsAskedForByTheSixtyFifthKeyOfOneHash) {
+    const std::vector<std::string> keys = KeysOfOneHash(65);
+    // Other entries first, away from theirs, so that the index has no need to grow meanwhile.
+    constexpr std::size_t kSlots = 512;
+    for (int i = 0; m_map.Size() < kSlots / 4 + 1; ++i) {
+        const std::string key = "another key " + std::to_string(i);
+        if ((StringMap::Hash(key) - StringMap::Hash(keys[0]) + 64) % kSlots >= 192) {
+            m_map.Insert(key, "");
+        }
+    }
+    m_map.Insert("a large block, filled", std::string(60'000, 'v'));
+    m_map.Insert("one of twice the size", "");
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const FailingAllocation counting(0);
+        m_map.Insert(keys[i], "");
+        EXPECT_EQ(FailingAllocation::SizeOfFirst() != 0, i == 64) << i;
     }
 }
 
