@@ -61,6 +61,7 @@ bool KorString::SearchRegionKey(std::string line, const char* region) {
 std::string KorString::ConvertNewLine(const std::string* text) {
     // One pass from left to right: replacing in place would move the rest of the text each time.
     std::string converted;
+    converted.reserve(text->size());  // growing with the text, it would take twice as much
     std::size_t from = 0;
     for (std::size_t found = text->find(kEscape); found != std::string::npos;
          found = text->find(kEscape, from)) {
