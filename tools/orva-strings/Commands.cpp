@@ -1,7 +1,9 @@
 #include "tools/orva-strings/Commands.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iomanip>
+#include <map>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -9,6 +11,7 @@
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
 
+#include "tools/orva-strings/Key.h"
 #include "tools/orva-strings/ProtectedText.h"
 #include "tools/orva-strings/TemporaryBundle.h"
 
@@ -18,10 +21,6 @@ using Entry = StringsDocument::Entry;
 
 constexpr char kHeaderKey[] = "QVLANG";
 constexpr char kNoSection[] = "there is no section in it";
-
-bool IsProtected(const std::string& key) {
-    return key.compare(0, 3, "IDE") == 0;
-}
 
 // Asks for each protected entry's new value, which may be none, and sets it.
 template <typename NewValue>
@@ -38,7 +37,7 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
     }
     for (const StringsDocument::Section& section : sections) {
         for (const Entry& entry : section.entries) {
-            if (!IsProtected(entry.key)) {
+            if (!IsProtectedKey(entry.key.c_str())) {
                 continue;
             }
             const std::optional<std::string> value = newValue(entry, findings);
@@ -58,15 +57,35 @@ Finding DoesNotDecode(const Entry& entry) {
                             "with another key"};
 }
 
-// ":LINE" of a key's first entry, or nothing if it has none.
-std::string LineOf(const StringsDocument::Section& section, const std::string& key) {
-    const auto found = std::find_if(section.entries.begin(), section.entries.end(),
-                                    [&](const Entry& entry) { return entry.key == key; });
-    return found == section.entries.end() ? "" : ':' + std::to_string(found->line + 1);
+// ":LINE" of the first entry of each key.
+std::map<std::string, std::string> LinesOf(const StringsDocument::Section& section) {
+    std::map<std::string, std::string> lines;
+    for (const Entry& entry : section.entries) {
+        lines.emplace(entry.key, ':' + std::to_string(entry.line + 1));
+    }
+    return lines;
+}
+
+// What a host gets for a key. Throws if that is not what is stored: a look-up that runs out of
+// memory tells nobody, and answers null or an empty text.
+const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
+    const char* const text = ZuGetLocalizedString(key.c_str());
+    const char* const stored = KorGetLocalizedString(key.c_str());
+    if (stored != nullptr && IsProtectedKey(key.c_str())) {
+        const std::optional<std::string> decoded = DecodeProtectedText(keys, stored);
+        if (text == nullptr ? decoded.has_value()
+                            : !decoded || std::strcmp(text, decoded->c_str()) != 0) {
+            throw std::runtime_error(key + ": the library could not decode it");
+        }
+    }
+    return text;
 }
 
 // Why the library answers null for a key.
 const char* WhyNull(const std::string& key) {
+    if (key.find('\0') != std::string::npos) {
+        return "it has a NUL byte in it, so that no host can ask for it";
+    }
     const char* const stored = KorGetLocalizedString(key.c_str());
     if (stored == nullptr) {
         return "there is no such key in the section";
@@ -144,7 +163,9 @@ void ListSections(const StringsDocument& document, std::ostream& out) {
     out << "  LINE  ENTRIES  PROTECTED  SECTION\n";
     for (const StringsDocument::Section& section : document.Sections()) {
         const std::set<std::string> keys = KeysOf(section);
-        const auto protectedKeys = std::count_if(keys.begin(), keys.end(), IsProtected);
+        const auto protectedKeys =
+            std::count_if(keys.begin(), keys.end(),
+                          [](const std::string& key) { return IsProtectedKey(key.c_str()); });
         out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
             << protectedKeys << "  " << section.name << '\n';
     }
@@ -176,16 +197,21 @@ bool Show(const StringsDocument& document, const std::string& language,
             wanted.emplace_back(entry->Key());
         }
     }
+    const std::map<std::string, std::string> lines = LinesOf(section);
+    const ProtectionKeys protectionKeys = Key::BuiltIn().Derive();
     bool isComplete = true;
     for (const std::string& key : wanted) {
-        const char* const text = ZuGetLocalizedString(key.c_str());
+        const bool canBeAsked = key.find('\0') == std::string::npos;
+        const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
         if (text != nullptr) {
             out << key << '='
-                << (IsProtected(key) && !isRevealed ? "(protected)" : '"' + Escaped(text) + '"')
+                << (IsProtectedKey(key.c_str()) && !isRevealed ? "(protected)"
+                                                               : '"' + Escaped(text) + '"')
                 << '\n';
         } else {
-            err << fileName << LineOf(section, key) << ": error: " << key << ": " << WhyNull(key)
-                << '\n';
+            const auto line = lines.find(key);
+            err << fileName << (line == lines.end() ? "" : line->second) << ": error: " << key
+                << ": " << WhyNull(key) << '\n';
             isComplete = false;
         }
     }

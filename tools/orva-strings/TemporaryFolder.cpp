@@ -1,8 +1,9 @@
 #include "tools/orva-strings/TemporaryFolder.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <new>
+#include <ftw.h>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -13,16 +14,21 @@ TemporaryFolder::TemporaryFolder() {
     if (mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("no temporary folder: " + name);
     }
-    m_path = name;
+    try {
+        m_path = name;
+    } catch (...) {
+        rmdir(name.c_str());
+        throw;
+    }
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    try {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    } catch (const std::bad_alloc&) {
-        // It stays, which harms less than an end of the process here would.
-    }
+    // Not remove_all, which throws where memory runs out.
+    constexpr int kOpenFolders = 8;
+    nftw(
+        m_path.c_str(),
+        [](const char* path, const struct stat*, int, FTW*) { return std::remove(path); },
+        kOpenFolders, FTW_DEPTH | FTW_PHYS);
 }
 
 void TemporaryFolder::Write(const std::string& name, std::string_view bytes) const {

@@ -1,8 +1,19 @@
 #include <iostream>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Tool.h"
 
 int main(int argc, char** argv) {
-    return RunTool({argv + 1, argv + argc}, ReadStandardInput, std::cout, std::cerr);
+    std::vector<std::string> arguments;
+    try {
+        arguments.assign(argv + 1, argv + argc);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "orva-strings: error: out of memory\n";
+        return 2;
+    }
+    return RunTool(std::move(arguments), ReadStandardInput, std::cout, std::cerr);
 }
