@@ -1,5 +1,6 @@
 // Every allocation of a first look-up fails once, the decoder's included.
 #include <string>
+#include <thread>
 
 #include <OrvaLanguage/OrvaLanguage.h>
 #include <gtest/gtest.h>
@@ -33,11 +34,15 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
             answer = ZuGetLocalizedString(key.c_str());
             failed = FailingAllocation::HasFailed();
         }
+        const std::size_t left = LiveAllocations() - live;
         SCOPED_TRACE("allocation " + std::to_string(n));
         if (answer == nullptr) {
             EXPECT_TRUE(failed);
             ++nulls;
-            EXPECT_LE(LiveAllocations(), live + 2) << "at most the buffer and the cache's index";
+            if (empties == 0) {
+                EXPECT_EQ(left, 0U) << "the sizing call failed, or the buffer";
+            }
+            EXPECT_LE(left, 2U) << "at most the buffer and the cache's index";
             EXPECT_EQ(ZuGetLocalizedString(key.c_str()), text) << "the next look-up tries again";
         } else if (*answer == '\0') {
             // The filling call ran out of memory and wrote nothing, and its status is not asked.
@@ -54,6 +59,33 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
     EXPECT_GT(nulls, 5);
     EXPECT_GT(empties, 5);
     EXPECT_GE(texts, 1);
+}
+
+TEST(ProtectedAllocationFailure, LeavesNothingAndNoLockHeldWhereTheCacheHasRoom) {
+    const TemporaryBundle bundle;
+    std::string file = "QVLANG=en\nIDE_BAD=no stored text\n";
+    for (int i = 0; i < 30; ++i) {
+        file += "IDE_ROOM_" + std::to_string(i) + '=' + Stored("a text", DevelopmentKey()) + '\n';
+    }
+    bundle.Write("x", file);
+    ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 32);
+    ZuGetLocalizedString("IDE_ROOM_0");
+    std::size_t points = 0;
+    for (bool failed = true; failed; points += failed ? 1 : 0) {
+        SCOPED_TRACE("allocation " + std::to_string(points + 1));
+        const std::string key = "IDE_ROOM_" + std::to_string(points + 1);
+        const std::size_t live = LiveAllocations();
+        {
+            const FailingAllocation failing(points + 1);
+            ZuGetLocalizedString(key.c_str());
+            failed = FailingAllocation::HasFailed();
+        }
+        EXPECT_EQ(LiveAllocations(), live);
+        // The locks are recursive, so only another thread can tell.
+        std::thread([] { EXPECT_EQ(ZuGetLocalizedString("IDE_BAD"), nullptr); }).join();
+    }
+    EXPECT_GT(points, 10U);
+    EXPECT_LT(points, 30U) << "too few keys";
 }
 
 TEST(ProtectedLookup, LeavesNothingBehindButTheCachesEntry) {

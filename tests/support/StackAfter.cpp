@@ -22,13 +22,17 @@ void* Call(void* call) {
 Bytes StackAfter(const std::function<void()>& call) {
     void* const memory = mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE,
                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
+    if (memory == MAP_FAILED) {
+        ADD_FAILURE() << "no memory for a stack";
+        return {};
+    }
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstack(&attributes, memory, kStackSize);
     pthread_t thread = {};
     auto argument = call;
-    EXPECT_EQ(pthread_create(&thread, &attributes, Call, &argument), 0);
-    pthread_join(thread, nullptr);
+    const bool isRunning = pthread_create(&thread, &attributes, Call, &argument) == 0;
+    EXPECT_TRUE(isRunning && pthread_join(thread, nullptr) == 0);
     pthread_attr_destroy(&attributes);
     const auto* const bytes = static_cast<const std::uint8_t*>(memory);
     const auto* const lowest =
