@@ -261,6 +261,11 @@ TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
         "key\n");
     EXPECT_EQ(Run({"show", "-"}, "MENU=\"x\"\n"), 1);
     EXPECT_EQ(m_err, "-: error: there is no section in it\n");
+
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nABCD=1\nABCD\0X=2\n"s), 1);
+    EXPECT_EQ(m_out, "ABCD=\"1\"\nQVLANG=\"en\"\n");
+    EXPECT_EQ(m_err,
+              "-:3: error: ABCD\0X: it has a NUL byte in it, so that no host can ask for it\n"s);
 }
 
 TEST_F(OrvaStrings, ListsSections) {

@@ -81,6 +81,7 @@ SHORT_WRITES=1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
 cmp "$work/folder/file" "$work/new"
 
 # A key file that could not be finished does not stay.
+unfinished=0
 for n in 1 2 3 4 5; do
     rm -f "$work/key"
     if FAIL_AT=$n "$tool" key new "$work/key" 2>/dev/null; then
@@ -88,6 +89,9 @@ for n in 1 2 3 4 5; do
     elif [ -e "$work/key" ]; then
         echo "FAIL_AT=$n left a part of a key"
         exit 1
+    else
+        unfinished=$((unfinished + 1))
     fi
 done
+[ "$unfinished" -ge 4 ] || { echo "only $unfinished keys were not finished"; exit 1; }
 echo "calls in their order, short writes, unfinished keys"
