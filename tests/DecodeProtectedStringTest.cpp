@@ -1,5 +1,8 @@
+#include <algorithm>
 #include <chrono>
 #include <future>
+#include <iterator>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -7,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "api/DecodeProtectedString.h"
+#include "api/KeyMaterial.h"
 #include "crypt/CCryptAES.h"
 #include "tests/support/StackAfter.h"
 #include "tests/support/StoredForm.h"
@@ -281,6 +285,21 @@ TEST(DecodeProtectedString, RunsUnderItsLock) {
     // The lock is free again after a failure too.
     EXPECT_NE(SizingStatus("no"), 0);
     EXPECT_EQ(std::async(std::launch::async, [&] { return SizingStatus(good); }).get(), 0);
+}
+
+// What is on the stack may be overwritten before anyone looks; this memory is not.
+TEST(KeyMaterial, IsClearedWithTheKeysMadeFromIt) {
+    alignas(KeyMaterial) std::uint8_t materialMemory[sizeof(KeyMaterial)];
+    alignas(ProtectionKeys) std::uint8_t keysMemory[sizeof(ProtectionKeys)];
+    const auto* const material = new (materialMemory) KeyMaterial;
+    const auto* const keys = new (keysMemory) ProtectionKeys(material->Bytes());
+    const auto isZero = [](std::uint8_t byte) { return byte == 0; };
+    EXPECT_FALSE(std::all_of(std::begin(keysMemory), std::end(keysMemory), isZero));
+    EXPECT_FALSE(std::all_of(std::begin(materialMemory), std::end(materialMemory), isZero));
+    keys->~ProtectionKeys();
+    material->~KeyMaterial();
+    EXPECT_TRUE(std::all_of(std::begin(keysMemory), std::end(keysMemory), isZero));
+    EXPECT_TRUE(std::all_of(std::begin(materialMemory), std::end(materialMemory), isZero));
 }
 
 TEST(DecodeProtectedString, LeavesNeitherKeysNorTextOnTheStack) {
