@@ -80,6 +80,23 @@ cp "$work/old" "$work/folder/file"
 SHORT_WRITES=1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
 cmp "$work/folder/file" "$work/new"
 
+# Who may not keep the owner keeps the group, if he may; no bit outlives whom it was meant for.
+replace_refused() { # WHAT: prints the new mode
+    cp "$work/old" "$work/folder/file"
+    chmod 6754 "$work/folder/file"
+    REFUSE=$1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
+    cmp "$work/folder/file" "$work/new"
+    stat -c %a "$work/folder/file"
+}
+[ "$(replace_refused nothing)" = 6754 ] || { echo "the mode is not kept"; exit 1; }
+[ "$(replace_refused owner)" = 754 ] || { echo "without the owner the mode is wrong"; exit 1; }
+[ "$(replace_refused group)" = 704 ] || { echo "without the group the mode is wrong"; exit 1; }
+group=$(id -G | tr ' ' '\n' | tail -1)
+[ "$(id -u)" != 0 ] || group=12345
+chgrp "$group" "$work/folder/file"
+REFUSE=owner "$tool" reveal --in-place "$work/folder/file" 2>/dev/null
+[ "$(stat -c %g "$work/folder/file")" = "$group" ] || { echo "the group is not kept"; exit 1; }
+
 # A key file that could not be finished does not stay.
 unfinished=0
 for n in 1 2 3 4 5; do
@@ -94,4 +111,4 @@ for n in 1 2 3 4 5; do
     fi
 done
 [ "$unfinished" -ge 4 ] || { echo "only $unfinished keys were not finished"; exit 1; }
-echo "calls in their order, short writes, unfinished keys"
+echo "calls in their order, short writes, owners, unfinished keys"

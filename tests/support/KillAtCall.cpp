@@ -1,11 +1,13 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills
 // the process in the KILL_AT-th of them: before it, or in a write half way through. With FAIL_AT
 // the call fails instead, for want of space. With CALLS the names of the calls go to that file; with
-// SHORT_WRITES a write is interrupted every other time, and else writes 100 bytes at most.
+// SHORT_WRITES a write is interrupted every other time, and else writes 100 bytes at most. With
+// REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its group.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,6 +41,11 @@ bool IsToFail(const char* name) {
     return false;
 }
 
+bool IsRefused(const char* what) {
+    const char* const refused = std::getenv("REFUSE");
+    return refused != nullptr && std::strcmp(refused, what) == 0;
+}
+
 template <typename Function>
 Function* System(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -69,6 +76,15 @@ ssize_t write(int file, const void* bytes, size_t length) {
 
 int fsync(int file) {
     return IsToFail("fsync") ? -1 : System<int(int)>("fsync")(file);
+}
+
+int fchown(int file, uid_t owner, gid_t group) noexcept {
+    const bool isOwnerKept = owner == static_cast<uid_t>(-1);
+    if (IsRefused("group") || (IsRefused("owner") && !isOwnerKept)) {
+        errno = EPERM;
+        return -1;
+    }
+    return System<int(int, uid_t, gid_t)>("fchown")(file, owner, group);
 }
 
 int fchmod(int file, mode_t mode) {

@@ -117,9 +117,13 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
     File file(mkstemp(newPath.data()), path.c_str());
     Unfinished unfinished(newPath.c_str());
     file.Write(bytes);
-    // The owner too, where the system lets us; else the bits that act in an owner's name go.
-    const bool isOwned = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
-    file.Check(fchmod(file.Get(), status.st_mode & (isOwned ? 07777U : 0777U)) == 0);
+    // The owner and the group too, where the system lets us. Without the owner the bits that act in
+    // an owner's name go, without the group those that were meant for another one.
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    const bool hasOwner = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
+    const bool hasGroup = hasOwner || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
+    const mode_t kept = hasOwner ? 07777U : hasGroup ? 0777U : 0707U;
+    file.Check(fchmod(file.Get(), status.st_mode & kept) == 0);
     file.Check(fsync(file.Get()) == 0);  // before the name leads to it
     file.Close();
     file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
