@@ -48,9 +48,10 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
     std::string line;
     if (!FindSection(stream, line, section.c_str())) {
         // From the start again, for the first section of any name. If the file can't be opened any
-        // more, no line is found and the table stays empty.
+        // more, no line is found and the table stays empty. The stream is made anew: one of libc++
+        // that read a pipe, which can't seek back as its close would, crashes when it reads again.
         stream.close();
-        stream.open(path);
+        stream = std::ifstream(path);
         if (!FindSection(stream, line, "")) {
             return 0;
         }
