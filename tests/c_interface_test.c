@@ -30,8 +30,9 @@ static void WriteFile(const char* path, const char* text) {
 }
 
 int main(void) {
-    char folder[] = "/tmp/orva-test-XXXXXX";
-    char file[64];
+    const char* temporary = getenv("TMPDIR");
+    char folder[1024];
+    char file[1100];
     struct __CFBundle* bundle;
 
     StartPhase("no bundle");
@@ -40,6 +41,7 @@ int main(void) {
     ZuCloseBundle(NULL);
 
     StartPhase("open bundle");
+    snprintf(folder, sizeof folder, "%s/orva-test-XXXXXX", temporary != NULL ? temporary : "/tmp");
     CHECK(mkdtemp(folder) != NULL);
     snprintf(file, sizeof file, "%s/x.strings", folder);
     WriteFile(file, "QVLANG=en\nMENU_OPEN=\"Open\"\nQVLANG=fr\nMENU_OPEN=\"Ouvrir\"\nQUIT=1\n");
