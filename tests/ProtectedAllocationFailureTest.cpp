@@ -105,22 +105,33 @@ TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
     const Bytes key = DevelopmentKey();
     const Bytes derived = DerivedBlocks(key);
     constexpr std::size_t kBlock = 16;
-    bundle.Write("x", "QVLANG=en\nIDE_FREE_1=" + Stored(text, key) + "\nIDE_FREE_2=" +
-                          Stored(text, key) + "\nIDE_FREE_3=" + Stored(text, key) + "\n");
-    ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 4);
     const struct {
-        const char* key;
+        const char* what;
         const void* bytes;
-    } cases[] = {
-        {"IDE_FREE_1", text.data() + 16},
-        {"IDE_FREE_2", derived.data() + kBlock},      // of the encryption key
-        {"IDE_FREE_3", derived.data() + 4 * kBlock},  // of the tag key
+    } secrets[] = {
+        {"text", text.data() + kBlock},           {"material", key.data()},
+        {"material's end", key.data() + kBlock},  {"encryption key", derived.data() + kBlock},
+        {"tag key", derived.data() + 4 * kBlock},
     };
-    for (const auto& c : cases) {
-        const FreedMemoryWatch watch(c.bytes, 16);
-        EXPECT_EQ(ZuGetLocalizedString(c.key), text);
-        EXPECT_FALSE(FreedMemoryWatch::HasSeen()) << c.key;
+    const std::string good = Stored(text, key);
+    std::string bad = good;
+    bad[0] =
+        bad[0] == '0' ? '1' : '0';  // a digit of the tag: all but one block of the text decrypt
+    std::string file = "QVLANG=en\n";
+    for (const auto& secret : secrets) {
+        file.append("IDE_GOOD_").append(secret.what).append("=").append(good).append("\n");
+        file.append("IDE_BAD_").append(secret.what).append("=").append(bad).append("\n");
+    }
+    bundle.Write("x", file);
+    ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 11);
+    for (const auto& secret : secrets) {
+        SCOPED_TRACE(secret.what);
+        const std::string what = secret.what;
+        const FreedMemoryWatch watch(secret.bytes, kBlock);
+        EXPECT_EQ(ZuGetLocalizedString(("IDE_GOOD_" + what).c_str()), text);
         EXPECT_GT(FreedMemoryWatch::Blocks(), 10U);
+        EXPECT_EQ(ZuGetLocalizedString(("IDE_BAD_" + what).c_str()), nullptr);
+        EXPECT_FALSE(FreedMemoryWatch::HasSeen());
     }
 }
 
