@@ -25,9 +25,11 @@ std::vector<std::string> Texts(const StringsDocument& document) {
 
 }  // namespace
 
+constexpr std::uint8_t kOtherMaterial[kProtectedKey] = {1, 2, 3};
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const ProtectionKeys keys = Key::BuiltIn().Derive();
-    static const ProtectionKeys otherKeys = Key::Random().Derive();
+    static const ProtectionKeys otherKeys(kOtherMaterial);
     const std::string file(reinterpret_cast<const char*>(data), size);
 
     StringsDocument document(file);
