@@ -56,7 +56,6 @@ void DecodeProtectedString(std::int32_t* pStatus, std::int32_t nLength, const ch
         return;
     }
     const std::lock_guard<std::recursive_mutex> lock(gDecodeMutex);
-    *pStatus = kDecoded;
     try {
         *pStatus = Decode(nLength, pText, pOutputLength, pOutput);
     } catch (...) {

@@ -15,8 +15,8 @@ StringMap gMapDecodedStrings;
 
 namespace {
 
-// What a buffer for so many bytes asks for. A length that does not fit 32 bits has come out
-// negative and asks for the impossible.
+// What a buffer for so many bytes asks for. A length of 2 to 4 GiB has come out negative and asks
+// for the impossible.
 std::size_t BufferSize(std::int32_t length) {
     return length < 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(length);
 }
