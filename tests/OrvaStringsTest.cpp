@@ -113,7 +113,10 @@ TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
     } cases[] = {
         {"", "-:1: error: there is no section in it\n"},
         {"MENU=\"x\"\n", "-:1: error: there is no section in it\n"},
-        {"QVLANG=en\rIDE_X=\"x\"\r", ""},
+        {"QVLANG=en\rIDE_X=\"x\"\r",
+         "-:1: error: QVLANG: a carriage return stands within its line, which goes on to the next "
+         "line feed\n"},
+        {"QVLANG=en\r\r\nMENU=\"x\"\r\n", ""},  // no more than one that is too many
         {"MENU=\"x\"\nIDE_X=\"x\"\nQVLANG=en\n", "-:2: error: IDE_X" + why},
         {"\xEF\xBB\xBFQVLANG=en\nIDE_X=\"x\"\nQVLANG=fr\n",
          "-:1: error: QVLANG" + why + "-:2: error: IDE_X" + why},
@@ -265,7 +268,7 @@ TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
     EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nABCD=1\nABCD\0X=2\n"s), 1);
     EXPECT_EQ(m_out, "ABCD=\"1\"\nQVLANG=\"en\"\n");
     EXPECT_EQ(m_err,
-              "-:3: error: ABCD\0X: it has a NUL byte in it, so that no host can ask for it\n"s);
+              "-:3: error: ABCD\\x00X: it has a NUL byte in it, so that no host can ask for it\n");
 }
 
 TEST_F(OrvaStrings, ListsSections) {
@@ -433,6 +436,34 @@ TEST_F(OrvaStrings, TakesArgumentsInBracketsAsTheyAre) {
     EXPECT_EQ(m_out, "[A,B]=\"1\"\n");
     EXPECT_EQ(m_err, "");
     std::filesystem::current_path("/");
+}
+
+TEST_F(OrvaStrings, ChangesTheFileOfExactlyTheName) {
+    for (const std::string name : {"file", "[file]"}) {
+        const std::string without = Write(name, kReadable);
+        const std::string with = Write(name + '\n', kReadable);
+        std::filesystem::current_path(m_folder.Path());
+        EXPECT_EQ(Run({"protect", "--in-place", name + '\n'}), 0) << m_err;
+        std::filesystem::current_path("/");
+        EXPECT_EQ(ReadFile(without), kReadable);
+        EXPECT_NE(ReadFile(with), kReadable);
+    }
+}
+
+TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
+    const std::string hostile =
+        "QVLANG=\x1B[31m\nKEY\x1B]0;t\x07=\"a\x7F\xC2\x9B\xC2\xA0\tb\rc\"\n";
+    EXPECT_EQ(Run({"show", "-"}, hostile), 0);
+    EXPECT_EQ(m_out,
+              "KEY\\x1B]0;t\\x07=\"a\\x7F\\xC2\\x9B\xC2\xA0\tb\\x0Dc\"\n"
+              "QVLANG=\"\\x1B[31m\"\n");
+    EXPECT_EQ(Run({"sections", "-"}, hostile), 0);
+    EXPECT_NE(m_out.find("  \\x1B[31m\n"), std::string::npos) << m_out;
+    EXPECT_EQ(Run({"protect", "-"}, "IDE_\x1B[2J=1\n"), 1);
+    EXPECT_EQ(m_err.find('\x1B'), std::string::npos);
+    EXPECT_NE(m_err.find("IDE_\\x1B[2J"), std::string::npos) << m_err;
+    EXPECT_EQ(Run({"show", Path("\x1B[2J")}), 2);
+    EXPECT_EQ(m_err.find('\x1B'), std::string::npos);
 }
 
 TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {

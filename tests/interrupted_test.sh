@@ -50,6 +50,16 @@ if [ "$olds" -le 3 ] || [ "$news" -le 1 ]; then
 fi
 echo "killed at each of $calls calls"
 
+waited=0
+for n in $(seq "$calls"); do
+    stop_at INTERRUPT_AT "$n" 2>/dev/null
+    [ "$status" = 130 ] || { echo "INTERRUPT_AT=$n ended with $status"; exit 1; }
+    [ "$(find "$work/folder" -type f | wc -l)" = 1 ] || { echo "INTERRUPT_AT=$n left a file"; exit 1; }
+    if cmp -s "$work/folder/file" "$work/new"; then waited=$((waited + 1)); fi
+done
+[ "$waited" -gt 4 ] || { echo "only $waited interrupts waited"; exit 1; }
+echo "interrupted at each of $calls calls, of which $waited waited"
+
 failures=0
 for n in $(seq "$calls"); do
     stop_at FAIL_AT "$n"
@@ -90,12 +100,31 @@ replace_refused() { # WHAT: prints the new mode
 }
 [ "$(replace_refused nothing)" = 6754 ] || { echo "the mode is not kept"; exit 1; }
 [ "$(replace_refused owner)" = 754 ] || { echo "without the owner the mode is wrong"; exit 1; }
-[ "$(replace_refused group)" = 704 ] || { echo "without the group the mode is wrong"; exit 1; }
+[ "$(replace_refused group)" = 744 ] || { echo "without the group the mode is wrong"; exit 1; }
 group=$(id -G | tr ' ' '\n' | tail -1)
 [ "$(id -u)" != 0 ] || group=12345
 chgrp "$group" "$work/folder/file"
 REFUSE=owner "$tool" reveal --in-place "$work/folder/file" 2>/dev/null
 [ "$(stat -c %g "$work/folder/file")" = "$group" ] || { echo "the group is not kept"; exit 1; }
+
+# A limit of a file's size is an error like any other.
+cp "$work/old" "$work/folder/file"
+status=0
+(ulimit -f 10; exec "$tool" protect --in-place "$work/folder/file") 2>"$work/err" || status=$?
+if [ "$status" != 2 ] || ! grep -q 'error: .*File too large' "$work/err" ||
+    ! cmp "$work/folder/file" "$work/old" || [ "$(find "$work/folder" -type f | wc -l)" != 1 ]; then
+    echo "a file that is too large ended with $status"
+    exit 1
+fi
+if (ulimit -f 0; exec "$tool" key new "$work/key") 2>/dev/null || [ -e "$work/key" ]; then
+    echo "a key that can't be written was left behind"
+    exit 1
+fi
+
+# Nothing stays under TMPDIR when nobody reads on.
+mkdir "$work/tmp"
+TMPDIR=$work/tmp "$tool" show --reveal "$work/new" 2>/dev/null | true || true
+[ -z "$(ls "$work/tmp")" ] || { echo "show left a copy"; exit 1; }
 
 # A key file that could not be finished does not stay.
 unfinished=0
@@ -111,4 +140,4 @@ for n in 1 2 3 4 5; do
     fi
 done
 [ "$unfinished" -ge 4 ] || { echo "only $unfinished keys were not finished"; exit 1; }
-echo "calls in their order, short writes, owners, unfinished keys"
+echo "calls in their order, short writes, owners, limits, pipes, unfinished keys"

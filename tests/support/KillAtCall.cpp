@@ -1,5 +1,6 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills
-// the process in the KILL_AT-th of them: before it, or in a write half way through. With FAIL_AT
+// the process in the KILL_AT-th of them: before it, or in a write half way through. With INTERRUPT_AT
+// a signal comes that can be held off, as from a user. With FAIL_AT
 // the call fails instead, for want of space. With CALLS the names of the calls go to that file; with
 // SHORT_WRITES a write is interrupted every other time, and else writes 100 bytes at most. With
 // REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its group.
@@ -34,6 +35,9 @@ bool IsToFail(const char* name) {
     if (IsTurn("KILL_AT")) {
         raise(SIGKILL);
     }
+    if (IsTurn("INTERRUPT_AT")) {
+        raise(SIGINT);
+    }
     if (IsTurn("FAIL_AT")) {
         errno = ENOSPC;
         return true;
@@ -62,6 +66,9 @@ ssize_t write(int file, const void* bytes, size_t length) {
         if (IsTurn("KILL_AT")) {
             systems(file, bytes, length / 2);
             raise(SIGKILL);
+        }
+        if (IsTurn("INTERRUPT_AT")) {
+            raise(SIGINT);
         }
     }
     if (std::getenv("SHORT_WRITES") != nullptr) {

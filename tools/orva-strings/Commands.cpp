@@ -12,7 +12,9 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 
 #include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/Printable.h"
 #include "tools/orva-strings/ProtectedText.h"
+#include "tools/orva-strings/SignalsHeld.h"
 #include "tools/orva-strings/TemporaryBundle.h"
 
 namespace {
@@ -36,6 +38,11 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
         findings.push_back({0, kNoSection});
     }
     for (const StringsDocument::Section& section : sections) {
+        if (section.name.find('\r') < section.name.size() - 1) {
+            findings.push_back({section.line,
+                                "QVLANG: a carriage return stands within its line, "
+                                "which goes on to the next line feed"});
+        }
         for (const Entry& entry : section.entries) {
             if (!IsProtectedKey(entry.key.c_str())) {
                 continue;
@@ -104,6 +111,14 @@ std::set<std::string> KeysOf(const StringsDocument::Section& section) {
     return keys;
 }
 
+// Has the library load a file of these bytes, which is gone again afterwards.
+void LoadByCopy(const std::string& bytes, const std::string& language) {
+    const SignalsHeld held;
+    const TemporaryBundle bundle;
+    bundle.Write("strings", bytes);
+    ZuLoadStrings(language.c_str(), "strings", bundle.Get());
+}
+
 // Throws unless the library's table is this section, whole: a load ends the file where memory runs
 // out or a read fails, as if the rest were not there.
 void CheckLoaded(const StringsDocument::Section& section) {
@@ -167,7 +182,7 @@ void ListSections(const StringsDocument& document, std::ostream& out) {
             std::count_if(keys.begin(), keys.end(),
                           [](const std::string& key) { return IsProtectedKey(key.c_str()); });
         out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
-            << protectedKeys << "  " << section.name << '\n';
+            << protectedKeys << "  " << Printable{section.name} << '\n';
     }
 }
 
@@ -176,12 +191,10 @@ bool Show(const StringsDocument& document, const std::string& language,
           std::ostream& out, std::ostream& err) {
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
-        err << fileName << ": error: " << kNoSection << '\n';
+        err << Printable{fileName} << ": error: " << kNoSection << '\n';
         return false;
     }
-    const TemporaryBundle bundle;
-    bundle.Write("strings", document.Bytes());
-    ZuLoadStrings(language.c_str(), "strings", bundle.Get());
+    LoadByCopy(document.Bytes(), language);
     const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
         return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
                                             language.c_str());
@@ -189,7 +202,8 @@ bool Show(const StringsDocument& document, const std::string& language,
     const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
     CheckLoaded(section);
     if (loaded == sections.end()) {
-        err << fileName << ": note: there is no section " << language << ", so this is the first\n";
+        err << Printable{fileName} << ": note: there is no section " << Printable{language}
+            << ", so this is the first\n";
     }
     std::vector<std::string> wanted = keys;
     if (wanted.empty()) {
@@ -204,14 +218,13 @@ bool Show(const StringsDocument& document, const std::string& language,
         const bool canBeAsked = key.find('\0') == std::string::npos;
         const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
         if (text != nullptr) {
-            out << key << '='
-                << (IsProtectedKey(key.c_str()) && !isRevealed ? "(protected)"
-                                                               : '"' + Escaped(text) + '"')
-                << '\n';
+            const bool isHidden = IsProtectedKey(key.c_str()) && !isRevealed;
+            out << Printable{key} << '='
+                << Printable{isHidden ? "(protected)" : '"' + Escaped(text) + '"'} << '\n';
         } else {
             const auto line = lines.find(key);
-            err << fileName << (line == lines.end() ? "" : line->second) << ": error: " << key
-                << ": " << WhyNull(key) << '\n';
+            err << Printable{fileName} << (line == lines.end() ? "" : line->second)
+                << ": error: " << Printable{key} << ": " << WhyNull(key) << '\n';
             isComplete = false;
         }
     }

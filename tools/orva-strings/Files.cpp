@@ -10,6 +10,8 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "tools/orva-strings/SignalsHeld.h"
+
 namespace {
 
 // This and the next class own what the system has made already, so making them allocates nothing: if
@@ -75,6 +77,13 @@ private:
     const char* m_path;
 };
 
+// The mode of a file that gets another group: what was meant for the old one goes, but for what is
+// everybody's.
+mode_t WithoutGroup(mode_t mode) {
+    const mode_t everybodys = mode & 0007U;
+    return (mode & 0707U) | (mode & (everybodys << 3U));
+}
+
 std::string ReadAll(const File& file) {
     std::string bytes;
     char buffer[65536];
@@ -114,16 +123,17 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
     // Open now, so that after the rename there is nothing left to refuse.
     const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), path.c_str());
     std::string newPath = targetPath + ".XXXXXX";
+    const SignalsHeld held;
     File file(mkstemp(newPath.data()), path.c_str());
     Unfinished unfinished(newPath.c_str());
     file.Write(bytes);
     // The owner and the group too, where the system lets us. Without the owner the bits that act in
-    // an owner's name go, without the group those that were meant for another one.
+    // an owner's name go.
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
     const bool hasOwner = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
     const bool hasGroup = hasOwner || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
-    const mode_t kept = hasOwner ? 07777U : hasGroup ? 0777U : 0707U;
-    file.Check(fchmod(file.Get(), status.st_mode & kept) == 0);
+    const mode_t mode = status.st_mode & (hasOwner ? 07777U : 0777U);
+    file.Check(fchmod(file.Get(), hasGroup ? mode : WithoutGroup(mode)) == 0);
     file.Check(fsync(file.Get()) == 0);  // before the name leads to it
     file.Close();
     file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
@@ -133,6 +143,7 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void CreatePrivateFile(const std::string& path, std::string_view bytes) {
+    const SignalsHeld held;
     File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
     Unfinished unfinished(path.c_str());
     file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the process's mask leaves

@@ -10,6 +10,7 @@
 #include "tools/orva-strings/Commands.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/Printable.h"
 
 namespace {
 
@@ -43,16 +44,22 @@ Key KeyOf(const std::string& path) {
     return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
 }
 
-// The parser takes an argument in brackets apart, as a list. A mark at its end keeps it whole: a line
-// feed, which is in no key.
+// Whether an argument is in brackets, as far as the line feeds at its end.
+bool IsInBrackets(const std::string& argument) {
+    const std::size_t last = argument.find_last_not_of('\n');
+    return last != std::string::npos && argument.front() == '[' && argument[last] == ']';
+}
+
+// The parser takes an argument in brackets apart, as a list. A line feed more at its end keeps it
+// whole.
 void MarkBrackets(std::string& argument) {
-    if (!argument.empty() && argument.front() == '[' && argument.back() == ']') {
+    if (IsInBrackets(argument)) {
         argument += '\n';
     }
 }
 
 void Unmark(std::string& argument) {
-    if (!argument.empty() && argument.back() == '\n') {
+    if (IsInBrackets(argument) && argument.back() == '\n') {
         argument.pop_back();
     }
 }
@@ -123,7 +130,8 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     const std::string before = document.Bytes();
     const Findings findings = change(document);
     for (const Finding& finding : findings) {
-        m_err << m_options.file << ':' << finding.line + 1 << ": error: " << finding.text << '\n';
+        m_err << Printable{m_options.file} << ':' << finding.line + 1
+              << ": error: " << Printable{finding.text} << '\n';
     }
     if (!findings.empty()) {
         return kFindings;
@@ -246,7 +254,7 @@ int Run::Execute(std::vector<std::string> arguments) {
             app.exit(error, m_out, m_err);
             return kDone;
         }
-        m_err << "orva-strings: error: " << error.what() << " (see --help)\n";
+        m_err << "orva-strings: error: " << Printable{error.what()} << " (see --help)\n";
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
@@ -273,7 +281,7 @@ int RunTool(std::vector<std::string> arguments, const std::function<std::string(
         err << "orva-strings: error: out of memory\n";
         return kUsageOrSystem;
     } catch (const std::exception& exception) {
-        err << "orva-strings: error: " << exception.what() << '\n';
+        err << "orva-strings: error: " << Printable{exception.what()} << '\n';
         return kUsageOrSystem;
     }
 }

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <iostream>
 #include <new>
 #include <string>
@@ -8,6 +9,8 @@
 #include "tools/orva-strings/Tool.h"
 
 int main(int argc, char** argv) {
+    // A write beyond the limit of a file's size then fails, as one to a full disk does.
+    std::signal(SIGXFSZ, SIG_IGN);
     std::vector<std::string> arguments;
     try {
         arguments.assign(argv + 1, argv + argc);
