@@ -126,11 +126,12 @@ TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
     ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 11);
     for (const auto& secret : secrets) {
         SCOPED_TRACE(secret.what);
-        const std::string what = secret.what;
+        const std::string goodKey = std::string("IDE_GOOD_") + secret.what;
+        const std::string badKey = std::string("IDE_BAD_") + secret.what;
         const FreedMemoryWatch watch(secret.bytes, kBlock);
-        EXPECT_EQ(ZuGetLocalizedString(("IDE_GOOD_" + what).c_str()), text);
+        EXPECT_EQ(ZuGetLocalizedString(goodKey.c_str()), text);
         EXPECT_GT(FreedMemoryWatch::Blocks(), 10U);
-        EXPECT_EQ(ZuGetLocalizedString(("IDE_BAD_" + what).c_str()), nullptr);
+        EXPECT_EQ(ZuGetLocalizedString(badKey.c_str()), nullptr);
         EXPECT_FALSE(FreedMemoryWatch::HasSeen());
     }
 }
