@@ -27,11 +27,13 @@ CoreFoundationStandIn* gStandIn = nullptr;
 
 __CFBundle gMainBundle = {"main bundle"};
 __CFBundle gGivenBundle = {"given bundle"};
+__CFBundle gCreatedBundle = {"created bundle"};
 const __CFAllocator gDefaultAllocator = {"default allocator"};
 const __CFURL gBundleURL = {"bundle URL"};
 const __CFURL gResourcesURL = {"resources URL"};
 const __CFURL gFolderURL = {"folder URL"};
 const __CFURL gFileURL = {"file URL"};
+const __CFURL gPathURL = {"path URL"};
 const __CFString gResourcesText = {"resources text"};
 const __CFString gNameString = {"name string"};
 const __CFString gPathString = {"path string"};
@@ -82,6 +84,11 @@ CFBundleRef GivenBundle() {
 
 const CFAllocatorRef kCFAllocatorDefault = &gDefaultAllocator;
 
+CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url) {
+    Record("CFBundleCreate", Name(allocator), Name(url));
+    return Answer(&gCreatedBundle, true);
+}
+
 CFBundleRef CFBundleGetMainBundle() {
     Record("CFBundleGetMainBundle");
     return Answer(&gMainBundle, false);
@@ -107,6 +114,14 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRe
     Record("CFURLCreateCopyAppendingPathComponent", Name(allocator), Name(url), Name(component),
            isDirectory != 0 ? "true" : "false");
     return Answer(url == &gBundleURL ? &gFolderURL : &gFileURL, true);
+}
+
+CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
+                                                 CFIndex length, Boolean isDirectory) {
+    Record("CFURLCreateFromFileSystemRepresentation", Name(allocator),
+           std::string(reinterpret_cast<const char*>(path), static_cast<std::size_t>(length)),
+           isDirectory != 0 ? "true" : "false");
+    return Answer(&gPathURL, true);
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,

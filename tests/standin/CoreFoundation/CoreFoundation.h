@@ -1,4 +1,4 @@
-// The few names of CoreFoundation that the library uses, to compile its macOS source where there is
+// The few names of CoreFoundation that are used here, to compile the macOS sources where there is
 // no CoreFoundation. CoreFoundationStandIn.h says what the calls do.
 #ifndef ORVALANGUAGE_TESTS_STANDIN_COREFOUNDATION_H
 #define ORVALANGUAGE_TESTS_STANDIN_COREFOUNDATION_H
@@ -9,6 +9,7 @@
 extern "C" {
 
 using Boolean = unsigned char;
+using UInt8 = unsigned char;
 using CFIndex = long;
 using CFStringEncoding = std::uint32_t;
 using CFURLPathStyle = CFIndex;
@@ -22,6 +23,7 @@ constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
 constexpr CFURLPathStyle kCFURLPOSIXPathStyle = 0;
 extern const CFAllocatorRef kCFAllocatorDefault;
 
+CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
 CFBundleRef CFBundleGetMainBundle();
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle);
@@ -31,6 +33,8 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRe
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding);
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
+CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
+                                                 CFIndex length, Boolean isDirectory);
 Boolean CFStringGetFileSystemRepresentation(CFStringRef string, char* buffer, CFIndex capacity);
 void CFRelease(CFTypeRef object);
 }
