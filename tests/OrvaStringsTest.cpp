@@ -1,6 +1,7 @@
 // The tool's commands, run in this process; what they print is compared whole.
 #include <cctype>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -8,14 +9,17 @@
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <system_error>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/StoredForm.h"
 #include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/Printable.h"
 #include "tools/orva-strings/TemporaryFolder.h"
 #include "tools/orva-strings/Tool.h"
 
@@ -365,6 +369,7 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         {"protect", "--in-place", "-"},
         {"protect", "-", "--key-file", ""},
         {"reveal", "-", "--key-file="},
+        {"reveal", "--key-file=", DEVELOPMENT_KEY, "-"},
         {"rekey", "-", "--from", "", "--to", DEVELOPMENT_KEY},
         {"rekey", "-", "--from", DEVELOPMENT_KEY, "--to", ""},
         {"key", "new", ""},
@@ -429,12 +434,32 @@ TEST_F(OrvaStrings, ReportsInputThatCannotBeRead) {
     EXPECT_EQ(err.str(), "orva-strings: error: standard input: Input/output error\n");
 }
 
-TEST_F(OrvaStrings, TakesArgumentsInBracketsAsTheyAre) {
+TEST_F(OrvaStrings, TakesEveryArgumentAsItIs) {
     const std::string file = Write("[x]", "QVLANG=[en,fr]\n[A,B]=1\n");
     std::filesystem::current_path(m_folder.Path());
     EXPECT_EQ(Run({"show", "[x]", "--language", "[en,fr]", "[A,B]"}), 0);
     EXPECT_EQ(m_out, "[A,B]=\"1\"\n");
     EXPECT_EQ(m_err, "");
+    for (const std::string language : {"++", "", "[]", "[a]\n", "\n"}) {
+        for (const auto& arguments : std::vector<std::vector<std::string>>{
+                 {"show", "--language", language, "-", language},
+                 {"show", "--language=" + language, "-", language},
+                 {"show", "--language=" + language, "--", "-", language}}) {
+            EXPECT_EQ(Run(arguments, "QVLANG=x\n"), 1) << ::testing::PrintToString(arguments);
+            std::ostringstream expected;
+            if (!language.empty()) {
+                expected << "-: note: there is no section " << Printable{language}
+                         << ", so this is the first\n";
+            }
+            expected << "-: error: " << Printable{language}
+                     << ": there is no such key in the section\n";
+            EXPECT_EQ(m_err, expected.str());
+        }
+    }
+    EXPECT_EQ(Run({"show", "--", "-", "--key=[x]"}, "QVLANG=x\n--key\n"), 1);
+    EXPECT_EQ(m_err, "-: error: --key=[x]: there is no such key in the section\n");
+    EXPECT_EQ(Run({"protect", "-", "[x]"}), 2);
+    EXPECT_EQ(m_err.find("\\x0A"), std::string::npos) << m_err;
     std::filesystem::current_path("/");
 }
 

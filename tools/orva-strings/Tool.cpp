@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <new>
+#include <string_view>
 #include <utility>
 
 #include "tools/orva-strings/Commands.h"
@@ -35,33 +36,41 @@ struct Options {
     bool isRevealed = false;
 };
 
-// An empty name, from a variable that is not set, is no wish for the key built in.
-std::string NamesAFile(const std::string& name) {
-    return name.empty() ? "it names no file" : "";
-}
-
 Key KeyOf(const std::string& path) {
     return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
 }
 
-// Whether an argument is in brackets, as far as the line feeds at its end.
-bool IsInBrackets(const std::string& argument) {
-    const std::size_t last = argument.find_last_not_of('\n');
-    return last != std::string::npos && argument.front() == '[' && argument[last] == ']';
+// Whether the parser would not take an argument as it is, the line feeds at its end apart: a list in
+// brackets, the sign that ends a command, and nothing at all, for which it takes the next argument.
+bool IsSpecial(std::string_view argument) {
+    const std::string_view text = argument.substr(0, argument.find_last_not_of('\n') + 1);
+    return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
 }
 
-// The parser takes an argument in brackets apart, as a list. A line feed more at its end keeps it
-// whole.
-void MarkBrackets(std::string& argument) {
-    if (IsInBrackets(argument)) {
-        argument += '\n';
+// Gives arguments that are special, also those behind an option's =, a line feed more at their end,
+// so that they are no longer.
+void MarkSpecial(std::vector<std::string>& arguments) {
+    bool areOptions = true;
+    for (std::string& argument : arguments) {
+        areOptions = areOptions && argument != "--";
+        const bool isOption = areOptions && argument.compare(0, 2, "--") == 0;
+        const std::size_t equals = isOption ? argument.find('=') : std::string::npos;
+        if (IsSpecial(std::string_view(argument).substr(equals + 1))) {
+            argument += '\n';
+        }
     }
 }
 
 void Unmark(std::string& argument) {
-    if (IsInBrackets(argument) && argument.back() == '\n') {
+    if (IsSpecial(argument) && !argument.empty() && argument.back() == '\n') {
         argument.pop_back();
     }
+}
+
+// An empty name, from a variable that is not set, is no wish for the key built in.
+std::string NamesAFile(std::string name) {
+    Unmark(name);
+    return name.empty() ? "it names no file" : "";
 }
 
 // One run of the tool: where it reads and writes, and what it was asked.
@@ -246,7 +255,7 @@ int Run::Execute(std::vector<std::string> arguments) {
     AddKeyFile(*command);
 
     try {
-        std::for_each(arguments.begin(), arguments.end(), MarkBrackets);
+        MarkSpecial(arguments);
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes a vector
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
@@ -254,7 +263,9 @@ int Run::Execute(std::vector<std::string> arguments) {
             app.exit(error, m_out, m_err);
             return kDone;
         }
-        m_err << "orva-strings: error: " << Printable{error.what()} << " (see --help)\n";
+        std::string message = error.what();
+        message.erase(std::remove(message.begin(), message.end(), '\n'), message.end());  // marks
+        m_err << "orva-strings: error: " << Printable{message} << " (see --help)\n";
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
