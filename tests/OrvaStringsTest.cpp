@@ -110,20 +110,25 @@ TEST_F(OrvaStrings, ReadsStandardInput) {
 
 TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
     const std::string why =
-        ": it stands before the first section, or behind a byte-order mark, and is never read\n";
+        ": it stands before the first section, or behind a byte-order mark or carriage return, and "
+        "is never read\n";
     const struct {
         std::string bytes;
         std::string errors;
     } cases[] = {
         {"", "-:1: error: there is no section in it\n"},
         {"MENU=\"x\"\n", "-:1: error: there is no section in it\n"},
-        {"QVLANG=en\rIDE_X=\"x\"\r",
-         "-:1: error: QVLANG: a carriage return stands within its line, which goes on to the next "
-         "line feed\n"},
-        {"QVLANG=en\r\r\nMENU=\"x\"\r\n", ""},  // no more than one that is too many
+        {"QVLANG=en\rIDE_X=\"x\"\r", "-:1: error: IDE_X" + why},
+        {"QVLANG=en\rIDE_X=1\rMENU=2\rQVLANG=fr\rIDE_Y=3\r",
+         "-:1: error: IDE_X" + why + "-:1: error: QVLANG" + why + "-:1: error: IDE_Y" + why},
+        {"QVLANG=en\nMENU=\"x\"\rIDE_X=\"x\"\r\n", "-:2: error: IDE_X" + why},
+        {"// note\r// note\rIDE_X=\"x\"\nQVLANG=en\n", "-:1: error: IDE_X" + why},
+        {"QVLANG=en\r\r\nMENU=\"x\"\r\r\r\n", ""},
+        {"QVLANG=en\nMENU=\"a\rb\rMENU=\"\n", ""},
         {"MENU=\"x\"\nIDE_X=\"x\"\nQVLANG=en\n", "-:2: error: IDE_X" + why},
         {"\xEF\xBB\xBFQVLANG=en\nIDE_X=\"x\"\nQVLANG=fr\n",
          "-:1: error: QVLANG" + why + "-:2: error: IDE_X" + why},
+        {"\xEF\xBB\xBFIDE_X=\"x\"\nQVLANG=en\n", "-:1: error: IDE_X" + why},
     };
     for (const auto& c : cases) {
         for (const char* command : {"protect", "reveal"}) {

@@ -30,19 +30,15 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
     Findings findings;
     for (const Entry& entry : document.Misplaced()) {
         findings.push_back({entry.line, entry.key +
-                                            ": it stands before the first section, or behind "
-                                            "a byte-order mark, and is never read"});
+                                            ": it stands before the first section, or behind a "
+                                            "byte-order mark or carriage return, and is never "
+                                            "read"});
     }
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
         findings.push_back({0, kNoSection});
     }
     for (const StringsDocument::Section& section : sections) {
-        if (section.name.find('\r') < section.name.size() - 1) {
-            findings.push_back({section.line,
-                                "QVLANG: a carriage return stands within its line, "
-                                "which goes on to the next line feed"});
-        }
         for (const Entry& entry : section.entries) {
             if (!IsProtectedKey(entry.key.c_str())) {
                 continue;

@@ -81,19 +81,26 @@ std::vector<StringsDocument::Section> StringsDocument::Sections() const {
 std::vector<StringsDocument::Entry> StringsDocument::Misplaced() const {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     std::vector<Entry> misplaced;
-    std::string key;
-    std::string value;
+    const auto collect = [&misplaced](std::size_t line, const std::string& text) {
+        std::string key;
+        std::string value;
+        if (KorString::GetLocalizedElement(text, &key, &value) &&
+            (IsProtectedKey(key.c_str()) || KorString::SearchLanguageKey(text, ""))) {
+            misplaced.push_back({line, key, value});
+        }
+    };
+    bool isBeforeFirst = true;
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         const std::string& text = m_lines[i].text;
-        if (KorString::SearchLanguageKey(text, "")) {
-            break;
+        isBeforeFirst = isBeforeFirst && !KorString::SearchLanguageKey(text, "");
+        if (isBeforeFirst) {
+            const bool isMarked = text.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0;
+            collect(i, isMarked ? text.substr(kByteOrderMark.size()) : text);
         }
-        const bool isMarked = text.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0;
-        if (isMarked && KorString::SearchLanguageKey(text.substr(kByteOrderMark.size()), "")) {
-            misplaced.push_back({i, "QVLANG", "behind a byte-order mark"});
-        } else if (KorString::GetLocalizedElement(text, &key, &value) &&
-                   IsProtectedKey(key.c_str())) {
-            misplaced.push_back({i, key, value});
+        for (std::size_t at = text.find('\r'); at != std::string::npos;) {
+            const std::size_t next = text.find('\r', at + 1);
+            collect(i, text.substr(at + 1, next - at - 1));
+            at = next;
         }
     }
     return misplaced;

@@ -33,8 +33,9 @@ public:
     // Every section of the file, in its order. What stands before the first one belongs to none.
     std::vector<Section> Sections() const;
 
-    // What stands before the first section and is never read, but looks as if it was meant to be: a
-    // line with a protected key, and a header behind a byte-order mark.
+    // What is never read, but looks as if it was meant to be: a header behind a byte-order mark, a
+    // protected entry before the first section, and either behind a carriage return, which ends no
+    // line.
     std::vector<Entry> Misplaced() const;
 
     // Gives the entry of a line another value. Quotes, and what stands before the first and behind
