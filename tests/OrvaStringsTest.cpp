@@ -419,6 +419,52 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
         << "nothing else is left in the folder";
 }
 
+// An access list as Linux stores it: what the owner may do, one user more, the group, at most all of
+// these, others.
+std::string AccessList(std::uint16_t user, std::uint16_t group, std::uint16_t mask) {
+    struct Entry {
+        std::uint16_t tag;
+        std::uint16_t rights;
+        std::uint32_t id;
+    };
+    const Entry entries[] = {
+        {0x01, 6, ~0U}, {0x02, user, 12345}, {0x04, group, ~0U}, {0x10, mask, ~0U}, {0x20, 0, ~0U}};
+    const std::uint32_t version = 2;
+    std::string list(reinterpret_cast<const char*>(&version), sizeof version);
+    return list.append(reinterpret_cast<const char*>(entries), sizeof entries);
+}
+
+TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
+    constexpr char kList[] = "system.posix_acl_access";
+    const auto listOf = [&](const std::string& file) {
+        char list[1024];
+        const ssize_t size = getxattr(file.c_str(), kList, list, sizeof list);
+        return size < 0 ? "none" : std::string(list, static_cast<std::size_t>(size));
+    };
+    const auto setList = [](const std::string& file, const char* name, const std::string& list) {
+        return setxattr(file.c_str(), name, list.data(), list.size(), 0) == 0;
+    };
+    const std::string listed = Write("listed", kReadable);
+    const std::string list = AccessList(6, 0, 6);  // the group itself may do nothing
+    if (!setList(listed, kList, list)) {
+        GTEST_SKIP() << "the file system has no access lists";
+    }
+    EXPECT_EQ(Run({"protect", "--in-place", listed}), 0);
+    EXPECT_EQ(listOf(listed), list);
+    EXPECT_EQ(ReadFile(listed), ProtectedFile(DevelopmentKey()));
+
+    // Nor does a new file keep what its folder gives to new ones.
+    const std::string plain = Write("plain", kReadable);
+    ASSERT_EQ(chmod(plain.c_str(), 0640), 0);
+    ASSERT_TRUE(setList(m_folder.Path(), "system.posix_acl_default", AccessList(7, 5, 7)));
+    EXPECT_NE(listOf(Write("new", "")), "none");
+    EXPECT_EQ(Run({"protect", "--in-place", plain}), 0);
+    EXPECT_EQ(listOf(plain), "none");
+    struct stat status = {};
+    ASSERT_EQ(stat(plain.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+}
+
 TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
     ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
     std::thread writer([&] { std::ofstream(Path("pipe")) << kReadable; });
@@ -427,6 +473,16 @@ TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
     EXPECT_EQ(m_err, kDevelopmentKeyNote + "orva-strings: error: " + Path("pipe") +
                          ": not a regular file, which alone can be replaced\n");
     EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe")));
+}
+
+TEST_F(OrvaStrings, ReplacesNothingThatChangedMeanwhile) {
+    const std::string file = Write("x", "late");
+    EXPECT_THROW(ReplaceFile(file, "early", "new"), std::runtime_error);
+    EXPECT_EQ(ReadFile(file), "late");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 1)
+        << "nothing is left beside it";
+    ReplaceFile(file, "late", "new");
+    EXPECT_EQ(ReadFile(file), "new");
 }
 
 TEST_F(OrvaStrings, ReportsInputThatCannotBeRead) {
@@ -502,6 +558,27 @@ TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {
     EXPECT_EQ(Run({"show", "-"}, kReadable), 1);
     EXPECT_NE(m_out, "");
     EXPECT_TRUE(std::filesystem::is_empty(Path("tmp")));
+    unsetenv("TMPDIR");
+}
+
+TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
+    setenv("TMPDIR", "", 1);
+    EXPECT_EQ(Run({"show", "-"}, kReadable), 2);
+    EXPECT_NE(m_err.find("(TMPDIR): "), std::string::npos) << m_err;
+    const std::string deep = Path(std::string(200, 'd')) + "/" + std::string(200, 'd') + "/" +
+                             std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
+                             std::string(200, 'd');
+    std::filesystem::create_directories(deep);
+    setenv("TMPDIR", deep.c_str(), 1);
+    EXPECT_EQ(Run({"show", "-"}, kReadable), 2);
+    EXPECT_NE(m_err.find("the library could not load the copy made there"), std::string::npos)
+        << m_err;
+    EXPECT_TRUE(std::filesystem::is_empty(deep));
+    ASSERT_EQ(chmod(deep.c_str(), 0500), 0);
+    if (geteuid() != 0) {
+        EXPECT_EQ(Run({"show", "-"}, kReadable), 2);
+        EXPECT_NE(m_err.find(": Permission denied"), std::string::npos) << m_err;
+    }
     unsetenv("TMPDIR");
 }
 

@@ -50,15 +50,20 @@ if [ "$olds" -le 3 ] || [ "$news" -le 1 ]; then
 fi
 echo "killed at each of $calls calls"
 
-waited=0
-for n in $(seq "$calls"); do
-    stop_at INTERRUPT_AT "$n" 2>/dev/null
-    [ "$status" = 130 ] || { echo "INTERRUPT_AT=$n ended with $status"; exit 1; }
-    [ "$(find "$work/folder" -type f | wc -l)" = 1 ] || { echo "INTERRUPT_AT=$n left a file"; exit 1; }
-    if cmp -s "$work/folder/file" "$work/new"; then waited=$((waited + 1)); fi
+for SIGNAL in 2 3 14; do  # SIGINT, SIGQUIT, SIGALRM
+    export SIGNAL
+    waited=0
+    for n in $(seq "$calls"); do
+        stop_at INTERRUPT_AT "$n" 2>/dev/null
+        [ "$status" = $((128 + SIGNAL)) ] || { echo "INTERRUPT_AT=$n ended with $status"; exit 1; }
+        [ "$(find "$work/folder" -type f | wc -l)" = 1 ] ||
+            { echo "INTERRUPT_AT=$n left a file"; exit 1; }
+        if cmp -s "$work/folder/file" "$work/new"; then waited=$((waited + 1)); fi
+    done
+    [ "$waited" -gt 4 ] || { echo "only $waited interrupts waited"; exit 1; }
+    echo "interrupted at each of $calls calls, of which $waited waited"
 done
-[ "$waited" -gt 4 ] || { echo "only $waited interrupts waited"; exit 1; }
-echo "interrupted at each of $calls calls, of which $waited waited"
+unset SIGNAL
 
 failures=0
 for n in $(seq "$calls"); do
@@ -81,7 +86,7 @@ echo "failed at each of $calls calls, $failures of them told"
 cp "$work/old" "$work/folder/file"
 CALLS=$work/calls "$tool" protect --in-place "$work/folder/file" 2>/dev/null
 order=$(paste -sd ' ' "$work/calls")
-if [[ $order != *"write fchmod fsync close rename fsync close" ]]; then
+if [[ $order != *"write fchmod fsync close close rename fsync close" ]]; then
     echo "the calls came in this order: $order"
     exit 1
 fi
@@ -90,17 +95,24 @@ cp "$work/old" "$work/folder/file"
 SHORT_WRITES=1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
 cmp "$work/folder/file" "$work/new"
 
-# Who may not keep the owner keeps the group, if he may; no bit outlives whom it was meant for.
-replace_refused() { # WHAT: prints the new mode
+# Who may not keep the owner keeps the group, if he may; no bit outlives whom it was meant for, and
+# none shuts somebody out in vain.
+replace_refused() { # WHAT MODE: prints the new mode
     cp "$work/old" "$work/folder/file"
-    chmod 6754 "$work/folder/file"
+    chmod "$2" "$work/folder/file"
     REFUSE=$1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
     cmp "$work/folder/file" "$work/new"
     stat -c %a "$work/folder/file"
 }
-[ "$(replace_refused nothing)" = 6754 ] || { echo "the mode is not kept"; exit 1; }
-[ "$(replace_refused owner)" = 754 ] || { echo "without the owner the mode is wrong"; exit 1; }
-[ "$(replace_refused group)" = 744 ] || { echo "without the group the mode is wrong"; exit 1; }
+[ "$(replace_refused nothing 6754)" = 6754 ] || { echo "the mode is not kept"; exit 1; }
+[ "$(replace_refused owner 6754)" = 754 ] || { echo "without the owner the mode is wrong"; exit 1; }
+for modes in 754:744 664:644 604:600 606:600 640:600; do
+    for what in group list; do
+        [ "$(replace_refused "$what" "${modes%:*}")" = "${modes#*:}" ] ||
+            { echo "without the $what the mode is wrong: $modes"; exit 1; }
+    done
+done
+[ "$(replace_refused group 6754)" = 744 ] || { echo "without the group the mode is wrong"; exit 1; }
 group=$(id -G | tr ' ' '\n' | tail -1)
 [ "$(id -u)" != 0 ] || group=12345
 chgrp "$group" "$work/folder/file"
@@ -121,15 +133,35 @@ if (ulimit -f 0; exec "$tool" key new "$work/key") 2>/dev/null || [ -e "$work/ke
     exit 1
 fi
 
-# Nothing stays under TMPDIR when nobody reads on.
+# Nothing stays under TMPDIR when nobody reads on, a signal comes or few files may be open.
 mkdir "$work/tmp"
-TMPDIR=$work/tmp "$tool" show --reveal "$work/new" 2>/dev/null | true || true
-[ -z "$(ls "$work/tmp")" ] || { echo "show left a copy"; exit 1; }
+show() { TMPDIR=$work/tmp "$tool" show --reveal "$work/new"; }
+is_clean() { [ -z "$(ls "$work/tmp")" ] || { echo "show left a copy: $1"; exit 1; }; }
+show 2>/dev/null | true || true
+is_clean pipe
+interrupts=0
+head -1 "$work/old" >"$work/short"  # which is written by the calls that are counted
+while ! INTERRUPT_AT=$((interrupts + 1)) TMPDIR=$work/tmp "$tool" show "$work/short" >/dev/null; do
+    interrupts=$((interrupts + 1))
+    is_clean "INTERRUPT_AT=$interrupts"
+done
+[ "$interrupts" -gt 2 ] || { echo "show made only $interrupts calls"; exit 1; }
+shown=0
+for files in $(seq 3 12); do
+    if (ulimit -n "$files"; show) >/dev/null 2>&1; then shown=$((shown + 1)); fi
+    is_clean "$files open files"
+done
+[ "$shown" -ge 5 ] || { echo "only $shown limits were wide enough"; exit 1; }
 
-# A key file that could not be finished does not stay.
+# A key file is whole or not there.
 unfinished=0
-for n in 1 2 3 4 5; do
+for n in 1 2 3 4 5 6; do
     rm -f "$work/key"
+    if INTERRUPT_AT=$n "$tool" key new "$work/key" || [ "$(wc -c <"$work/key")" != 65 ]; then
+        echo "INTERRUPT_AT=$n did not wait for the key"
+        exit 1
+    fi 2>/dev/null
+    rm "$work/key"
     if FAIL_AT=$n "$tool" key new "$work/key" 2>/dev/null; then
         [ "$(wc -c <"$work/key")" = 65 ]
     elif [ -e "$work/key" ]; then
@@ -139,5 +171,5 @@ for n in 1 2 3 4 5; do
         unfinished=$((unfinished + 1))
     fi
 done
-[ "$unfinished" -ge 4 ] || { echo "only $unfinished keys were not finished"; exit 1; }
-echo "calls in their order, short writes, owners, limits, pipes, unfinished keys"
+[ "$unfinished" -ge 5 ] || { echo "only $unfinished keys were not finished"; exit 1; }
+echo "calls in their order, short writes, owners, limits, $interrupts interrupts of show, keys"

@@ -1,9 +1,10 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills
 // the process in the KILL_AT-th of them: before it, or in a write half way through. With INTERRUPT_AT
-// a signal comes that can be held off, as from a user. With FAIL_AT
+// a signal comes that can be held off: SIGNAL, a number. With FAIL_AT
 // the call fails instead, for want of space. With CALLS the names of the calls go to that file; with
 // SHORT_WRITES a write is interrupted every other time, and else writes 100 bytes at most. With
-// REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its group.
+// REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its group, with REFUSE=list its
+// access list can't.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
@@ -21,6 +23,11 @@ int gWrite = 0;
 bool IsTurn(const char* variable) {
     const char* const value = std::getenv(variable);
     return value != nullptr && std::atoi(value) == gCall;
+}
+
+void Interrupt() {
+    const char* const signal = std::getenv("SIGNAL");
+    raise(signal != nullptr ? std::atoi(signal) : SIGINT);
 }
 
 // Whether the call of this name that is being made is to fail; does not return if the process is to
@@ -36,7 +43,7 @@ bool IsToFail(const char* name) {
         raise(SIGKILL);
     }
     if (IsTurn("INTERRUPT_AT")) {
-        raise(SIGINT);
+        Interrupt();
     }
     if (IsTurn("FAIL_AT")) {
         errno = ENOSPC;
@@ -68,7 +75,7 @@ ssize_t write(int file, const void* bytes, size_t length) {
             raise(SIGKILL);
         }
         if (IsTurn("INTERRUPT_AT")) {
-            raise(SIGINT);
+            Interrupt();
         }
     }
     if (std::getenv("SHORT_WRITES") != nullptr) {
@@ -92,6 +99,14 @@ int fchown(int file, uid_t owner, gid_t group) noexcept {
         return -1;
     }
     return System<int(int, uid_t, gid_t)>("fchown")(file, owner, group);
+}
+
+int fremovexattr(int file, const char* name) noexcept {
+    if (IsRefused("list")) {
+        errno = EPERM;
+        return -1;
+    }
+    return System<int(int, const char*)>("fremovexattr")(file, name);
 }
 
 int fchmod(int file, mode_t mode) {

@@ -107,12 +107,15 @@ std::set<std::string> KeysOf(const StringsDocument::Section& section) {
     return keys;
 }
 
-// Has the library load a file of these bytes, which is gone again afterwards.
+// Has the library load a file of these bytes, with a section, which is gone again afterwards.
 void LoadByCopy(const std::string& bytes, const std::string& language) {
     const SignalsHeld held;
     const TemporaryBundle bundle;
     bundle.Write("strings", bytes);
-    ZuLoadStrings(language.c_str(), "strings", bundle.Get());
+    if (ZuLoadStrings(language.c_str(), "strings", bundle.Get()) < 1) {
+        throw std::runtime_error(bundle.Resources().string() +
+                                 ": the library could not load the copy made there");
+    }
 }
 
 // Throws unless the library's table is this section, whole: a load ends the file where memory runs

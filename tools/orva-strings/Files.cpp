@@ -10,6 +10,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "tools/orva-strings/AccessList.h"
 #include "tools/orva-strings/SignalsHeld.h"
 
 namespace {
@@ -77,11 +78,17 @@ private:
     const char* m_path;
 };
 
-// The mode of a file that gets another group: what was meant for the old one goes, but for what is
-// everybody's.
+// The mode of a file that gets another group, whose old one are others now: both have left what both
+// had.
 mode_t WithoutGroup(mode_t mode) {
-    const mode_t everybodys = mode & 0007U;
-    return (mode & 0707U) | (mode & (everybodys << 3U));
+    const mode_t common = mode & (mode >> 3U) & 0007U;
+    return (mode & 0700U) | (common << 3U) | common;
+}
+
+int OpenFolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 std::string ReadAll(const File& file) {
@@ -107,7 +114,7 @@ std::string ReadStandardInput() {
     return ReadAll(File(dup(STDIN_FILENO), "standard input"));
 }
 
-void ReplaceFile(const std::string& path, std::string_view bytes) {
+void ReplaceFile(const std::string& path, std::string_view before, std::string_view bytes) {
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
                                                              std::free);
     struct stat status = {};
@@ -119,23 +126,26 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
     }
 
     const std::string targetPath = target.get();
-    const std::string folder = targetPath.substr(0, targetPath.rfind('/') + 1);
     // Open now, so that after the rename there is nothing left to refuse.
-    const File directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), path.c_str());
+    const File directory(OpenFolderOf(targetPath), path.c_str());
     std::string newPath = targetPath + ".XXXXXX";
     const SignalsHeld held;
-    File file(mkstemp(newPath.data()), path.c_str());
+    File file(mkostemp(newPath.data(), O_CLOEXEC), path.c_str());
     Unfinished unfinished(newPath.c_str());
     file.Write(bytes);
-    // The owner and the group too, where the system lets us. Without the owner the bits that act in
-    // an owner's name go.
+    // Owner, group and list too, where the system lets us. Without both owner and group the bits
+    // that act in their names go.
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
-    const bool hasOwner = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
-    const bool hasGroup = hasOwner || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
-    const mode_t mode = status.st_mode & (hasOwner ? 07777U : 0777U);
-    file.Check(fchmod(file.Get(), hasGroup ? mode : WithoutGroup(mode)) == 0);
+    const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
+    const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
+    const bool hasList = CopyAccessList(targetPath.c_str(), file.Get());
+    const mode_t mode = status.st_mode & (hasBoth ? 07777U : 0777U);
+    file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
     file.Check(fsync(file.Get()) == 0);  // before the name leads to it
     file.Close();
+    if (ReadFile(targetPath) != before) {
+        throw std::runtime_error(path + ": another program has changed it meanwhile");
+    }
     file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
     unfinished.Keep();
 
@@ -143,6 +153,7 @@ void ReplaceFile(const std::string& path, std::string_view bytes) {
 }
 
 void CreatePrivateFile(const std::string& path, std::string_view bytes) {
+    const File directory(OpenFolderOf(path), path.c_str());
     const SignalsHeld held;
     File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
     Unfinished unfinished(path.c_str());
@@ -150,5 +161,6 @@ void CreatePrivateFile(const std::string& path, std::string_view bytes) {
     file.Write(bytes);
     file.Check(fsync(file.Get()) == 0);
     file.Close();
+    directory.Check(fsync(directory.Get()) == 0);
     unfinished.Keep();
 }

@@ -14,11 +14,12 @@ std::string ReadStandardInput();
 
 // Puts bytes in place of those of a regular file that is there. Whenever the process or the machine
 // stops, the file holds all of the old bytes or all of the new ones. Its mode stays, and so do its
-// owner and its group, where the system allows that, and a symbolic link that leads to it. Without
-// the old owner the mode loses the bits that act in an owner's name, without the old group what was
-// meant for that alone. Signals that would end the process wait until it is done. Throws
-// std::runtime_error if it is no regular file.
-void ReplaceFile(const std::string& path, std::string_view bytes);
+// owner, its group and its access list, where the system allows that, and a symbolic link that leads
+// to it. Without the old owner and group the mode loses the bits that act in their names, without
+// the old group or list nobody but the owner gets more than both the group and others had. Signals
+// that would end the process wait until it is done. Throws std::runtime_error if it is no regular
+// file, or no longer holds the bytes before.
+void ReplaceFile(const std::string& path, std::string_view before, std::string_view bytes);
 
 // Makes a file that only its owner may read and write. Refuses if it is there already. Signals wait
 // here too.

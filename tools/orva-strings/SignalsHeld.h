@@ -3,17 +3,17 @@
 
 #include <csignal>
 
-// Holds back the signals by which a user or the system ends a command, until the end of its scope:
-// one that came in between would leave a file behind that is not finished.
+// Holds back every signal that can be, until the end of its scope: one that ended the process in
+// between would leave a file behind that is not finished.
 class SignalsHeld {
 public:
     SignalsHeld() noexcept {
-        sigset_t ending;
-        sigemptyset(&ending);
-        sigaddset(&ending, SIGHUP);
-        sigaddset(&ending, SIGINT);
-        sigaddset(&ending, SIGTERM);
-        pthread_sigmask(SIG_BLOCK, &ending, &m_before);
+        sigset_t all;
+        sigfillset(&all);
+        for (const int fault : {SIGBUS, SIGFPE, SIGILL, SIGSEGV}) {
+            sigdelset(&all, fault);  // undefined while held back
+        }
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
     }
     ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
     SignalsHeld(const SignalsHeld&) = delete;

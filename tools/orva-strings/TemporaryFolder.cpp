@@ -1,18 +1,23 @@
 #include "tools/orva-strings/TemporaryFolder.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <ftw.h>
-#include <stdexcept>
+#include <system_error>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "orva-XXXXXX").string();
+    std::error_code error;
+    std::string name = (fs::temp_directory_path(error) / "orva-XXXXXX").string();
+    if (error) {
+        throw std::system_error(error, "the folder for temporary files (TMPDIR)");
+    }
     if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no temporary folder: " + name);
+        throw std::system_error(errno, std::generic_category(), name);
     }
     try {
         m_path = name;
@@ -24,7 +29,7 @@ TemporaryFolder::TemporaryFolder() {
 
 TemporaryFolder::~TemporaryFolder() {
     // Not remove_all, which throws where memory runs out.
-    constexpr int kOpenFolders = 8;
+    constexpr int kOpenFolders = 1;  // there may be few descriptors left
     nftw(
         m_path.c_str(),
         [](const char* path, const struct stat*, int, FTW*) { return std::remove(path); },
@@ -32,10 +37,11 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void TemporaryFolder::Write(const std::string& name, std::string_view bytes) const {
-    std::ofstream file(m_path / name, std::ios::binary);
+    const fs::path path = m_path / name;
+    std::ofstream file(path, std::ios::binary);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();
     if (!file) {
-        throw std::runtime_error("can't write " + name);
+        throw std::system_error(errno, std::generic_category(), path.string());
     }
 }

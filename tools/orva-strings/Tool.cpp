@@ -148,7 +148,7 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     if (!m_options.isInPlace) {
         m_out << document.Bytes();
     } else if (document.Bytes() != before) {
-        ReplaceFile(m_options.file, document.Bytes());
+        ReplaceFile(m_options.file, before, document.Bytes());
     }
     return kDone;
 }
