@@ -134,7 +134,7 @@ TEST(CCryptAESFreedMemory, HoldsNeitherKeyNorIVNorText) {
         Bytes data = text;
         data.resize(48);
         std::size_t n = 40;
-        const FreedMemoryWatch watch(c.bytes.data() + 8, c.length);
+        const FreedMemoryWatch watch(c.bytes.data(), c.length);
         {
             CCryptAES aes;
             for (int i = 0; i < 2; ++i) {

@@ -195,6 +195,20 @@ TEST_F(HostileFiles, AHugeValueLoadsInBoundedMemory) {
     }
 }
 
+TEST_F(HostileFiles, AHugeKeyLoadsInBoundedMemory) {
+    WriteSparse("QVLANG=en\nABCD", kLongLine, "=1\nEFGH=1\n");
+    {
+        const BoundedLoad bounded(kTimesKept);
+        EXPECT_EQ(Load("en"), 3);
+    }
+    const StringMap::Entry* const entry = KorString::gMapLocalizedStrings.Ordered().front();
+    EXPECT_EQ(entry->Key().size(), kLongLine + 4);
+    EXPECT_EQ(entry->Key().substr(0, 4), "ABCD");
+    EXPECT_TRUE(IsAllNul(entry->Key().substr(4)));
+    EXPECT_EQ(entry->Value(), "1");
+    EXPECT_STREQ(ZuGetLocalizedString("EFGH"), "1");
+}
+
 TEST_F(HostileFiles, AHugeValueOfManyLinesLoadsInBoundedMemory) {
     const std::string part = std::string(1022, 'x') + "\\n";
     const std::size_t parts = kLongLine / part.size();
@@ -320,6 +334,21 @@ TEST_F(HostileFiles, OfAMillionEntriesWithOneKeyTheFirstStays) {
     file += "QVLANG=de\n";
     EXPECT_TRUE(Loads(file, "en", {{"QVLANG", "en"}, {"SAME", "1"}}));
     EXPECT_STREQ(ZuGetLocalizedString("SAME"), "1");
+}
+
+TEST_F(HostileFiles, LongNamesAreToldApartByAnyByte) {
+    for (const std::size_t length : Sizes{255, 256, 1023, 1024, 4096, 1'000'000}) {
+        const std::string name(length, 'n');
+        const std::string other = name.substr(1) + 'm';
+        const std::string file =
+            "QVLANG=first\nABCD=1\nQVLANG=" + name + "\nABCD=2\nQVLANG=" + other + "\nABCD=3\n";
+        EXPECT_TRUE(
+            Loads(file, std::string(length, 'N').c_str(), {{"QVLANG", name}, {"ABCD", "2"}}));
+        EXPECT_TRUE(Loads(file, other.c_str(), {{"QVLANG", other}, {"ABCD", "3"}}));
+        for (const std::string& none : {name + 'n', name.substr(1)}) {
+            EXPECT_TRUE(Loads(file, none.c_str(), {{"QVLANG", "first"}, {"ABCD", "1"}}));
+        }
+    }
 }
 
 TEST_F(HostileFiles, KeysOfAMegabyteAreToldApartByAnyByte) {

@@ -100,7 +100,9 @@ TEST(ProtectedLookup, LeavesNothingBehindButTheCachesEntry) {
 }
 
 TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
-    const std::string text = "another text that nobody is to find in memory that was given back";
+    // An answer ends at the NUL; what is behind it is cleared all the same.
+    const std::string answer = "another text";
+    const std::string text = answer + '\0' + "that nobody is to find in memory that was given back";
     const TemporaryBundle bundle;
     const Bytes key = DevelopmentKey();
     const Bytes derived = DerivedBlocks(key);
@@ -129,7 +131,7 @@ TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
         const std::string goodKey = std::string("IDE_GOOD_") + secret.what;
         const std::string badKey = std::string("IDE_BAD_") + secret.what;
         const FreedMemoryWatch watch(secret.bytes, kBlock);
-        EXPECT_EQ(ZuGetLocalizedString(goodKey.c_str()), text);
+        EXPECT_EQ(ZuGetLocalizedString(goodKey.c_str()), answer);
         EXPECT_GT(FreedMemoryWatch::Blocks(), 10U);
         EXPECT_EQ(ZuGetLocalizedString(badKey.c_str()), nullptr);
         EXPECT_FALSE(FreedMemoryWatch::HasSeen());

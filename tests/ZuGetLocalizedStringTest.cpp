@@ -6,6 +6,7 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/StackAfter.h"
 #include "tests/support/StoredForm.h"
 #include "tools/orva-strings/TemporaryBundle.h"
 
@@ -42,6 +43,21 @@ TEST_F(ZuGetLocalizedStringTest, AnswersOrdinaryAndProtectedTexts) {
     EXPECT_EQ(ZuGetLocalizedString("IDE_NOT_THERE"), nullptr);
     EXPECT_EQ(ZuGetLocalizedString(""), nullptr);
     EXPECT_EQ(ZuGetLocalizedString("ID"), nullptr);
+}
+
+TEST_F(ZuGetLocalizedStringTest, LeavesNeitherKeysNorTextOnTheStack) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+#endif
+    const std::string text = "a text that nobody is to find on the stack of a look-up";
+    ASSERT_EQ(Load(Line("IDE_BEFORE", "x") + Line("IDE_ON_STACK", text)), 3);
+    ZuGetLocalizedString("IDE_BEFORE");  // for what the loader does at the first call
+    const char* answer = nullptr;
+    const Bytes stack = StackAfter([&] { answer = ZuGetLocalizedString("IDE_ON_STACK"); });
+    EXPECT_EQ(answer, text);
+    EXPECT_FALSE(Holds(stack, DevelopmentKey()));
+    EXPECT_FALSE(Holds(stack, DerivedBlocks(DevelopmentKey())));
+    EXPECT_FALSE(Holds(stack, Bytes(text.begin(), text.end())));
 }
 
 TEST_F(ZuGetLocalizedStringTest, ProtectsByTheFirstThreeBytes) {

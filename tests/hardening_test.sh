@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Looks at the built library for what makes a mistake in it hard to use.
+# Looks at the built library, and at how each of its sources is compiled, for what makes a mistake in
+# it hard to use.
 #
-# Usage: hardening_test.sh LIBRARY CONFIGURATION   the build's, such as Release, or nothing
+# Usage: hardening_test.sh LIBRARY COMMANDS CONFIGURATION   COMMANDS: compile_commands.json;
+#                                                 CONFIGURATION: such as Release, or nothing
 set -euo pipefail
-library=$1 configuration=$2
+library=$1 commands=$2 configuration=$3
 
 missing=0
 expect() {  # WHAT COMMAND…
@@ -26,8 +28,15 @@ expect "a text without relocations" lacks "$dynamic" 'TEXTREL'
 expect "a stack's segment" holds "$segments" '^ *GNU_STACK '
 expect "a stack that can't be executed" lacks "$segments" '^ *GNU_STACK .* RWE '
 expect "no segment both writable and executable" lacks "$segments" '^ *LOAD .* RWE '
+compilations=$(grep -E -- ' -o CMakeFiles/orva_(objects|platform)\.dir/' "$commands")
+expect "the library's sources" [ "$(wc -l <<<"$compilations")" -gt 10 ]
+
+# A flag in every compilation, and what it brings in at least one.
+all_have() { ! grep -vqE -- " $1 " <<<"$compilations"; }
 expect "guarded stack frames" holds "$imports" ' __stack_chk_fail$'
+expect "guarded stack frames in each source" all_have -fstack-protector-strong
 if [[ $configuration =~ ^(Release|RelWithDebInfo|MinSizeRel)$ ]]; then
     expect "copies with their bounds checked" holds "$imports" ' __[a-z]+_chk$'
+    expect "copies with their bounds checked in each source" all_have -D_FORTIFY_SOURCE=3
 fi
 [ $missing = 0 ] && echo "hardened"

@@ -22,7 +22,7 @@ cmake --build "$work/tree-build" --target OrvaLanguage >"$work/build.log" 2>&1 |
 library=$(echo "$work"/tree-build/libOrvaLanguage.so.*.*)
 hex=$(od -An -v -tx1 "$library" | tr -d ' \n')
 
-# Anywhere in the file, and the two halves of each on their own.
+# Anywhere in the file, the first and the last eight bytes of each on their own.
 contains() { [[ $hex == *"$1"* ]]; }
 contains "$(printf 'QVLANG=' | od -An -tx1 | tr -d ' \n')" || { echo "the search finds nothing"; exit 1; }
 
