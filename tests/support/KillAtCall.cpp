@@ -26,8 +26,10 @@ bool IsTurn(const char* variable) {
 }
 
 void Interrupt() {
-    const char* const signal = std::getenv("SIGNAL");
-    raise(signal != nullptr ? std::atoi(signal) : SIGINT);
+    const char* const value = std::getenv("SIGNAL");
+    const int number = value != nullptr ? std::atoi(value) : SIGINT;
+    std::signal(number, SIG_DFL);  // a shell ignores some for what runs in the background
+    raise(number);
 }
 
 // Whether the call of this name that is being made is to fail; does not return if the process is to
