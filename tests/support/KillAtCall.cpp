@@ -1,10 +1,9 @@
-// Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills
-// the process in the KILL_AT-th of them: before it, or in a write half way through. With INTERRUPT_AT
-// a signal comes that can be held off: SIGNAL, a number. With FAIL_AT
-// the call fails instead, for want of space. With CALLS the names of the calls go to that file; with
-// SHORT_WRITES a write is interrupted every other time, and else writes 100 bytes at most. With
-// REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its group, with REFUSE=list its
-// access list can't.
+// Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills the
+// process in the KILL_AT-th of them: before it, or in a write half way through. With INTERRUPT_AT a
+// signal comes that can be held off: SIGNAL, a number. With FAIL_AT the call fails instead, for want
+// of space. With CALLS the names of the calls go to that file; with SHORT_TRANSFERS a read or write
+// is interrupted every other time, and else takes 100 bytes at most. With REFUSE=owner a file's owner
+// can't be set, with REFUSE=group nor can its group, with REFUSE=list its access list can't.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -18,7 +17,7 @@
 namespace {
 
 int gCall = 0;
-int gWrite = 0;
+int gTransfer = 0;
 
 bool IsTurn(const char* variable) {
     const char* const value = std::getenv(variable);
@@ -54,6 +53,16 @@ bool IsToFail(const char* name) {
     return false;
 }
 
+// Whether a read or write is; else shortens it.
+bool IsInterrupted(size_t* length) {
+    if (std::getenv("SHORT_TRANSFERS") == nullptr) {
+        return false;
+    }
+    *length = *length < 100 ? *length : 100;
+    errno = EINTR;
+    return ++gTransfer % 2 == 0;
+}
+
 bool IsRefused(const char* what) {
     const char* const refused = std::getenv("REFUSE");
     return refused != nullptr && std::strcmp(refused, what) == 0;
@@ -80,14 +89,16 @@ ssize_t write(int file, const void* bytes, size_t length) {
             Interrupt();
         }
     }
-    if (std::getenv("SHORT_WRITES") != nullptr) {
-        length = length < 100 ? length : 100;
-        if (++gWrite % 2 == 0) {
-            errno = EINTR;
-            return -1;
-        }
+    if (IsInterrupted(&length)) {
+        return -1;
     }
     return IsToFail("write") ? -1 : systems(file, bytes, length);
+}
+
+ssize_t read(int file, void* bytes, size_t length) {
+    return IsInterrupted(&length)
+               ? -1
+               : System<ssize_t(int, void*, size_t)>("read")(file, bytes, length);
 }
 
 int fsync(int file) {

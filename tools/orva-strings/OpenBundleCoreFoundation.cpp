@@ -10,7 +10,7 @@ __CFBundle* OpenBundle(const std::filesystem::path& folder) {
     if (url == nullptr) {
         return nullptr;
     }
-    const CFBundleRef bundle = CFBundleCreate(kCFAllocatorDefault, url);
+    __CFBundle* const bundle = CFBundleCreate(kCFAllocatorDefault, url);
     CFRelease(url);
     return bundle;
 }
