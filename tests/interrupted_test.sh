@@ -153,6 +153,12 @@ for files in $(seq 3 12); do
 done
 [ "$shown" -ge 5 ] || { echo "only $shown limits were wide enough"; exit 1; }
 
+if told=$(ulimit -f 0; show 2>&1) || [[ $told != *"/strings: File too large" ]]; then
+    echo "a copy that can't be written is not told: $told"
+    exit 1
+fi
+is_clean "no room"
+
 # A key file is whole or not there.
 unfinished=0
 for n in 1 2 3 4 5 6; do
