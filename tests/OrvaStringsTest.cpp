@@ -346,6 +346,7 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
         {"a letter", "g" + good.substr(1), false},
         {"a blank", " " + good.substr(1), false},
         {"an @", "@" + good.substr(1), false},
+        {"a colon", ":" + good.substr(1), false},
     };
     for (const auto& c : cases) {
         const std::string file = Write("key", c.bytes);

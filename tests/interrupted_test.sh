@@ -140,20 +140,22 @@ is_clean() { [ -z "$(ls "$work/tmp")" ] || { echo "show left a copy: $1"; exit 1
 show 2>/dev/null | true || true
 is_clean pipe
 interrupts=0
-head -1 "$work/old" >"$work/short"  # which is written by the calls that are counted
+head -1 "$work/old" >"$work/short"
 while ! INTERRUPT_AT=$((interrupts + 1)) TMPDIR=$work/tmp "$tool" show "$work/short" >/dev/null; do
     interrupts=$((interrupts + 1))
     is_clean "INTERRUPT_AT=$interrupts"
 done
 [ "$interrupts" -gt 2 ] || { echo "show made only $interrupts calls"; exit 1; }
-shown=0
-for files in $(seq 3 12); do
-    if (ulimit -n "$files"; show) >/dev/null 2>&1; then shown=$((shown + 1)); fi
-    is_clean "$files open files"
-done
-[ "$shown" -ge 5 ] || { echo "only $shown limits were wide enough"; exit 1; }
+if ! grep -qa __ubsan_handle "$tool"; then  # which opens files, too, and gives up without them
+    shown=0
+    for files in $(seq 3 12); do
+        if (ulimit -n "$files"; show) >/dev/null 2>&1; then shown=$((shown + 1)); fi
+        is_clean "$files open files"
+    done
+    [ "$shown" -ge 5 ] || { echo "only $shown limits were wide enough"; exit 1; }
+fi
 
-if told=$(ulimit -f 0; show 2>&1) || [[ $told != *"/strings: File too large" ]]; then
+if told=$(ulimit -f 10; show 2>&1) || [[ $told != *"/strings: File too large"* ]]; then
     echo "a copy that can't be written is not told: $told"
     exit 1
 fi

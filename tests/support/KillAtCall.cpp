@@ -1,9 +1,10 @@
-// Linked into the tool, puts itself in place of the calls by which a file is replaced, and kills the
-// process in the KILL_AT-th of them: before it, or in a write half way through. With INTERRUPT_AT a
-// signal comes that can be held off: SIGNAL, a number. With FAIL_AT the call fails instead, for want
-// of space. With CALLS the names of the calls go to that file; with SHORT_TRANSFERS a read or write
-// is interrupted every other time, and else takes 100 bytes at most. With REFUSE=owner a file's owner
-// can't be set, with REFUSE=group nor can its group, with REFUSE=list its access list can't.
+// Linked into the tool, puts itself in place of the calls by which a file is replaced or a folder
+// made, and kills the process in the KILL_AT-th of them: before it, or in a write half way through.
+// With INTERRUPT_AT a signal comes that can be held off, behind the making of a folder too: SIGNAL, a
+// number. With FAIL_AT the call fails instead, for want of space. With CALLS the names of the calls go
+// to that file; with SHORT_TRANSFERS a read or write is interrupted every other time, and else takes
+// 100 bytes at most. With REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its
+// group, with REFUSE=list its access list can't.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -99,6 +100,18 @@ ssize_t read(int file, void* bytes, size_t length) {
     return IsInterrupted(&length)
                ? -1
                : System<ssize_t(int, void*, size_t)>("read")(file, bytes, length);
+}
+
+char* mkdtemp(char* name) noexcept {
+    if (IsToFail("mkdtemp")) {
+        return nullptr;
+    }
+    char* const made = System<char*(char*)>("mkdtemp")(name);
+    ++gCall;
+    if (IsTurn("INTERRUPT_AT")) {
+        Interrupt();
+    }
+    return made;
 }
 
 int fsync(int file) {

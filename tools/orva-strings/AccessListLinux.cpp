@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <cstddef>
 #include <linux/limits.h>
 #include <sys/xattr.h>
 
