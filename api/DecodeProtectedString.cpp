@@ -7,8 +7,6 @@
 #include "api/ProtectedForm.h"
 #include "platform/ClearedArray.h"
 
-std::recursive_mutex gDecodeMutex;
-
 namespace {
 
 constexpr std::int32_t kDecoded = 0;

@@ -11,8 +11,6 @@
 #include "api/ProtectedForm.h"
 #include "platform/ClearMemory.h"
 
-StringMap gMapDecodedStrings;
-
 namespace {
 
 // What a buffer for so many bytes asks for. A length of 2 to 4 GiB has come out negative and asks

@@ -30,8 +30,6 @@ std::int32_t ErrorOfStatus(CCCryptorStatus status) noexcept {
 
 }  // namespace
 
-std::mutex gCryptMutex;
-
 CCryptAES::~CCryptAES() = default;
 
 void CCryptAES::Encrypt(std::uint8_t* pData, std::size_t* pnLength, std::size_t nCapacity) const {

@@ -20,16 +20,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int count = ZuLoadStrings(language.c_str(), "x", bundle.Get());
 
     const auto expected = naive::Table(file, language);
-    const StringMap& table = KorString::gMapLocalizedStrings;
+    const KorStringMap& table = KorString::gMapLocalizedStrings;
     Check(count == static_cast<int>(expected.size()), "the number of entries");
     Check(table.Size() == expected.size(), "the size of the table");
     auto entry = expected.begin();
-    for (const StringMap::Entry* const found : table.Ordered()) {
-        Check(found->Key() == entry->first && found->Value() == entry->second, "the entries");
+    for (const auto& [key, value] : table) {
+        Check(key == entry->first && value == entry->second, "the entries");
         const bool isPlain = entry->first.find('\0') == std::string::npos;
-        Check(!isPlain || table.Find(entry->first)->Value().data() ==
+        Check(!isPlain || table.Find(entry->first)->value.data() ==
                               KorGetLocalizedString(entry->first.c_str()),
-              "the look-up");
+              "the lookup");
         ++entry;
     }
     for (const auto& [key, value] : expected) {

@@ -1,6 +1,7 @@
 #include <OrvaLanguage/KorString.h>
 
 #include "platform/ResourcePath.h"
+#include "strings/LocalizedStrings.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ void InsertElement(const std::string& line) {
     std::string key;
     std::string value;
     if (KorString::GetLocalizedElement(line, &key, &value)) {
-        KorString::gMapLocalizedStrings.Insert(key, value);
+        gMapLocalizedStrings.Insert(key, value);
     }
 }
 
@@ -43,7 +44,7 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
     const std::string section = language;
 
     // Not earlier: as long as the file is not open, the host keeps the texts it has.
-    KorString::gMapLocalizedStrings.Clear();
+    gMapLocalizedStrings.Clear();
 
     std::string line;
     if (!FindSection(stream, line, section.c_str())) {
@@ -61,5 +62,5 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
     while (KorString::GetLine(stream, line) && !KorString::SearchLanguageKey(line, "")) {
         InsertElement(line);
     }
-    return static_cast<int>(KorString::gMapLocalizedStrings.Size());
+    return static_cast<int>(gMapLocalizedStrings.Size());
 }

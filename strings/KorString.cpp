@@ -38,7 +38,6 @@ bool SearchKey(const std::string& line, const char* keyword, const char* name) {
 
 const char* KorString::LANG_STATEMENT = "QVLANG=";
 const char* KorString::REGION_STATEMENT = "QVREGION=";
-StringMap KorString::gMapLocalizedStrings;
 
 bool KorString::GetLine(std::ifstream& stream, std::string& line) {
     if (!std::getline(stream, line)) {

@@ -1,9 +1,9 @@
+#include "strings/StringMap.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
 #include <utility>
-
-#include <OrvaLanguage/StringMap.h>
 
 namespace {
 
@@ -24,7 +24,15 @@ char* CopyText(char* to, std::string_view text) noexcept {
 
 }  // namespace
 
-StringMap::~StringMap() = default;
+StringMap::~StringMap() {
+    ForgetOrder();
+}
+
+const StringMap::Entry* const* StringMap::LowerBound(std::string_view key) const {
+    return std::lower_bound(begin(), end(), key, [](const Entry* entry, std::string_view wanted) {
+        return entry->Key() < wanted;
+    });
+}
 
 bool StringMap::Insert(std::string_view key, std::string_view value) {
     const std::size_t hash = Hash(key);
@@ -40,10 +48,12 @@ bool StringMap::Insert(std::string_view key, std::string_view value) {
     CopyText(CopyText(reinterpret_cast<char*>(entry + 1), key), value);
     m_index.Add(entry, hash);
     ++m_nSize;
+    ForgetOrder();
     return true;
 }
 
 void StringMap::Clear() noexcept {
+    ForgetOrder();
     m_index = Index();
     m_memory = Memory();
     m_nSize = 0;
@@ -53,6 +63,26 @@ void StringMap::Grow() {
     Index grown(m_index.Slots() == 0 ? kFirstSlots : 2 * m_index.Slots());
     m_index.ForEach([&](const Entry* entry, std::size_t hash) { grown.Add(entry, hash); });
     m_index = std::move(grown);
+}
+
+const StringMap::Entry* const* StringMap::Ordered() const {
+    const Entry** ordered = m_pOrdered.load(std::memory_order_acquire);
+    if (ordered != nullptr) {
+        return ordered;
+    }
+    std::unique_ptr<const Entry*[]> sorted(new const Entry*[m_nSize]);
+    std::size_t count = 0;
+    m_index.ForEach([&](const Entry* entry, std::size_t) { sorted[count++] = entry; });
+    std::sort(sorted.get(), sorted.get() + count,
+              [](const Entry* a, const Entry* b) { return a->Key() < b->Key(); });
+    // Reading threads may sort at the same time: the first one's order is kept.
+    return m_pOrdered.compare_exchange_strong(ordered, sorted.get(), std::memory_order_acq_rel)
+               ? sorted.release()
+               : ordered;
+}
+
+void StringMap::ForgetOrder() noexcept {
+    delete[] m_pOrdered.exchange(nullptr, std::memory_order_relaxed);
 }
 
 void* StringMap::Memory::Take(std::size_t size) {

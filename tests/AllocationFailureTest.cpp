@@ -44,8 +44,8 @@ std::size_t OpenFiles() {
 bool TableIs(const std::map<std::string, std::string>& expected) {
     const auto& table = KorString::gMapLocalizedStrings;
     for (const auto& [key, value] : expected) {
-        const StringMap::Entry* const entry = table.Find(key);
-        if (entry == nullptr || entry->Value() != value) {
+        const auto entry = table.Find(key);
+        if (!entry || entry->value != value) {
             return false;
         }
     }
@@ -90,7 +90,7 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
             EXPECT_EQ(result, 61);
             EXPECT_TRUE(TableIs(all));
         } else if (outcome == Outcome::kDone && !TableIs({}) &&
-                   table.Find("QVLANG")->Value() == kLong + "skipped") {
+                   table.Find("QVLANG")->value == kLong + "skipped") {
             // Reading a line failed in the search; the file was read anew for its first section.
             EXPECT_EQ(result, 1);
             ++endedEarly;

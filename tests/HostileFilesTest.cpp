@@ -63,8 +63,8 @@ using Sizes = std::vector<std::size_t>;
 
 Table LoadedTable() {
     Table table;
-    for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
-        table.emplace(entry->Key(), entry->Value());
+    for (const auto& [key, value] : KorString::gMapLocalizedStrings) {
+        table.emplace(key, value);
     }
     return table;
 }
@@ -72,12 +72,12 @@ Table LoadedTable() {
 // Whether the table is exactly this one. A plain bool, since a failed comparison of large tables
 // would print them.
 bool TableIs(const Table& expected) {
-    const StringMap& table = KorString::gMapLocalizedStrings;
+    const KorStringMap& table = KorString::gMapLocalizedStrings;
     return table.Size() == expected.size() &&
            std::all_of(expected.begin(), expected.end(), [&](const auto& each) {
                // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a guess, through a map
-               const StringMap::Entry* const entry = table.Find(each.first);
-               return entry != nullptr && entry->Value() == each.second;
+               const auto entry = table.Find(each.first);
+               return entry && entry->value == each.second;
            });
 }
 
@@ -170,11 +170,11 @@ TEST_F(HostileFiles, AHugeHeaderLoadsInBoundedMemory) {
         // A name is compared up to its first NUL.
         EXPECT_EQ(Load("EN"), 2);
     }
-    const auto* const header = KorString::gMapLocalizedStrings.Find("QVLANG");
-    ASSERT_NE(header, nullptr);
-    EXPECT_EQ(header->Value().size(), kLongLine + 2);
-    EXPECT_EQ(header->Value().substr(0, 2), "en");
-    EXPECT_TRUE(IsAllNul(header->Value().substr(2)));
+    const auto header = KorString::gMapLocalizedStrings.Find("QVLANG");
+    ASSERT_TRUE(header);
+    EXPECT_EQ(header->value.size(), kLongLine + 2);
+    EXPECT_EQ(header->value.substr(0, 2), "en");
+    EXPECT_TRUE(IsAllNul(header->value.substr(2)));
     EXPECT_STREQ(ZuGetLocalizedString("QVLANG"), "en");
     EXPECT_STREQ(ZuGetLocalizedString("ABCD"), "1");
 }
@@ -187,10 +187,10 @@ TEST_F(HostileFiles, AHugeValueLoadsInBoundedMemory) {
             const BoundedLoad bounded(kTimesKept);
             EXPECT_EQ(Load("en"), 3);
         }
-        const auto* const entry = KorString::gMapLocalizedStrings.Find("ABCD");
-        ASSERT_NE(entry, nullptr);
-        EXPECT_EQ(entry->Value().size(), kLongLine);
-        EXPECT_TRUE(IsAllNul(entry->Value()));
+        const auto entry = KorString::gMapLocalizedStrings.Find("ABCD");
+        ASSERT_TRUE(entry);
+        EXPECT_EQ(entry->value.size(), kLongLine);
+        EXPECT_TRUE(IsAllNul(entry->value));
         EXPECT_STREQ(ZuGetLocalizedString("EFGH"), "1");
     }
 }
@@ -201,11 +201,11 @@ TEST_F(HostileFiles, AHugeKeyLoadsInBoundedMemory) {
         const BoundedLoad bounded(kTimesKept);
         EXPECT_EQ(Load("en"), 3);
     }
-    const StringMap::Entry* const entry = KorString::gMapLocalizedStrings.Ordered().front();
-    EXPECT_EQ(entry->Key().size(), kLongLine + 4);
-    EXPECT_EQ(entry->Key().substr(0, 4), "ABCD");
-    EXPECT_TRUE(IsAllNul(entry->Key().substr(4)));
-    EXPECT_EQ(entry->Value(), "1");
+    const auto entry = KorString::gMapLocalizedStrings.begin();
+    EXPECT_EQ(entry->key.size(), kLongLine + 4);
+    EXPECT_EQ(entry->key.substr(0, 4), "ABCD");
+    EXPECT_TRUE(IsAllNul(entry->key.substr(4)));
+    EXPECT_EQ(entry->value, "1");
     EXPECT_STREQ(ZuGetLocalizedString("EFGH"), "1");
 }
 
@@ -224,10 +224,10 @@ TEST_F(HostileFiles, AHugeValueOfManyLinesLoadsInBoundedMemory) {
         const BoundedLoad bounded(kTimesKept);
         EXPECT_EQ(Load("en"), 2);
     }
-    const auto* const entry = KorString::gMapLocalizedStrings.Find("ABCD");
-    ASSERT_NE(entry, nullptr);
-    EXPECT_EQ(entry->Value().size(), parts * (part.size() - 1));
-    EXPECT_EQ(entry->Value().substr(1020, 5), "xx\nxx");
+    const auto entry = KorString::gMapLocalizedStrings.Find("ABCD");
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->value.size(), parts * (part.size() - 1));
+    EXPECT_EQ(entry->value.substr(1020, 5), "xx\nxx");
 }
 
 TEST_F(HostileFiles, AHugeLineThatIsNoEntryIsPassedOverInBoundedMemory) {

@@ -1,8 +1,10 @@
 #include <chrono>
 #include <csignal>
+#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <locale>
 #include <map>
 #include <string>
 #include <sys/stat.h>
@@ -23,8 +25,8 @@ using Table = std::map<std::string, std::string>;
 
 Table LoadedTable() {
     Table table;
-    for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
-        table.emplace(entry->Key(), entry->Value());
+    for (const auto& [key, value] : KorString::gMapLocalizedStrings) {
+        table.emplace(key, value);
     }
     return table;
 }
@@ -234,8 +236,8 @@ TEST(KorLoadStrings, WalksTheKeysInByteOrder) {
     bundle.Write("x.strings", "QVLANG=en\nabcd=1\nABCDE=1\nABCD=1\n\xC3\xA4\xC3\xA4=1\nABCd=1\n");
     ASSERT_EQ(KorLoadStrings("en", "x.strings", bundle.Get()), 6);
     std::vector<std::string> keys;
-    for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
-        keys.emplace_back(entry->Key());
+    for (const auto& entry : KorString::gMapLocalizedStrings) {
+        keys.emplace_back(entry.key);
     }
     EXPECT_EQ(keys, (std::vector<std::string>{"ABCD", "ABCDE", "ABCd", "QVLANG", "abcd",
                                               "\xC3\xA4\xC3\xA4"}));

@@ -40,7 +40,7 @@ TEST_F(Lookup, HandsOutTheTablesOwnText) {
     ASSERT_EQ(ZuLoadStrings("en", "x.strings", m_bundle.Get()), 3);
     const char* const text = KorGetLocalizedString("MENU_OPEN");
     EXPECT_EQ(KorGetLocalizedString("MENU_OPEN"), text);
-    EXPECT_EQ(KorString::gMapLocalizedStrings.Find("MENU_OPEN")->Value().data(), text);
+    EXPECT_EQ(KorString::gMapLocalizedStrings.Find("MENU_OPEN")->value.data(), text);
 }
 
 TEST_F(Lookup, KeepsATextOverALoadThatFailsBeforeTheFileIsOpen) {

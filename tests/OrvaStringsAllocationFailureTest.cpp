@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include <OrvaLanguage/KorString.h>
 #include <gtest/gtest.h>
 
 #include "api/PlaintextCache.h"
+#include "strings/LocalizedStrings.h"
 #include "tests/support/FailingAllocation.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/TemporaryFolder.h"
@@ -78,7 +78,7 @@ protected:
                 std::move(passed), [] { return std::string(kReadable); }, out, err);
             m_hasFailed = FailingAllocation::HasFailed();
         }
-        KorString::gMapLocalizedStrings.Clear();
+        gMapLocalizedStrings.Clear();
         gMapDecodedStrings.Clear();
         m_left = LiveAllocations() - live;
         EXPECT_EQ(OpenFiles(), files);

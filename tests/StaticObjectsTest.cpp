@@ -52,7 +52,7 @@ TEST(StaticObjects, AreMadeInTheirOrder) {
     }
 
     // Whether a lock needs to be destroyed depends on the standard library.
-    std::vector<std::string> expected = {"gMapDecodedStrings", "KorString::gMapLocalizedStrings"};
+    std::vector<std::string> expected = {"gMapDecodedStrings", "gMapLocalizedStrings"};
     if (!std::is_trivially_destructible_v<std::recursive_mutex>) {
         expected.emplace_back("gDecodeMutex");
     }

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include <OrvaLanguage/StringMap.h>
 #include <gtest/gtest.h>
 
+#include "strings/StringMap.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/KeysOfOneHash.h"
 
@@ -28,7 +28,7 @@ std::size_t InsertWithFailures(const std::vector<std::string>& keys) {
                 ++failures;
                 EXPECT_EQ(map.Size(), size);
                 EXPECT_EQ(map.Find(key), nullptr);
-                EXPECT_EQ(map.Ordered().size(), size);
+                EXPECT_EQ(static_cast<std::size_t>(map.end() - map.begin()), size);
             }
         }
         EXPECT_NE(map.Find(key), nullptr) << key;

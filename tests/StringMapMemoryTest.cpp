@@ -2,9 +2,9 @@
 #include <string>
 #include <vector>
 
-#include <OrvaLanguage/StringMap.h>
 #include <gtest/gtest.h>
 
+#include "strings/StringMap.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/KeysOfOneHash.h"
 
@@ -50,15 +50,20 @@ TEST_F(StringMapMemory, ComesInBlocksThatDouble) {
     }
 }
 
-TEST_F(StringMapMemory, IsAskedForOnceToOrderTheEntries) {
+TEST_F(StringMapMemory, IsAskedForOnceToOrderTheEntriesAfterAChange) {
     for (int i = 0; i < 10; ++i) {
         Insert(kSmall);
     }
-    const FailingAllocation failing(2);
-    EXPECT_EQ(m_map.Ordered().size(), 10U);
+    for (int walk = 0; walk < 2; ++walk) {
+        const FailingAllocation failing(walk == 0 ? 2 : 1);
+        EXPECT_EQ(m_map.end() - m_map.begin(), 10);
+        EXPECT_EQ(FailingAllocation::SizeOfFirst(), walk == 0 ? 10 * sizeof(void*) : 0U);
+    }
+    Insert(kSmall);
+    const FailingAllocation failing(1);
+    EXPECT_THROW(m_map.begin(), std::bad_alloc) << "sorted anew after a change";
 }
 
-// Hosts have compiled in how far a look-up goes through the index.
 TEST_F(StringMapMemory, IsAskedForByTheSixtyFifthKeyOfOneHash) {
     const std::vector<std::string> keys = KeysOfOneHash(65);
     // Other entries first, away from theirs, so that the index has no need to grow meanwhile.

@@ -1,24 +1,29 @@
-// The layer beneath OrvaLanguage.h, for hosts in C++: the loader, the plain look-up, the table
+// The layer beneath OrvaLanguage.h, for hosts in C++17: the loader, the plain lookup, the table
 // itself and the functions that read a strings file line by line.
 #ifndef ORVALANGUAGE_KORSTRING_H
 #define ORVALANGUAGE_KORSTRING_H
+
+#if __cplusplus < 201703L
+#error \
+    "<OrvaLanguage/KorString.h> needs C++17 (-std=c++17); <OrvaLanguage/OrvaLanguage.h> does not."
+#else
 
 #include <fstream>
 #include <string>
 
 #include <OrvaLanguage/Export.h>
-#include <OrvaLanguage/StringMap.h>
+#include <OrvaLanguage/KorStringMap.h>
 
 struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
 
 // Does what ZuLoadStrings does, with the same arguments, result and thread rules, but leaves the
-// gate of the look-ups in OrvaLanguage.h as it was.
+// result of the last ZuLoadStrings, which decides whether ZuGetLocalizedString answers, as it was.
 //
 // Throws std::bad_alloc if memory runs out: the table is then the earlier one, if the file was not
 // open yet, or holds the entries read so far. The file is closed.
 ORVA_EXPORT int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundle);
 
-// Looks a key up in the table as it stands, whatever the last load returned.
+// Looks a key up in the table as it is, whatever the last load returned.
 //
 // Returns the stored text, owned by the table and valid until a load opens its file, or null if key
 // is null or not there. Keys match whole and by case. Texts are given as the file has them:
@@ -36,17 +41,18 @@ public:
     KorString() = delete;
 
     // The keywords that open a language line and a region line: "QVLANG=" and "QVREGION=". They are
-    // read anew at every call. Must not be null.
+    // read anew at every call. Must not be null. Where ELF binds them so, several copies of the
+    // library in one process go by the keywords of one, so leave them alone there.
     ORVA_EXPORT static const char* LANG_STATEMENT;
     ORVA_EXPORT static const char* REGION_STATEMENT;
 
-    // The table of the loaded section. Loads change it; a host only reads it.
-    ORVA_EXPORT static StringMap gMapLocalizedStrings;
+    // The table of the loaded section, which loads change and a host reads.
+    ORVA_EXPORT static const KorStringMap& gMapLocalizedStrings;
 
     // Reads the next line, without its line feed and without a carriage return at its very end.
-    // Returns false if there is none, or reading failed, or memory ran out (the stream is then bad,
-    // and nothing is thrown); line then holds nothing of use. A last line without a line feed is a
-    // line.
+    // Returns false if there is none, or reading failed, or memory ran out (the stream is then bad);
+    // line then holds nothing of use. A last line without a line feed is a line. Throws only what
+    // the caller has asked the stream for, with exceptions().
     ORVA_EXPORT static bool GetLine(std::ifstream& stream, std::string& line);
 
     // Whether line opens the section of this name: the keyword by its exact bytes at the very
@@ -70,4 +76,5 @@ public:
                                                 std::string* value);
 };
 
+#endif
 #endif

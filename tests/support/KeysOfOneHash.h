@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <OrvaLanguage/StringMap.h>
+#include "strings/StringMap.h"
 #include <gtest/gtest.h>
 
 // Keys of 40 bytes that all have one hash, and not 0: with these first eight bytes, what follows

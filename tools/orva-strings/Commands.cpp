@@ -124,9 +124,9 @@ void CheckLoaded(const StringsDocument::Section& section) {
     std::string key;
     std::string name;
     KorString::GetLocalizedElement(KorString::LANG_STATEMENT + section.name, &key, &name);
-    const StringMap& table = KorString::gMapLocalizedStrings;
-    const StringMap::Entry* const header = table.Find(kHeaderKey);
-    if (header == nullptr || header->Value() != name || table.Size() != KeysOf(section).size()) {
+    const KorStringMap& table = KorString::gMapLocalizedStrings;
+    const auto header = table.Find(kHeaderKey);
+    if (!header || header->value != name || table.Size() != KeysOf(section).size()) {
         throw std::runtime_error("the section could not be loaded whole");
     }
 }
@@ -206,8 +206,8 @@ bool Show(const StringsDocument& document, const std::string& language,
     }
     std::vector<std::string> wanted = keys;
     if (wanted.empty()) {
-        for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
-            wanted.emplace_back(entry->Key());
+        for (const auto& entry : KorString::gMapLocalizedStrings) {
+            wanted.emplace_back(entry.key);
         }
     }
     const std::map<std::string, std::string> lines = LinesOf(section);

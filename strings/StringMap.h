@@ -1,8 +1,7 @@
-// The library's table of texts, from key to value.
-#ifndef ORVALANGUAGE_STRINGMAP_H
-#define ORVALANGUAGE_STRINGMAP_H
+#ifndef ORVALANGUAGE_STRINGS_STRINGMAP_H
+#define ORVALANGUAGE_STRINGS_STRINGMAP_H
 
-#include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -11,8 +10,9 @@
 #include <string_view>
 #include <vector>
 
-// Keys and values are byte strings of any content. A key is there once: its first value stays. An
-// entry never moves, so its texts are valid until the map is cleared or destroyed.
+// The library's own map from key to value; a host sees it as a KorStringMap. Keys and values are byte
+// strings of any content. A key is there once: its first value stays. An entry never moves, so its
+// texts are valid until the map is cleared or destroyed.
 //
 // Any number of threads may read a map at once; none may while another changes it.
 class StringMap {
@@ -37,6 +37,8 @@ public:
         std::size_t m_nValueLength;
     };
 
+    StringMap() noexcept = default;
+    ~StringMap();
     StringMap(const StringMap&) = delete;
     StringMap& operator=(const StringMap&) = delete;
 
@@ -45,23 +47,14 @@ public:
     // The entry of exactly this key, or null.
     const Entry* Find(std::string_view key) const noexcept { return m_index.Find(key, Hash(key)); }
 
-    // Every entry, its key ordered by unsigned bytes, a prefix before what it begins. It costs a
-    // sort at each call. Throws std::bad_alloc if memory runs out.
-    std::vector<const Entry*> Ordered() const {
-        std::vector<const Entry*> entries;
-        entries.reserve(m_nSize);
-        m_index.ForEach([&](const Entry* entry, std::size_t) { entries.push_back(entry); });
-        std::sort(entries.begin(), entries.end(),
-                  [](const Entry* a, const Entry* b) { return a->Key() < b->Key(); });
-        return entries;
-    }
+    // Walks the entries by key, ordered by unsigned bytes, a prefix before what it begins. The first
+    // call after a change sorts them and throws std::bad_alloc if memory runs out; the order is kept
+    // until the next change.
+    const Entry* const* begin() const { return Ordered(); }
+    const Entry* const* end() const { return Ordered() + m_nSize; }
 
-    // What follows is for the library alone: a host can't change a map or make one of its own, as
-    // none of that is exported. It must be built with the standard library that this one was built
-    // with, whose types are among the members.
-
-    StringMap() noexcept = default;
-    ~StringMap();
+    // The first entry in that order whose key is not less than this one, or end().
+    const Entry* const* LowerBound(std::string_view key) const;
 
     // Adds an entry with copies of both texts. Returns false, and changes nothing, if the key is
     // there already. Throws std::bad_alloc if memory runs out; then the entries are as before, though
@@ -198,9 +191,13 @@ private:
 
     void Grow();
 
+    const Entry* const* Ordered() const;
+    void ForgetOrder() noexcept;
+
     Index m_index;
     Memory m_memory;
     std::size_t m_nSize = 0;
+    mutable std::atomic<const Entry**> m_pOrdered = nullptr;  // owned, or null: not sorted yet
 };
 
 #endif
