@@ -1,9 +1,20 @@
+#include <locale>
+
 #include <OrvaLanguage/KorString.h>
 
 #include "platform/ResourcePath.h"
 #include "strings/LocalizedStrings.h"
 
 namespace {
+
+// A stream that gives the file's bytes as they are: the host's global locale, which a new stream
+// takes over, may convert them.
+std::ifstream OpenBytes(const char* path) {
+    std::ifstream stream;
+    stream.imbue(std::locale::classic());
+    stream.open(path);
+    return stream;
+}
 
 // Reads on to the header line of the section of this name ("": of any) and leaves it in line.
 bool FindSection(std::ifstream& stream, std::string& line, const char* name) {
@@ -35,13 +46,14 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
     if (path[0] == '\0') {
         return 0;
     }
-    std::ifstream stream(path);
+    // A host may name the section by a text of the very table that goes now ("QVLANG", to load
+    // another file in the same language). Copied before the file is open, so that a copy that fails
+    // leaves the table alone.
+    const std::string section = language;
+    std::ifstream stream = OpenBytes(path);
     if (!stream) {
         return 0;
     }
-    // A host may name the section by a text of the very table that goes now ("QVLANG", to load
-    // another file in the same language).
-    const std::string section = language;
 
     // Not earlier: as long as the file is not open, the host keeps the texts it has.
     gMapLocalizedStrings.Clear();
@@ -52,7 +64,7 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
         // more, no line is found and the table stays empty. The stream is made anew: one of libc++
         // that read a pipe, which can't seek back as its close would, crashes when it reads again.
         stream.close();
-        stream = std::ifstream(path);
+        stream = OpenBytes(path);
         if (!FindSection(stream, line, "")) {
             return 0;
         }

@@ -52,6 +52,22 @@ bool TableIs(const std::map<std::string, std::string>& expected) {
     return table.Size() == expected.size();
 }
 
+// The allocations of a load of a file that is missing, each of which failed once.
+std::size_t AllocationsBeforeTheOpen(const std::string& language) {
+    const TemporaryBundle bundle;
+    std::size_t n = 0;
+    do {
+        ++n;
+        RunWithFailure(n, [&] { ZuLoadStrings(language.c_str(), "missing", bundle.Get()); });
+    } while (FailingAllocation::HasFailed());
+    return n - 1;
+}
+
+// A failure after it would leave the earlier table, though the file was open.
+TEST(AllocationFailure, ComesBeforeTheOpenInCopyingTheLanguage) {
+    EXPECT_EQ(AllocationsBeforeTheOpen(kLong), AllocationsBeforeTheOpen("") + 1);
+}
+
 TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
     const TemporaryBundle bundle;
     bundle.Write("old", "QVLANG=old\nOLD_KEY=1\n");

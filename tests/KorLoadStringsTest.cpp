@@ -231,6 +231,37 @@ TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
     EXPECT_EQ(loaded.get(), 2);
 }
 
+// A host's own conversion: every byte that is read becomes an x.
+class ReadsAsX : public std::codecvt<char, char, std::mbstate_t> {
+protected:
+    bool do_always_noconv() const noexcept override { return false; }
+    result do_in(std::mbstate_t& /*state*/, const char* from, const char* fromEnd,
+                 const char*& fromNext, char* to, char* toEnd, char*& toNext) const override {
+        fromNext = from;
+        for (toNext = to; fromNext != fromEnd && toNext != toEnd; ++fromNext) {
+            *toNext++ = 'x';
+        }
+        return ok;
+    }
+};
+
+TEST(KorLoadStrings, ReadsBytesWhateverTheGlobalLocaleConverts) {
+    const TemporaryBundle bundle;
+    bundle.Write("x.strings", kTwoLanguages);
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new ReadsAsX));
+    std::ifstream converting(bundle.Resources() / "x.strings");
+    EXPECT_EQ(converting.get(), 'x') << "the locale is not the one this test needs";
+    // The second one is found when the file is read again.
+    const int entries[] = {KorLoadStrings("fr", "x.strings", bundle.Get()),
+                           KorLoadStrings("missing", "x.strings", bundle.Get())};
+    const Table table = LoadedTable();
+    std::locale::global(before);
+    EXPECT_EQ(entries[0], 2);
+    EXPECT_EQ(entries[1], 3);
+    EXPECT_EQ(table, kEnglish);
+}
+
 TEST(KorLoadStrings, WalksTheKeysInByteOrder) {
     const TemporaryBundle bundle;
     bundle.Write("x.strings", "QVLANG=en\nabcd=1\nABCDE=1\nABCD=1\n\xC3\xA4\xC3\xA4=1\nABCd=1\n");
