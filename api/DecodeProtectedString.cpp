@@ -5,6 +5,7 @@
 
 #include "api/KeyMaterial.h"
 #include "api/ProtectedForm.h"
+#include "platform/ClearRegisters.h"
 #include "platform/ClearedArray.h"
 
 namespace {
@@ -53,10 +54,13 @@ void DecodeProtectedString(std::int32_t* pStatus, std::int32_t nLength, const ch
     if (pStatus == nullptr) {
         return;
     }
-    const std::lock_guard<std::recursive_mutex> lock(gDecodeMutex);
-    try {
-        *pStatus = Decode(nLength, pText, pOutputLength, pOutput);
-    } catch (...) {
-        *pStatus = kNotDecoded;
+    {
+        const std::lock_guard<std::recursive_mutex> lock(gDecodeMutex);
+        try {
+            *pStatus = Decode(nLength, pText, pOutputLength, pOutput);
+        } catch (...) {
+            *pStatus = kNotDecoded;
+        }
     }
+    ClearRegisters();
 }

@@ -10,6 +10,7 @@
 #include "api/PlaintextCache.h"
 #include "api/ProtectedForm.h"
 #include "platform/ClearMemory.h"
+#include "platform/ClearRegisters.h"
 
 namespace {
 
@@ -42,6 +43,7 @@ std::size_t BufferSize(std::int32_t length) {
         gMapDecodedStrings.Insert(key, output);
         ClearMemory(output, static_cast<std::size_t>(length));
         delete[] output;
+        ClearRegisters();  // of the text
     } catch (...) {
         // The buffer is left unreleased on purpose: it may hold plaintext, which the heap would
         // hand on uncleared, and with memory at its end the process has little time left to miss

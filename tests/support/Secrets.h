@@ -1,0 +1,14 @@
+#ifndef ORVALANGUAGE_TESTS_SUPPORT_SECRETS_H
+#define ORVALANGUAGE_TESTS_SUPPORT_SECRETS_H
+
+#include <utility>
+#include <vector>
+
+#include "tests/support/Hex.h"
+
+// What decoding works with and nobody is to find afterwards, each with a name for it: the key
+// material, what is derived from it, the round keys of each, and the text.
+std::vector<std::pair<const char*, Bytes>> SecretsOf(const Bytes& material,
+                                                     const std::string& text);
+
+#endif
