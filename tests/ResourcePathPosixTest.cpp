@@ -128,6 +128,27 @@ TEST(ResourcePath, FollowsALinkAndKeepsItsName) {
     EXPECT_EQ(PathIn(folder.Path() / "link", "x"), folder.Path() / "link/Contents/Resources/x");
 }
 
+TEST(ZuOpenBundle, OfALinkIsTheFolderThatItLeadsToAtEachLoad) {
+    const TemporaryFolder folder;
+    fs::create_directories(folder.Path() / "one");
+    fs::create_directories(folder.Path() / "two.framework" / "Resources");
+    fs::create_directories(folder.Path() / "two.framework" / "Contents");
+    folder.Write("one/x", "QVLANG=en\nABCD=one\n");
+    folder.Write("two.framework/Resources/x", "QVLANG=en\nABCD=two\n");
+    const fs::path link = folder.Path() / "link";
+    fs::create_directory_symlink("one", link);
+    __CFBundle* const bundle = ZuOpenBundle(link.c_str());
+    EXPECT_EQ(ZuLoadStrings("en", "x", bundle), 2);
+    EXPECT_STREQ(ZuGetLocalizedString("ABCD"), "one");
+
+    fs::remove(link);
+    EXPECT_EQ(ZuLoadStrings("en", "x", bundle), 0) << "it leads nowhere";
+    fs::create_directory_symlink("two.framework", link);
+    EXPECT_EQ(ZuLoadStrings("en", "x", bundle), 2);
+    EXPECT_STREQ(ZuGetLocalizedString("ABCD"), "two");
+    ZuCloseBundle(bundle);
+}
+
 TEST(ResourcePath, KnowsAFrameworkByItsOwnName) {
     const TemporaryFolder folder;
     const fs::path framework = folder.Path() / "G.framework";

@@ -55,23 +55,23 @@ public:
     // the caller has asked the stream for, with exceptions().
     ORVA_EXPORT static bool GetLine(std::ifstream& stream, std::string& line);
 
-    // Whether line opens the section of this name: the keyword by its exact bytes at the very
-    // start, then the name, compared whole but for the case of ASCII letters. The name "" stands
-    // for every section. False for a null name and for an empty line.
+    // Whether line opens the section of this name: the keyword's exact bytes at the very start, then
+    // the name, compared whole and without regard to the case of ASCII letters. The name "" matches
+    // every section. False for a null name and for an empty line.
     ORVA_EXPORT static bool SearchLanguageKey(std::string line, const char* language);
 
     // The same for REGION_STATEMENT. The loader has no use for it: a region line is an entry.
     ORVA_EXPORT static bool SearchRegionKey(std::string line, const char* region);
 
-    // Returns the text with each backslash that a lower-case n follows, and that n, made one line
-    // feed. Every other byte stays. The text must not be null and is not changed.
+    // Returns a copy of the text, which must not be null, with each "\n" escape (a backslash and a
+    // lower-case n) replaced by one line feed.
     ORVA_EXPORT static std::string ConvertNewLine(const std::string* text);
 
-    // Splits a line at its first "=", which must have four bytes or more before it. If the value
-    // holds a double quote, it is what stands between the first and the last one, with "\n"
-    // expanded; with a single quote, it is all that follows the quote. Without one it is kept as it
-    // is. Returns false if the line is no such line; key and value, which must not be null, are
-    // then untouched.
+    // Splits a line at its first "=", which must have four bytes or more before it. If the rest has
+    // double quotes, the value is what is between the first and the last, with "\n" expanded; if
+    // there is only one double quote, it is everything after it. Without any, the rest is kept as it
+    // is. Returns false if the line is no such line; key and value, which must not be null, are then
+    // untouched.
     ORVA_EXPORT static bool GetLocalizedElement(std::string line, std::string* key,
                                                 std::string* value);
 };

@@ -9,9 +9,11 @@
  * - A failure shows in the result alone (0, or null). Nothing is printed or logged, errno means
  *   nothing, and no call ends the process. The one exception that can leave a call is
  *   std::bad_alloc, when memory runs out; a C host ends there.
- * - There is one table for the whole process, and it has no lock. Look-ups may run at the same time
- *   as look-ups, but for the first of a protected key (see ZuGetLocalizedString); a load must not
- *   run at the same time as another load or a look-up.
+ * - There is one table for each copy of the library in the process, and it has no lock. Lookups may
+ *   run at the same time as lookups, except for the first of a protected key (see
+ *   ZuGetLocalizedString). A load must not run at the same time as another load or a lookup, nor any
+ *   call while the process exits or the library is unloaded: the table goes then, so a host joins
+ *   its threads first, or ends with _exit.
  */
 #ifndef ORVALANGUAGE_ORVALANGUAGE_H
 #define ORVALANGUAGE_ORVALANGUAGE_H
@@ -46,12 +48,11 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * - the table is empty where the file was opened but holds no section, as with an empty file or a
  *   folder.
  *
- * A file that can't be read on, and a line that memory does not suffice for, end the file there:
- * the entries up to it count, and a section that was not reached yet is one the file does not have.
+ * A read error, or a line too long for memory, is treated as the end of the file: the entries before
+ * it count, and a section not reached counts as missing.
  *
- * Throws std::bad_alloc if memory runs out elsewhere: the table is then the earlier one, if the
- * file was not open yet, or holds the entries read so far, and look-ups go on by the result of the
- * load before.
+ * Throws std::bad_alloc if memory runs out elsewhere. The table is then the earlier one, if the file
+ * was not open yet, or holds the entries read so far, and lookups behave as after the previous load.
  *
  * Every text handed out from the table is invalid once a load has opened its file.
  */
@@ -67,16 +68,16 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
  * - the last ZuLoadStrings returned 0, or none has run, whatever KorLoadStrings may have loaded;
  * - the table has no such key;
  * - the key is protected, that is, begins with "IDE", and its stored text does not decode: it was
- *   never protected, was damaged, or made with another key. Each look-up tries again.
+ *   never protected, was damaged, or made with another key. Each lookup tries again.
  *
  * An ordinary text is valid until a load opens its file. A protected text is decoded at its first
- * look-up and kept: it is valid until the process exits, and every later look-up returns the same,
- * even if a reload has brought another text for its key; a reload without the key makes it null. If
- * memory runs out at the first look-up it is null, or empty from then on.
+ * lookup and kept: it is valid until the process exits, and every later lookup returns the same,
+ * even if a reload has brought another text for its key. After a reload that lacks the key the answer
+ * is null. If memory runs out at the first lookup the answer is null, or empty from then on.
  *
- * The first look-up of a protected key that gives its text changes what the library keeps: it must
- * not run at the same time as another look-up of a protected key. A host with several threads looks
- * each one up before it starts them. Throws nothing.
+ * The first successful lookup of a protected key writes to the cache of decoded texts, so it must not
+ * run at the same time as another lookup of a protected key. A host with several threads looks each
+ * one up before it starts them. Throws nothing.
  */
 ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
 
@@ -90,7 +91,8 @@ ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
  * Which of these holds is asked anew at each load.
  *
  * A relative path is taken from the folder that is current at this call. The path may be a symbolic
- * link to a folder: the bundle is then that folder, the ".framework" of its name included.
+ * link to a folder. Each load follows it anew, so the bundle is the folder that it leads to then,
+ * the ".framework" of that folder's name included.
  *
  * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder.
  * May run on any thread at any time; so may ZuCloseBundle with a bundle that no call is using.
