@@ -45,6 +45,7 @@ protected:
         gSizingOutputLength = 0;
         gFillingStatus = 0;
         gLoadedCount = 1;
+        gMapDecodedStrings.Clear();  // so that each test's first entry takes memory
     }
 
     std::vector<Call> m_calls;
@@ -155,7 +156,7 @@ TEST_F(DecoderCalls, FindsNoMemoryForATextOf2GiB) {
     close(file);
 }
 
-TEST_F(DecoderCalls, LeaveTheBufferWhenMemoryRunsOutBehindThem) {
+TEST_F(DecoderCalls, LeaveTheBufferWhenMemoryRunsOutAfterThem) {
     const std::size_t live = LiveAllocations();
     {
         const FailingAllocation failing(1);  // the buffer
@@ -171,7 +172,7 @@ TEST_F(DecoderCalls, LeaveTheBufferWhenMemoryRunsOutBehindThem) {
     EXPECT_LE(LiveAllocations(), live + 2) << "the buffer, and what the cache grew by";
     EXPECT_GE(LiveAllocations(), live + 1) << "the buffer is left on purpose";
     EXPECT_EQ(gMapDecodedStrings.Find("IDE_BUFFER"), nullptr);
-    EXPECT_STREQ(ZuGetLocalizedString("IDE_BUFFER"), "text") << "the next look-up tries again";
+    EXPECT_STREQ(ZuGetLocalizedString("IDE_BUFFER"), "text") << "the next lookup tries again";
 }
 
 }  // namespace
