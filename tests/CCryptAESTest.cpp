@@ -1,4 +1,6 @@
 #include <chrono>
+#include <cstddef>
+#include <cstring>
 #include <future>
 #include <memory>
 #include <string>
@@ -66,6 +68,47 @@ TEST(CCryptAES, HasItsPlaceInTheTreeOfClasses) {
     EXPECT_FALSE(std::is_copy_assignable_v<CCryptAES>);
     EXPECT_FALSE(std::is_move_constructible_v<CCryptAES>);
     EXPECT_EQ(sizeof(CCryptAES), sizeof(CCryptAESBase)) << "it adds no fields";
+}
+
+// The place of a virtual function in its class's table, which a pointer to it holds as the offset
+// plus one.
+#ifdef __x86_64__
+template <typename Function>
+std::size_t PlaceOf(Function function) {
+    std::size_t pointer = 0;
+    std::memcpy(&pointer, &function, sizeof pointer);
+    return (pointer - 1) / sizeof(void*);
+}
+
+TEST(CCryptAES, HasItsVirtualFunctionsInTheirOrder) {
+    // After the two entries of the destructor.
+    EXPECT_EQ(PlaceOf(&CCryptBase::Encrypt), 2U);
+    EXPECT_EQ(PlaceOf(&CCryptBase::Decrypt), 3U);
+    EXPECT_EQ(PlaceOf(&CCryptBase::GetEncryptedSize), 4U);
+    EXPECT_EQ(PlaceOf(&CCryptBase::GetDecryptedSize), 5U);
+    EXPECT_EQ(PlaceOf(&CCryptAES::Encrypt), 2U);
+    EXPECT_EQ(PlaceOf(&CCryptAES::Decrypt), 3U);
+    EXPECT_EQ(PlaceOf(&CCryptAES::GetEncryptedSize), 4U);
+    EXPECT_EQ(PlaceOf(&CCryptAES::GetDecryptedSize), 5U);
+}
+#endif
+
+TEST(CCryptAES, HasItsFieldsInTheirOrder) {
+    struct Opened : CCryptAES {
+        std::vector<std::ptrdiff_t> Offsets() const {
+            const auto* const start = reinterpret_cast<const char*>(this);
+            std::vector<std::ptrdiff_t> offsets;
+            for (const void* field :
+                 {static_cast<const void*>(&m_pKey), static_cast<const void*>(&m_nKeyLength),
+                  static_cast<const void*>(&m_nMode), static_cast<const void*>(&m_nPadding),
+                  static_cast<const void*>(&m_pIV), static_cast<const void*>(&m_nIVLength)}) {
+                offsets.push_back(static_cast<const char*>(field) - start);
+            }
+            return offsets;
+        }
+    };
+    EXPECT_EQ(Opened().Offsets(), (std::vector<std::ptrdiff_t>{8, 16, 20, 24, 32, 40}));
+    EXPECT_EQ(sizeof(CCryptAES), 48U);
 }
 
 TEST(CCryptAES, HasItsOwnCodes) {

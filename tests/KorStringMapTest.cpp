@@ -124,7 +124,36 @@ TEST_F(KorStringMapTest, IsWalkedByManyThreadsAtOnce) {
     }
 }
 
-// What a host has compiled in, besides the order of the virtual functions.
+// As a host that was built long ago calls it: by place in the table of virtual functions, with
+// texts of the layout of then.
+TEST_F(KorStringMapTest, HasTheBinaryInterfaceOfItsFirstVersion) {
+    struct Texts {
+        const char* key;
+        std::size_t keyLength;
+        const char* value;
+        std::size_t valueLength;
+    };
+    struct Functions {
+        std::size_t (*count)(const void*);
+        bool (*findTexts)(const void*, const char*, std::size_t, Texts*);
+        std::size_t (*lowerRank)(const void*, const char*, std::size_t);
+        Texts (*textsAt)(const void*, std::size_t);
+    };
+    ASSERT_EQ(Load("BBBB=\"two\"\n"), 2);
+    const void* const table = &m_table;
+    const Functions& functions = **static_cast<const Functions* const*>(table);
+    EXPECT_EQ(functions.count(table), 2U);
+    Texts found = {};
+    EXPECT_FALSE(functions.findTexts(table, "CCCC", 4, &found));
+    EXPECT_EQ(found.key, nullptr);
+    EXPECT_TRUE(functions.findTexts(table, "BBBBx", 4, &found));
+    EXPECT_EQ(std::string(found.key, found.keyLength), "BBBB");
+    EXPECT_EQ(std::string(found.value, found.valueLength), "two");
+    EXPECT_EQ(functions.lowerRank(table, "C", 1), 1U);
+    EXPECT_EQ(functions.textsAt(table, 0).value, found.value);
+    EXPECT_EQ(functions.textsAt(table, 1).valueLength, 2U);
+}
+
 TEST_F(KorStringMapTest, CanNeitherBeMadeNorChanged) {
     using Table = decltype(KorString::gMapLocalizedStrings);
     static_assert(std::is_same_v<Table, const KorStringMap&>);
