@@ -244,7 +244,7 @@ TEST_F(OrvaStrings, ShowsWhatTheLibraryAnswers) {
               "IDE_BARE=(protected)\nIDE_TITLE =(protected)\nMENU_OPEN=\"Open\"\n"
               "QVLANG=\"en\"\nide_lower=\"stays\"\n");
     EXPECT_EQ(Run({"show", file, "--language", "EN", "--reveal", "MENU_OPEN", "IDE_BARE"}), 0);
-    EXPECT_EQ(m_out, "MENU_OPEN=\"Open\"\nIDE_BARE=\"bare \\n text\"\n");
+    EXPECT_EQ(m_out, "MENU_OPEN=\"Open\"\nIDE_BARE=\"bare \\\\n text\"\n");
     EXPECT_EQ(Run({"show", "-", "--language", "de", "QVLANG"}, ProtectedFile(DevelopmentKey())), 0);
     EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
     EXPECT_EQ(m_err, "-: note: there is no section de, so this is the first\n");
@@ -510,10 +510,10 @@ TEST_F(OrvaStrings, TakesEveryArgumentAsItIs) {
             EXPECT_EQ(Run(arguments, "QVLANG=x\n"), 1) << ::testing::PrintToString(arguments);
             std::ostringstream expected;
             if (!language.empty()) {
-                expected << "-: note: there is no section " << Printable{language}
+                expected << "-: note: there is no section " << Printable(language)
                          << ", so this is the first\n";
             }
-            expected << "-: error: " << Printable{language}
+            expected << "-: error: " << Printable(language)
                      << ": there is no such key in the section\n";
             EXPECT_EQ(m_err, expected.str());
         }
@@ -521,7 +521,7 @@ TEST_F(OrvaStrings, TakesEveryArgumentAsItIs) {
     EXPECT_EQ(Run({"show", "--", "-", "--key=[x]"}, "QVLANG=x\n--key\n"), 1);
     EXPECT_EQ(m_err, "-: error: --key=[x]: there is no such key in the section\n");
     EXPECT_EQ(Run({"protect", "-", "[x]"}), 2);
-    EXPECT_EQ(m_err.find("\\x0A"), std::string::npos) << m_err;
+    EXPECT_EQ(m_err.find("\\n"), std::string::npos) << m_err;
     std::filesystem::current_path("/");
 }
 
@@ -542,7 +542,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
         "QVLANG=\x1B[31m\nKEY\x1B]0;t\x07=\"a\x7F\xC2\x9B\xC2\xA0\tb\rc\"\n";
     EXPECT_EQ(Run({"show", "-"}, hostile), 0);
     EXPECT_EQ(m_out,
-              "KEY\\x1B]0;t\\x07=\"a\\x7F\\xC2\\x9B\xC2\xA0\tb\\x0Dc\"\n"
+              "KEY\\x1B]0;t\\x07=\"a\\x7F\\xC2\\x9B\xC2\xA0\\tb\\x0Dc\"\n"
               "QVLANG=\"\\x1B[31m\"\n");
     EXPECT_EQ(Run({"sections", "-"}, hostile), 0);
     EXPECT_NE(m_out.find("  \\x1B[31m\n"), std::string::npos) << m_out;
@@ -561,12 +561,95 @@ TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
     for (const auto& c : cases) {
         EXPECT_EQ(Run({"show", "-"}, "QVLANG=" + c.name + "\n"), 0);
         EXPECT_EQ(m_out, "QVLANG=\"" + c.printed + "\"\n");
-        std::ostringstream out;
-        out << Printable{c.name};
-        EXPECT_EQ(out.str(), c.printed);
+        EXPECT_EQ(Printable(c.name), c.printed);
     }
     EXPECT_EQ(Run({"show", Path("\x1B[2J")}), 2);
     EXPECT_EQ(m_err.find('\x1B'), std::string::npos);
+}
+
+// What Printable wrote, read back as the manual page describes it.
+std::string Unprinted(const std::string& printed) {
+    std::string text;
+    for (std::size_t i = 0; i < printed.size(); ++i) {
+        if (printed[i] != '\\') {
+            text += printed[i];
+            continue;
+        }
+        switch (printed.at(++i)) {
+            case 'n':
+                text += '\n';
+                break;
+            case 't':
+                text += '\t';
+                break;
+            case 'x':
+                text += static_cast<char>(std::stoi(printed.substr(i + 1, 2), nullptr, 16));
+                i += 2;
+                break;
+            default:
+                text += printed[i];
+        }
+    }
+    return text;
+}
+
+TEST(Printable, EscapesOneWay) {
+    const struct {
+        std::string text;
+        const char* printed;
+    } cases[] = {
+        {"", ""},
+        {"plain 'text', Öffnen …", "plain 'text', Öffnen …"},
+        {"\n", "\\n"},
+        {"\\n", "\\\\n"},
+        {"\t", "\\t"},
+        {"\\x1B", "\\\\x1B"},
+        {"\x1B", "\\x1B"},
+        {"\0"s, "\\x00"},
+        {"\r", "\\x0D"},
+        {"say \"hi\"", "say \\\"hi\\\""},
+        {"C:\\new\\", "C:\\\\new\\\\"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Printable(c.text), c.printed);
+    }
+}
+
+TEST(Printable, ReadsBack) {
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) {
+        const char c = static_cast<char>(byte);
+        all += c;
+        for (const std::string& text :
+             {std::string{c}, std::string{'\\', c}, std::string{c, '\\'}, std::string{'\xC2', c}}) {
+            const std::string printed = Printable(text);
+            EXPECT_EQ(Unprinted(printed), text) << printed;
+            for (const char shown : printed) {
+                EXPECT_TRUE(static_cast<unsigned char>(shown) >= ' ' && shown != '\x7F') << byte;
+            }
+        }
+    }
+    EXPECT_EQ(Unprinted(Printable(all)), all);
+}
+
+TEST_F(OrvaStrings, EscapesKeysValuesAndNamesAlike) {
+    const std::string file =
+        Write("a\\b\n", "QVLANG=e\\n\"\nA\\\"B=\"one\\ntwo\\x\"x\"\nABCD=\\n\n");
+    EXPECT_EQ(Run({"show", file, "no\\key"}), 1);
+    EXPECT_EQ(m_err,
+              Path("a\\\\b\\n") + ": error: no\\\\key: there is no such key in the section\n");
+    EXPECT_EQ(Run({"show", file}), 0);
+    EXPECT_EQ(m_out,
+              "ABCD=\"\\\\n\"\n"
+              "A\\\\\\\"B=\"one\\ntwo\\\\x\\\"x\"\n"
+              "QVLANG=\"\"\n");
+    EXPECT_EQ(Run({"sections", file}), 0);
+    EXPECT_EQ(m_out,
+              "  LINE  ENTRIES  PROTECTED  SECTION\n"
+              "     1        3          0  e\\\\n\\\"\n");
+    EXPECT_EQ(Run({"sections", Path("missing\\n")}), 2);
+    EXPECT_EQ(m_err,
+              "orva-strings: error: " + Path("missing\\\\n") + ": No such file or directory\n");
 }
 
 TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {

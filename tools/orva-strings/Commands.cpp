@@ -181,7 +181,7 @@ void ListSections(const StringsDocument& document, std::ostream& out) {
             std::count_if(keys.begin(), keys.end(),
                           [](const std::string& key) { return IsProtectedKey(key.c_str()); });
         out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
-            << protectedKeys << "  " << Printable{section.name} << '\n';
+            << protectedKeys << "  " << Printable(section.name) << '\n';
     }
 }
 
@@ -190,7 +190,7 @@ bool Show(const StringsDocument& document, const std::string& language,
           std::ostream& out, std::ostream& err) {
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
-        err << Printable{fileName} << ": error: " << kNoSection << '\n';
+        err << Printable(fileName) << ": error: " << kNoSection << '\n';
         return false;
     }
     LoadByCopy(document.Bytes(), language);
@@ -201,7 +201,7 @@ bool Show(const StringsDocument& document, const std::string& language,
     const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
     CheckLoaded(section);
     if (loaded == sections.end()) {
-        err << Printable{fileName} << ": note: there is no section " << Printable{language}
+        err << Printable(fileName) << ": note: there is no section " << Printable(language)
             << ", so this is the first\n";
     }
     std::vector<std::string> wanted = keys;
@@ -218,12 +218,12 @@ bool Show(const StringsDocument& document, const std::string& language,
         const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
         if (text != nullptr) {
             const bool isHidden = IsProtectedKey(key.c_str()) && !isRevealed;
-            out << Printable{key} << '='
-                << Printable{isHidden ? "(protected)" : '"' + Escaped(text) + '"'} << '\n';
+            out << Printable(key) << '=' << (isHidden ? "(protected)" : '"' + Printable(text) + '"')
+                << '\n';
         } else {
             const auto line = lines.find(key);
-            err << Printable{fileName} << (line == lines.end() ? "" : line->second)
-                << ": error: " << Printable{key} << ": " << WhyNull(key) << '\n';
+            err << Printable(fileName) << (line == lines.end() ? "" : line->second)
+                << ": error: " << Printable(key) << ": " << WhyNull(key) << '\n';
             isComplete = false;
         }
     }

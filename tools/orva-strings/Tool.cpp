@@ -139,8 +139,8 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     const std::string before = document.Bytes();
     const Findings findings = change(document);
     for (const Finding& finding : findings) {
-        m_err << Printable{m_options.file} << ':' << finding.line + 1
-              << ": error: " << Printable{finding.text} << '\n';
+        m_err << Printable(m_options.file) << ':' << finding.line + 1
+              << ": error: " << Printable(finding.text) << '\n';
     }
     if (!findings.empty()) {
         return kFindings;
@@ -265,7 +265,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         }
         std::string message = error.what();
         message.erase(std::remove(message.begin(), message.end(), '\n'), message.end());  // marks
-        m_err << "orva-strings: error: " << Printable{message} << " (see --help)\n";
+        m_err << "orva-strings: error: " << Printable(message) << " (see --help)\n";
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
@@ -292,7 +292,7 @@ int RunTool(std::vector<std::string> arguments, const std::function<std::string(
         err << "orva-strings: error: out of memory\n";
         return kUsageOrSystem;
     } catch (const std::exception& exception) {
-        err << "orva-strings: error: " << Printable{exception.what()} << '\n';
+        err << "orva-strings: error: " << Printable(exception.what()) << '\n';
         return kUsageOrSystem;
     }
 }
