@@ -115,8 +115,8 @@ TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
         std::string bytes;
         std::string errors;
     } cases[] = {
-        {"", "-:1: error: there is no section in it\n"},
-        {"MENU=\"x\"\n", "-:1: error: there is no section in it\n"},
+        {"", "-: error: there is no section in it\n"},
+        {"MENU=\"x\"\n", "-: error: there is no section in it\n"},
         {"QVLANG=en\rIDE_X=\"x\"\r", "-:1: error: IDE_X" + why},
         {"QVLANG=en\rIDE_X=1\rMENU=2\rQVLANG=fr\rIDE_Y=3\r",
          "-:1: error: IDE_X" + why + "-:1: error: QVLANG" + why + "-:1: error: IDE_Y" + why},
@@ -286,8 +286,50 @@ TEST_F(OrvaStrings, ListsSections) {
               "  LINE  ENTRIES  PROTECTED  SECTION\n"
               "     2        5          2  en\n"
               "     7        2          1  fr\n");
-    EXPECT_EQ(Run({"sections", "-"}, ""), 0);
-    EXPECT_EQ(m_out, "  LINE  ENTRIES  PROTECTED  SECTION\n");
+    EXPECT_EQ(m_err, "");
+}
+
+TEST_F(OrvaStrings, SaysEverywhereAlikeThatThereIsNoSection) {
+    const std::vector<std::string> commands[] = {
+        {"protect", "--key-file", DEVELOPMENT_KEY, "-"},
+        {"reveal", "-"},
+        {"rekey", "--from", DEVELOPMENT_KEY, "--to", DEVELOPMENT_KEY, "-"},
+        {"show", "-"},
+        {"show", "--language", "de", "-"},
+        {"sections", "-"},
+    };
+    for (const auto& command : commands) {
+        for (const char* bytes : {"", "MENU=\"x\"\n", "QVLANG\n"}) {
+            EXPECT_EQ(Run(command, bytes), 1) << command[0];
+            EXPECT_EQ(m_out, "") << command[0];
+            EXPECT_EQ(m_err, "-: error: there is no section in it\n") << command[0];
+        }
+    }
+}
+
+TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
+    const std::string bad = std::string(64, '0');
+    const std::string decode =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
+    const std::string misplaced =
+        ": it stands before the first section, or behind a byte-order mark or carriage return, and "
+        "is never read\n";
+    EXPECT_EQ(Run({"reveal", "-"}, "QVLANG=en\nIDE_A=" + bad + "\nMENU=\rIDE_B=1\nIDE_C=" + bad +
+                                       "\n//\rIDE_D=1\rIDE_C=1\n"),
+              1);
+    EXPECT_EQ(m_err, "-:2: error: IDE_A" + decode + "-:3: error: IDE_B" + misplaced +
+                         "-:4: error: IDE_C" + decode + "-:5: error: IDE_D" + misplaced +
+                         "-:5: error: IDE_C" + misplaced);
+    EXPECT_EQ(Run({"reveal", "-"}, "IDE_A=1\n"), 1);
+    EXPECT_EQ(m_err, "-: error: there is no section in it\n-:1: error: IDE_A" + misplaced);
+
+    const std::string shown = "QVLANG=en\nIDE_B=text\nIDE_A=text\n";
+    const std::string plain = ": the value is not protected, so it has no answer\n";
+    EXPECT_EQ(Run({"show", "-"}, shown), 1);
+    EXPECT_EQ(m_err, "-:2: error: IDE_B" + plain + "-:3: error: IDE_A" + plain);
+    EXPECT_EQ(Run({"show", "-", "IDE_A", "NONE", "IDE_B"}, shown), 1);
+    EXPECT_EQ(m_err, "-: error: NONE: there is no such key in the section\n-:2: error: IDE_B" +
+                         plain + "-:3: error: IDE_A" + plain);
 }
 
 TEST_F(OrvaStrings, MakesKeysAndTellsThemApart) {

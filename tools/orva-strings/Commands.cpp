@@ -22,21 +22,27 @@ namespace {
 using Entry = StringsDocument::Entry;
 
 constexpr char kHeaderKey[] = "QVLANG";
-constexpr char kNoSection[] = "there is no section in it";
+
+Finding Error(std::size_t line, const std::string& key, const char* what) {
+    return {Severity::kError, line, key + ": " + what};
+}
+
+Finding NoSection() {
+    return {Severity::kError, std::nullopt, "there is no section in it"};
+}
 
 // Asks for each protected entry's new value, which may be none, and sets it.
 template <typename NewValue>
 Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
     Findings findings;
     for (const Entry& entry : document.Misplaced()) {
-        findings.push_back({entry.line, entry.key +
-                                            ": it stands before the first section, or behind a "
-                                            "byte-order mark or carriage return, and is never "
-                                            "read"});
+        findings.push_back(Error(entry.line, entry.key,
+                                 "it stands before the first section, or behind a byte-order mark "
+                                 "or carriage return, and is never read"));
     }
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
-        findings.push_back({0, kNoSection});
+        findings.push_back(NoSection());
     }
     for (const StringsDocument::Section& section : sections) {
         for (const Entry& entry : section.entries) {
@@ -45,9 +51,9 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
             }
             const std::optional<std::string> value = newValue(entry, findings);
             if (value && !document.SetValue(entry.line, *value)) {
-                findings.push_back({entry.line, entry.key +
-                                                    ": the text can't be written as a quoted value "
-                                                    "that reads back the same"});
+                findings.push_back(
+                    Error(entry.line, entry.key,
+                          "the text can't be written as a quoted value that reads back the same"));
             }
         }
     }
@@ -55,16 +61,16 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
 }
 
 Finding DoesNotDecode(const Entry& entry) {
-    return {entry.line, entry.key +
-                            ": the value looks stored but does not decode: it was damaged or made "
-                            "with another key"};
+    return Error(
+        entry.line, entry.key,
+        "the value looks stored but does not decode: it was damaged or made with another key");
 }
 
-// ":LINE" of the first entry of each key.
-std::map<std::string, std::string> LinesOf(const StringsDocument::Section& section) {
-    std::map<std::string, std::string> lines;
+// The line of the first entry of each key.
+std::map<std::string, std::size_t> LinesOf(const StringsDocument::Section& section) {
+    std::map<std::string, std::size_t> lines;
     for (const Entry& entry : section.entries) {
-        lines.emplace(entry.key, ':' + std::to_string(entry.line + 1));
+        lines.emplace(entry.key, entry.line);
     }
     return lines;
 }
@@ -144,7 +150,7 @@ Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isF
                 return std::nullopt;
             }
             if (entry.value.find('\0') != std::string::npos) {
-                findings.push_back({entry.line, entry.key + ": the text has a NUL byte in it"});
+                findings.push_back(Error(entry.line, entry.key, "the text has a NUL byte in it"));
                 return std::nullopt;
             }
             return EncodeProtectedText(keys, entry.value);
@@ -173,9 +179,13 @@ Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const Prot
     });
 }
 
-void ListSections(const StringsDocument& document, std::ostream& out) {
+Findings ListSections(const StringsDocument& document, std::ostream& out) {
+    const std::vector<StringsDocument::Section> sections = document.Sections();
+    if (sections.empty()) {
+        return {NoSection()};
+    }
     out << "  LINE  ENTRIES  PROTECTED  SECTION\n";
-    for (const StringsDocument::Section& section : document.Sections()) {
+    for (const StringsDocument::Section& section : sections) {
         const std::set<std::string> keys = KeysOf(section);
         const auto protectedKeys =
             std::count_if(keys.begin(), keys.end(),
@@ -183,15 +193,14 @@ void ListSections(const StringsDocument& document, std::ostream& out) {
         out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
             << protectedKeys << "  " << Printable(section.name) << '\n';
     }
+    return {};
 }
 
-bool Show(const StringsDocument& document, const std::string& language,
-          const std::vector<std::string>& keys, bool isRevealed, const std::string& fileName,
-          std::ostream& out, std::ostream& err) {
+Findings Show(const StringsDocument& document, const std::string& language,
+              const std::vector<std::string>& keys, bool isRevealed, std::ostream& out) {
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
-        err << Printable(fileName) << ": error: " << kNoSection << '\n';
-        return false;
+        return {NoSection()};
     }
     LoadByCopy(document.Bytes(), language);
     const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
@@ -200,9 +209,10 @@ bool Show(const StringsDocument& document, const std::string& language,
     });
     const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
     CheckLoaded(section);
+    Findings findings;
     if (loaded == sections.end()) {
-        err << Printable(fileName) << ": note: there is no section " << Printable(language)
-            << ", so this is the first\n";
+        findings.push_back({Severity::kNote, std::nullopt,
+                            "there is no section " + language + ", so this is the first"});
     }
     std::vector<std::string> wanted = keys;
     if (wanted.empty()) {
@@ -210,9 +220,8 @@ bool Show(const StringsDocument& document, const std::string& language,
             wanted.emplace_back(entry->Key());
         }
     }
-    const std::map<std::string, std::string> lines = LinesOf(section);
+    const std::map<std::string, std::size_t> lines = LinesOf(section);
     const ProtectionKeys protectionKeys = Key::BuiltIn().Derive();
-    bool isComplete = true;
     for (const std::string& key : wanted) {
         const bool canBeAsked = key.find('\0') == std::string::npos;
         const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
@@ -222,10 +231,10 @@ bool Show(const StringsDocument& document, const std::string& language,
                 << '\n';
         } else {
             const auto line = lines.find(key);
-            err << Printable(fileName) << (line == lines.end() ? "" : line->second)
-                << ": error: " << Printable(key) << ": " << WhyNull(key) << '\n';
-            isComplete = false;
+            findings.push_back({Severity::kError,
+                                line == lines.end() ? std::nullopt : std::optional(line->second),
+                                key + ": " + WhyNull(key)});
         }
     }
-    return isComplete;
+    return findings;
 }

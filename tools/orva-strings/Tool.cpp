@@ -5,13 +5,15 @@
 #include <exception>
 #include <functional>
 #include <new>
+#include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include "tools/orva-strings/Commands.h"
 #include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/Finding.h"
 #include "tools/orva-strings/Key.h"
-#include "tools/orva-strings/Printable.h"
 
 namespace {
 
@@ -73,6 +75,11 @@ std::string NamesAFile(std::string name) {
     return name.empty() ? "it names no file" : "";
 }
 
+// Says something about the command itself.
+void Say(Severity severity, const std::string& text, std::ostream& err) {
+    Print({severity, std::nullopt, text}, "orva-strings", err);
+}
+
 // One run of the tool: where it reads and writes, and what it was asked.
 class Run {
 public:
@@ -89,6 +96,7 @@ private:
     void AddKeyFile(CLI::App& command);
 
     StringsDocument ReadDocument() const;
+    int Report(Findings findings) const;
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
     int NewKey() const;
     int ShowKey() const;
@@ -130,20 +138,26 @@ StringsDocument Run::ReadDocument() const {
     return StringsDocument(m_options.file == "-" ? m_readInput() : ReadFile(m_options.file));
 }
 
+// Prints what was found in the file, in the order of its lines, what concerns all of it first.
+int Run::Report(Findings findings) const {
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    for (const Finding& finding : findings) {
+        Print(finding, m_options.file, m_err);
+    }
+    return HasError(findings) ? kFindings : kDone;
+}
+
 int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     if (m_options.isInPlace && m_options.file == "-") {
-        m_err << "orva-strings: error: --in-place needs a file, not -\n";
+        Say(Severity::kError, "--in-place needs a file, not -", m_err);
         return kUsageOrSystem;
     }
     StringsDocument document = ReadDocument();
     const std::string before = document.Bytes();
-    const Findings findings = change(document);
-    for (const Finding& finding : findings) {
-        m_err << Printable(m_options.file) << ':' << finding.line + 1
-              << ": error: " << Printable(finding.text) << '\n';
-    }
-    if (!findings.empty()) {
-        return kFindings;
+    const int status = Report(change(document));
+    if (status != kDone) {
+        return status;
     }
     if (!m_options.isInPlace) {
         m_out << document.Bytes();
@@ -182,8 +196,8 @@ int Run::Execute(std::vector<std::string> arguments) {
             return Change([this](StringsDocument& document) {
                 const Key key = KeyOf(m_options.keyFile);
                 if (m_options.keyFile.empty() && key.IsDevelopmentKey()) {
-                    m_err << "orva-strings: note: protecting with the development key, which "
-                             "everybody knows\n";
+                    Say(Severity::kNote,
+                        "protecting with the development key, which everybody knows", m_err);
                 }
                 return Protect(document, key.Derive(), m_options.isForced);
             });
@@ -221,10 +235,8 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->required();
 
     command = AddCommand(app, "show", "Show what the library answers", [this] {
-        return Show(ReadDocument(), m_options.language, m_options.keys, m_options.isRevealed,
-                    m_options.file, m_out, m_err)
-                   ? kDone
-                   : kFindings;
+        return Report(
+            Show(ReadDocument(), m_options.language, m_options.keys, m_options.isRevealed, m_out));
     });
     AddFile(*command);
     command->add_option("KEY", m_options.keys, "Keys to look up; without them, the whole section")
@@ -235,11 +247,8 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->type_name("LANGUAGE");
     command->add_flag("--reveal", m_options.isRevealed, "Show protected texts too");
 
-    command =
-        AddCommand(app, "sections", "List the sections: line, entries, protected, name", [this] {
-            ListSections(ReadDocument(), m_out);
-            return kDone;
-        });
+    command = AddCommand(app, "sections", "List the sections: line, entries, protected, name",
+                         [this] { return Report(ListSections(ReadDocument(), m_out)); });
     AddFile(*command);
 
     CLI::App* const key = app.add_subcommand("key", "Make keys and tell them apart");
@@ -265,7 +274,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         }
         std::string message = error.what();
         message.erase(std::remove(message.begin(), message.end(), '\n'), message.end());  // marks
-        m_err << "orva-strings: error: " << Printable(message) << " (see --help)\n";
+        Say(Severity::kError, message + " (see --help)", m_err);
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
@@ -281,18 +290,21 @@ int Run::Execute(std::vector<std::string> arguments) {
 int RunTool(std::vector<std::string> arguments, const std::function<std::string()>& readInput,
             std::ostream& out, std::ostream& err) {
     try {
-        const int status = Run(readInput, out, err).Execute(std::move(arguments));
-        out.flush();
-        if (!out) {
-            err << "orva-strings: error: can't write the result\n";
+        try {
+            const int status = Run(readInput, out, err).Execute(std::move(arguments));
+            out.flush();
+            if (!out) {
+                throw std::runtime_error("can't write the result");
+            }
+            return status;
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const std::exception& exception) {
+            Say(Severity::kError, exception.what(), err);
             return kUsageOrSystem;
         }
-        return status;
     } catch (const std::bad_alloc&) {
-        err << "orva-strings: error: out of memory\n";
-        return kUsageOrSystem;
-    } catch (const std::exception& exception) {
-        err << "orva-strings: error: " << Printable(exception.what()) << '\n';
+        err << "orva-strings: error: out of memory\n";  // whole, and without memory
         return kUsageOrSystem;
     }
 }
