@@ -31,14 +31,35 @@ Finding NoSection() {
     return {Severity::kError, std::nullopt, "there is no section in it"};
 }
 
-// Asks for each protected entry's new value, which may be none, and sets it.
+const char* WhyNotRead(StringsDocument::Obstacle obstacle) {
+    switch (obstacle) {
+        case StringsDocument::Obstacle::kNoSectionYet:
+            return "not read, because it comes before the first section";
+        case StringsDocument::Obstacle::kByteOrderMark:
+            return "not read, because a byte-order mark is in front of it";
+        case StringsDocument::Obstacle::kCarriageReturn:
+            break;
+    }
+    return "not read, because it follows a carriage return, which ends no line";
+}
+
+bool IsBlank(const std::string& text) {
+    return text.find_first_not_of(" \t") == std::string::npos;
+}
+
+// Whether a person who opens the file can read a text in the entry's line.
+bool IsReadable(const Entry& entry) {
+    return !IsBlank(entry.beforeQuote) || !(IsBlank(entry.value) || LooksStored(entry.value));
+}
+
+// Asks for each protected entry's new value, which may be none, and sets it. A text in front of the
+// value's quotes, which nothing changes, is a finding of the severity given.
 template <typename NewValue>
-Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
+Findings ChangeProtected(StringsDocument& document, Severity beforeQuote,
+                         const NewValue& newValue) {
     Findings findings;
-    for (const Entry& entry : document.Misplaced()) {
-        findings.push_back(Error(entry.line, entry.key,
-                                 "it stands before the first section, or behind a byte-order mark "
-                                 "or carriage return, and is never read"));
+    for (const StringsDocument::Misplaced& misplaced : document.MisplacedLines()) {
+        findings.push_back(Error(misplaced.line, misplaced.key, WhyNotRead(misplaced.obstacle)));
     }
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
@@ -48,6 +69,11 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
         for (const Entry& entry : section.entries) {
             if (!IsProtectedKey(entry.key.c_str())) {
                 continue;
+            }
+            if (!IsBlank(entry.beforeQuote)) {
+                findings.push_back({beforeQuote, entry.line,
+                                    entry.key + ": the value begins at the first quote; the text "
+                                                "before it stays readable"});
             }
             const std::optional<std::string> value = newValue(entry, findings);
             if (value && !document.SetValue(entry.line, *value)) {
@@ -140,35 +166,46 @@ void CheckLoaded(const StringsDocument::Section& section) {
 }  // namespace
 
 Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isForced) {
-    return ChangeProtected(
-        document, [&](const Entry& entry, Findings& findings) -> std::optional<std::string> {
+    Findings findings = ChangeProtected(
+        document, Severity::kError,
+        [&](const Entry& entry, Findings& found) -> std::optional<std::string> {
             if (DecodeProtectedText(keys, entry.value)) {
                 return std::nullopt;
             }
             if (!isForced && LooksStored(entry.value)) {
-                findings.push_back(DoesNotDecode(entry));
+                found.push_back(DoesNotDecode(entry));
                 return std::nullopt;
             }
             if (entry.value.find('\0') != std::string::npos) {
-                findings.push_back(Error(entry.line, entry.key, "the text has a NUL byte in it"));
+                found.push_back(Error(entry.line, entry.key, "the text has a NUL byte in it"));
                 return std::nullopt;
             }
             return EncodeProtectedText(keys, entry.value);
         });
+    for (const Entry& entry : document.NearProtected()) {
+        if (IsReadable(entry)) {
+            findings.push_back({Severity::kWarning, entry.line,
+                                entry.key +
+                                    ": this looks like a protected entry but is not one; its "
+                                    "text stays readable"});
+        }
+    }
+    return findings;
 }
 
 Findings Reveal(StringsDocument& document, const ProtectionKeys& keys) {
-    return ChangeProtected(document, [&](const Entry& entry, Findings& findings) {
+    const auto reveal = [&](const Entry& entry, Findings& findings) {
         std::optional<std::string> text = DecodeProtectedText(keys, entry.value);
         if (!text && LooksStored(entry.value)) {
             findings.push_back(DoesNotDecode(entry));
         }
         return text;
-    });
+    };
+    return ChangeProtected(document, Severity::kWarning, reveal);
 }
 
 Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const ProtectionKeys& to) {
-    return ChangeProtected(document, [&](const Entry& entry, Findings& findings) {
+    const auto rekey = [&](const Entry& entry, Findings& findings) {
         std::optional<std::string> value = DecodeProtectedText(from, entry.value);
         if (value) {
             value = EncodeProtectedText(to, *value);
@@ -176,7 +213,8 @@ Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const Prot
             findings.push_back(DoesNotDecode(entry));
         }
         return value;
-    });
+    };
+    return ChangeProtected(document, Severity::kError, rekey);
 }
 
 Findings ListSections(const StringsDocument& document, std::ostream& out) {
