@@ -234,25 +234,27 @@ Findings ListSections(const StringsDocument& document, std::ostream& out) {
     return {};
 }
 
-Findings Show(const StringsDocument& document, const std::string& language,
-              const std::vector<std::string>& keys, bool isRevealed, std::ostream& out) {
+Findings Show(const StringsDocument& document, const ShowRequest& request, std::ostream& out) {
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
         return {NoSection()};
     }
-    LoadByCopy(document.Bytes(), language);
-    const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
+    const auto named = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
         return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
-                                            language.c_str());
+                                            request.language.c_str());
     });
-    const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
-    CheckLoaded(section);
     Findings findings;
-    if (loaded == sections.end()) {
-        findings.push_back({Severity::kNote, std::nullopt,
-                            "there is no section " + language + ", so this is the first"});
+    if (named == sections.end()) {
+        const std::string what = "there is no section " + request.language;
+        if (!request.hasFallback) {
+            return {{Severity::kError, std::nullopt, what}};
+        }
+        findings.push_back({Severity::kNote, std::nullopt, what + ", so this is the first"});
     }
-    std::vector<std::string> wanted = keys;
+    const StringsDocument::Section& section = named == sections.end() ? sections.front() : *named;
+    LoadByCopy(document.Bytes(), request.language);
+    CheckLoaded(section);
+    std::vector<std::string> wanted = request.keys;
     if (wanted.empty()) {
         for (const StringMap::Entry* entry : KorString::gMapLocalizedStrings.Ordered()) {
             wanted.emplace_back(entry->Key());
@@ -264,7 +266,7 @@ Findings Show(const StringsDocument& document, const std::string& language,
         const bool canBeAsked = key.find('\0') == std::string::npos;
         const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
         if (text != nullptr) {
-            const bool isHidden = IsProtectedKey(key.c_str()) && !isRevealed;
+            const bool isHidden = IsProtectedKey(key.c_str()) && !request.isRevealed;
             out << Printable(key) << '=' << (isHidden ? "(protected)" : '"' + Printable(text) + '"')
                 << '\n';
         } else {

@@ -28,9 +28,16 @@ Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const Prot
 // Writes a table of the document's sections.
 Findings ListSections(const StringsDocument& document, std::ostream& out);
 
-// Loads a section through the library and writes what it answers for the keys, or for every key of
-// the section if there are none; protected texts only if isRevealed. What has no answer is an error.
-Findings Show(const StringsDocument& document, const std::string& language,
-              const std::vector<std::string>& keys, bool isRevealed, std::ostream& out);
+// What to show.
+struct ShowRequest {
+    std::string language;           // empty: the first section
+    bool hasFallback = false;       // the first section, too, if there is none of the language
+    std::vector<std::string> keys;  // empty: every key of the section
+    bool isRevealed = false;        // protected texts too
+};
+
+// Loads a section through the library and writes what it answers. No section, or a key without an
+// answer, is an error.
+Findings Show(const StringsDocument& document, const ShowRequest& request, std::ostream& out);
 
 #endif

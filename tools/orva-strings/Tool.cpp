@@ -31,11 +31,9 @@ struct Options {
     std::string keyFile;
     std::string fromKeyFile;
     std::string toKeyFile;
-    std::string language;
-    std::vector<std::string> keys;
+    ShowRequest show;
     bool isInPlace = false;
     bool isForced = false;
-    bool isRevealed = false;
 };
 
 Key KeyOf(const std::string& path) {
@@ -234,18 +232,19 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->check(NamesAFile)
         ->required();
 
-    command = AddCommand(app, "show", "Show what the library answers", [this] {
-        return Report(
-            Show(ReadDocument(), m_options.language, m_options.keys, m_options.isRevealed, m_out));
-    });
+    command = AddCommand(app, "show", "Show what the library answers",
+                         [this] { return Report(Show(ReadDocument(), m_options.show, m_out)); });
     AddFile(*command);
-    command->add_option("KEY", m_options.keys, "Keys to look up; without them, the whole section")
+    command
+        ->add_option("KEY", m_options.show.keys, "Keys to look up; without them, the whole section")
         ->type_name("");
     command
-        ->add_option("--language", m_options.language,
-                     "The section's name; without it, or if there is none such, the first section")
+        ->add_option("--language", m_options.show.language,
+                     "The section's name; without it, the first section")
         ->type_name("LANGUAGE");
-    command->add_flag("--reveal", m_options.isRevealed, "Show protected texts too");
+    command->add_flag("--fallback", m_options.show.hasFallback,
+                      "Show the first section, as the library does, if there is none of that name");
+    command->add_flag("--reveal", m_options.show.isRevealed, "Show protected texts too");
 
     command = AddCommand(app, "sections", "List the sections: line, entries, protected, name",
                          [this] { return Report(ListSections(ReadDocument(), m_out)); });
@@ -278,10 +277,10 @@ int Run::Execute(std::vector<std::string> arguments) {
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
-                              &m_options.toKeyFile, &m_options.language}) {
+                              &m_options.toKeyFile, &m_options.show.language}) {
         Unmark(*text);
     }
-    std::for_each(m_options.keys.begin(), m_options.keys.end(), Unmark);
+    std::for_each(m_options.show.keys.begin(), m_options.show.keys.end(), Unmark);
     return m_command();
 }
 
