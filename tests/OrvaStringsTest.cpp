@@ -630,6 +630,46 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
     }
 }
 
+TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string message;
+    } cases[] = {
+        {{"protekt", "x"}, "unknown command 'protekt'; did you mean 'protect'?"},
+        {{"protekt"}, "unknown command 'protekt'; did you mean 'protect'?"},
+        {{"protekt", "--in-place", "x"}, "unknown command 'protekt'; did you mean 'protect'?"},
+        {{"section", "-"}, "unknown command 'section'; did you mean 'sections'?"},
+        {{"Show", "-"}, "unknown command 'Show'; did you mean 'show'?"},
+        {{"hsow", "-"}, "unknown command 'hsow'; did you mean 'show'?"},
+        {{"revael"}, "unknown command 'revael'; did you mean 'reveal'?"},
+        {{"reavle"}, "unknown command 'reavle'"},
+        {{"keys"}, "unknown command 'keys'; did you mean 'key'?"},
+        {{"rekei"}, "unknown command 'rekei'; did you mean 'rekey'?"},
+        {{"ke"}, "unknown command 'ke'; did you mean 'key'?"},
+        {{"xx"}, "unknown command 'xx'"},
+        {{"y"}, "unknown command 'y'"},
+        {{"nonsense", "protect", "-"}, "unknown command 'nonsense'"},
+        {{""}, "unknown command ''"},
+        {{"[show]", "-"}, "unknown command '[show]'; did you mean 'show'?"},
+        {{"a\nb"}, "unknown command 'a\\nb'"},
+        {{"key", "nwe", "x"}, "unknown command 'key nwe'; did you mean 'key new'?"},
+        {{"key", "shw"}, "unknown command 'key shw'; did you mean 'key show'?"},
+        {{"key", "protect"}, "unknown command 'key protect'"},
+        {{"protekt", "key", "nwe"}, "unknown command 'protekt'; did you mean 'protect'?"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run(c.arguments), 2) << ::testing::PrintToString(c.arguments);
+        EXPECT_EQ(m_out, "") << ::testing::PrintToString(c.arguments);
+        EXPECT_EQ(m_err, "orva-strings: error: " + c.message + " (see --help)\n");
+    }
+    // Nor is an option taken for a command, or a command's own argument.
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {}, {"--nonsense"}, {"key"}, {"key", "--nonsense"}, {"protect", "a", "b"}}) {
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_EQ(m_err.find("unknown command"), std::string::npos) << m_err;
+    }
+}
+
 TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_NE(m_out.find("Examples:\n"), std::string::npos);

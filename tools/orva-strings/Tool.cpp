@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <new>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -76,6 +77,43 @@ std::string NamesAFile(std::string name) {
 // Says something about the command itself.
 void Say(Severity severity, const std::string& text, std::ostream& err) {
     Print({severity, std::nullopt, text}, "orva-strings", err);
+}
+
+// How many letters must be inserted, removed or replaced to make one word of the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);  // from the part of a so far to each start of b
+    std::iota(row.begin(), row.end(), 0U);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+// What to say of a word that stands where a command of the group should, or nothing if all is well
+// there: the word, and the command that was probably meant, which takes two changes at most and
+// leaves a letter of the word.
+std::string UnknownCommand(const CLI::App& group, const std::string& prefix) {
+    const std::vector<std::string> unknown = group.remaining();
+    if (unknown.empty() || unknown.front().compare(0, 1, "-") == 0) {  // an option
+        return "";
+    }
+    std::string word = unknown.front();
+    Unmark(word);
+    std::size_t least = std::min<std::size_t>(3, word.size());
+    std::string meant;
+    for (const CLI::App* const command : group.get_subcommands({})) {
+        const std::size_t distance = Distance(command->get_name(), word);
+        if (distance < least) {
+            least = distance;
+            meant = "; did you mean '" + prefix + command->get_name() + "'?";
+        }
+    }
+    return "unknown command '" + prefix + word + '\'' + meant;
 }
 
 // One run of the tool: where it reads and writes, and what it was asked.
@@ -271,8 +309,15 @@ int Run::Execute(std::vector<std::string> arguments) {
             app.exit(error, m_out, m_err);
             return kDone;
         }
-        std::string message = error.what();
-        message.erase(std::remove(message.begin(), message.end(), '\n'), message.end());  // marks
+        std::string message = UnknownCommand(app, "");
+        if (message.empty()) {
+            message = UnknownCommand(*key, "key ");
+        }
+        if (message.empty()) {
+            message = error.what();
+            message.erase(std::remove(message.begin(), message.end(), '\n'),
+                          message.end());  // marks
+        }
         Say(Severity::kError, message + " (see --help)", m_err);
         return kUsageOrSystem;
     }
