@@ -182,6 +182,7 @@ Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isF
             }
             return EncodeProtectedText(keys, entry.value);
         });
+    // Looked for now, so that nothing within a text that is encrypted is taken for a line near one.
     for (const Entry& entry : document.NearProtected()) {
         if (IsReadable(entry)) {
             findings.push_back({Severity::kWarning, entry.line,

@@ -190,11 +190,8 @@ std::vector<StringsDocument::Misplaced> StringsDocument::MisplacedLines() const 
 
 std::vector<StringsDocument::Entry> StringsDocument::NearProtected() const {
     std::vector<Entry> near;
-    bool isInEntry = false;
-    ForEachPiece([&](std::size_t line, const std::string& piece, bool isWholeLine) {
-        const bool isEntry = IsProtectedEntry(WithoutByteOrderMarks(piece));
-        isInEntry = isWholeLine ? isEntry : isInEntry;  // the rest of its line is its value
-        if (isEntry || isInEntry) {
+    ForEachPiece([&](std::size_t line, const std::string& piece, bool /*isWholeLine*/) {
+        if (IsProtectedEntry(WithoutByteOrderMarks(piece))) {
             return;
         }
         if (std::optional<Entry> entry = ReadNearProtected(line, piece)) {
