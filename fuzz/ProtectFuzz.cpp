@@ -34,17 +34,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     StringsDocument document(file);
     // By force, so that a value which looks stored is taken for a text.
-    if (!Protect(document, keys, true).empty()) {
+    if (HasError(Protect(document, keys, true))) {
         return 0;
     }
     for (const StringsDocument::Section& section : document.Sections()) {
         for (const StringsDocument::Entry& entry : section.entries) {
-            Check(!IsProtectedKey(entry.key.c_str()) || DecodeProtectedText(keys, entry.value),
-                  "every protected value is stored");
+            if (IsProtectedKey(entry.key.c_str())) {
+                Check(DecodeProtectedText(keys, entry.value).has_value(),
+                      "every protected value is stored");
+                Check(entry.beforeQuote.find_first_not_of(" \t") == std::string::npos,
+                      "no text is left before a protected value");
+            }
         }
     }
     const std::string protectedBytes = document.Bytes();
-    Check(Protect(document, keys, false).empty() && document.Bytes() == protectedBytes,
+    Check(!HasError(Protect(document, keys, false)) && document.Bytes() == protectedBytes,
           "protected ones stay");
     Check(Rekey(document, keys, otherKeys).empty() && Rekey(document, otherKeys, keys).empty() &&
               document.Bytes() == protectedBytes,

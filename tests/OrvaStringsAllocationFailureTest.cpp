@@ -5,6 +5,7 @@
 #include <iostream>
 #include <iterator>
 #include <ostream>
+#include <set>
 #include <streambuf>
 #include <string>
 #include <vector>
@@ -157,6 +158,47 @@ TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
     FailAtEach({"sections", Path("protected")});
     FailAtEach({"key", "show", "--key-file", Path("key")});
+}
+
+TEST_F(OrvaStringsAllocationFailure, CutsNoMessage) {
+    m_folder.Write("bad", "QVLANG=en\nIDE_FIRST_KEY=" + std::string(64, '0') +
+                              "\nIDE_SECOND_KEY=" + std::string(64, '0') + "\n");
+    const std::string why =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
+    const std::string first = Path("bad") + ":2: error: IDE_FIRST_KEY" + why;
+    const std::string second = Path("bad") + ":3: error: IDE_SECOND_KEY" + why;
+    const std::string noFile =
+        "orva-strings: error: " + Path("missing") + ": No such file or directory\n";
+    const std::string noMemory = "orva-strings: error: out of memory\n";
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string err;
+        std::set<std::string> errsWithoutMemory;
+    } cases[] = {
+        {{"reveal", "--key-file", Path("key"), Path("bad")},
+         1,
+         first + second,
+         {noMemory, first + noMemory}},
+        {{"sections", Path("missing")}, 2, noFile, {noMemory}},
+    };
+    for (const auto& c : cases) {
+        std::set<std::string> errsWithoutMemory;
+        m_hasFailed = true;
+        for (std::size_t n = 1; m_hasFailed; ++n) {
+            const int status = Run(c.arguments, n);
+            EXPECT_EQ(m_left, 0U);
+            EXPECT_EQ(m_out, "");
+            if (m_err == c.err) {
+                EXPECT_EQ(status, c.status);
+            } else {
+                EXPECT_EQ(status, 2);
+                errsWithoutMemory.insert(m_err);
+            }
+        }
+        EXPECT_EQ(m_err, c.err);
+        EXPECT_EQ(errsWithoutMemory, c.errsWithoutMemory);
+    }
 }
 
 TEST_F(OrvaStringsAllocationFailure, LeavesNoPartOfAKey) {

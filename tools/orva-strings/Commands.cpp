@@ -22,32 +22,64 @@ namespace {
 using Entry = StringsDocument::Entry;
 
 constexpr char kHeaderKey[] = "QVLANG";
-constexpr char kNoSection[] = "there is no section in it";
 
-// Asks for each protected entry's new value, which may be none, and sets it.
+Finding Error(std::size_t line, const std::string& key, const char* what) {
+    return {Severity::kError, line, key + ": " + what};
+}
+
+Finding NoSection() {
+    return {Severity::kError, std::nullopt, "there is no section in it"};
+}
+
+const char* WhyNotRead(StringsDocument::Obstacle obstacle) {
+    switch (obstacle) {
+        case StringsDocument::Obstacle::kNoSectionYet:
+            return "not read, because it comes before the first section";
+        case StringsDocument::Obstacle::kByteOrderMark:
+            return "not read, because a byte-order mark is in front of it";
+        case StringsDocument::Obstacle::kCarriageReturn:
+            break;
+    }
+    return "not read, because it follows a carriage return, which ends no line";
+}
+
+bool IsBlank(const std::string& text) {
+    return text.find_first_not_of(" \t") == std::string::npos;
+}
+
+// Whether a person who opens the file can read a text in the entry's line.
+bool IsReadable(const Entry& entry) {
+    return !IsBlank(entry.beforeQuote) || !(IsBlank(entry.value) || LooksStored(entry.value));
+}
+
+// Asks for each protected entry's new value, which may be none, and sets it. A text in front of the
+// value's quotes, which nothing changes, is a finding of the severity given.
 template <typename NewValue>
-Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
+Findings ChangeProtected(StringsDocument& document, Severity beforeQuote,
+                         const NewValue& newValue) {
     Findings findings;
-    for (const Entry& entry : document.Misplaced()) {
-        findings.push_back({entry.line, entry.key +
-                                            ": it stands before the first section, or behind a "
-                                            "byte-order mark or carriage return, and is never "
-                                            "read"});
+    for (const StringsDocument::Misplaced& misplaced : document.MisplacedLines()) {
+        findings.push_back(Error(misplaced.line, misplaced.key, WhyNotRead(misplaced.obstacle)));
     }
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
-        findings.push_back({0, kNoSection});
+        findings.push_back(NoSection());
     }
     for (const StringsDocument::Section& section : sections) {
         for (const Entry& entry : section.entries) {
             if (!IsProtectedKey(entry.key.c_str())) {
                 continue;
             }
+            if (!IsBlank(entry.beforeQuote)) {
+                findings.push_back({beforeQuote, entry.line,
+                                    entry.key + ": the value begins at the first quote; the text "
+                                                "before it stays readable"});
+            }
             const std::optional<std::string> value = newValue(entry, findings);
             if (value && !document.SetValue(entry.line, *value)) {
-                findings.push_back({entry.line, entry.key +
-                                                    ": the text can't be written as a quoted value "
-                                                    "that reads back the same"});
+                findings.push_back(
+                    Error(entry.line, entry.key,
+                          "the text can't be written as a quoted value that reads back the same"));
             }
         }
     }
@@ -55,16 +87,16 @@ Findings ChangeProtected(StringsDocument& document, const NewValue& newValue) {
 }
 
 Finding DoesNotDecode(const Entry& entry) {
-    return {entry.line, entry.key +
-                            ": the value looks stored but does not decode: it was damaged or made "
-                            "with another key"};
+    return Error(
+        entry.line, entry.key,
+        "the value looks stored but does not decode: it was damaged or made with another key");
 }
 
-// ":LINE" of the first entry of each key.
-std::map<std::string, std::string> LinesOf(const StringsDocument::Section& section) {
-    std::map<std::string, std::string> lines;
+// The line of the first entry of each key.
+std::map<std::string, std::size_t> LinesOf(const StringsDocument::Section& section) {
+    std::map<std::string, std::size_t> lines;
     for (const Entry& entry : section.entries) {
-        lines.emplace(entry.key, ':' + std::to_string(entry.line + 1));
+        lines.emplace(entry.key, entry.line);
     }
     return lines;
 }
@@ -134,35 +166,47 @@ void CheckLoaded(const StringsDocument::Section& section) {
 }  // namespace
 
 Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isForced) {
-    return ChangeProtected(
-        document, [&](const Entry& entry, Findings& findings) -> std::optional<std::string> {
+    Findings findings = ChangeProtected(
+        document, Severity::kError,
+        [&](const Entry& entry, Findings& found) -> std::optional<std::string> {
             if (DecodeProtectedText(keys, entry.value)) {
                 return std::nullopt;
             }
             if (!isForced && LooksStored(entry.value)) {
-                findings.push_back(DoesNotDecode(entry));
+                found.push_back(DoesNotDecode(entry));
                 return std::nullopt;
             }
             if (entry.value.find('\0') != std::string::npos) {
-                findings.push_back({entry.line, entry.key + ": the text has a NUL byte in it"});
+                found.push_back(Error(entry.line, entry.key, "the text has a NUL byte in it"));
                 return std::nullopt;
             }
             return EncodeProtectedText(keys, entry.value);
         });
+    // Looked for now, so that nothing within a text that is encrypted is taken for a line near one.
+    for (const Entry& entry : document.NearProtected()) {
+        if (IsReadable(entry)) {
+            findings.push_back({Severity::kWarning, entry.line,
+                                entry.key +
+                                    ": this looks like a protected entry but is not one; its "
+                                    "text stays readable"});
+        }
+    }
+    return findings;
 }
 
 Findings Reveal(StringsDocument& document, const ProtectionKeys& keys) {
-    return ChangeProtected(document, [&](const Entry& entry, Findings& findings) {
+    const auto reveal = [&](const Entry& entry, Findings& findings) {
         std::optional<std::string> text = DecodeProtectedText(keys, entry.value);
         if (!text && LooksStored(entry.value)) {
             findings.push_back(DoesNotDecode(entry));
         }
         return text;
-    });
+    };
+    return ChangeProtected(document, Severity::kWarning, reveal);
 }
 
 Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const ProtectionKeys& to) {
-    return ChangeProtected(document, [&](const Entry& entry, Findings& findings) {
+    const auto rekey = [&](const Entry& entry, Findings& findings) {
         std::optional<std::string> value = DecodeProtectedText(from, entry.value);
         if (value) {
             value = EncodeProtectedText(to, *value);
@@ -170,62 +214,68 @@ Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const Prot
             findings.push_back(DoesNotDecode(entry));
         }
         return value;
-    });
+    };
+    return ChangeProtected(document, Severity::kError, rekey);
 }
 
-void ListSections(const StringsDocument& document, std::ostream& out) {
+Findings ListSections(const StringsDocument& document, std::ostream& out) {
+    const std::vector<StringsDocument::Section> sections = document.Sections();
+    if (sections.empty()) {
+        return {NoSection()};
+    }
     out << "  LINE  ENTRIES  PROTECTED  SECTION\n";
-    for (const StringsDocument::Section& section : document.Sections()) {
+    for (const StringsDocument::Section& section : sections) {
         const std::set<std::string> keys = KeysOf(section);
         const auto protectedKeys =
             std::count_if(keys.begin(), keys.end(),
                           [](const std::string& key) { return IsProtectedKey(key.c_str()); });
         out << std::setw(6) << section.line + 1 << std::setw(9) << keys.size() << std::setw(11)
-            << protectedKeys << "  " << Printable{section.name} << '\n';
+            << protectedKeys << "  " << Printable(section.name) << '\n';
     }
+    return {};
 }
 
-bool Show(const StringsDocument& document, const std::string& language,
-          const std::vector<std::string>& keys, bool isRevealed, const std::string& fileName,
-          std::ostream& out, std::ostream& err) {
+Findings Show(const StringsDocument& document, const ShowRequest& request, std::ostream& out) {
     const std::vector<StringsDocument::Section> sections = document.Sections();
     if (sections.empty()) {
-        err << Printable{fileName} << ": error: " << kNoSection << '\n';
-        return false;
+        return {NoSection()};
     }
-    LoadByCopy(document.Bytes(), language);
-    const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
+    const auto named = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
         return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
-                                            language.c_str());
+                                            request.language.c_str());
     });
-    const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
-    CheckLoaded(section);
-    if (loaded == sections.end()) {
-        err << Printable{fileName} << ": note: there is no section " << Printable{language}
-            << ", so this is the first\n";
+    Findings findings;
+    if (named == sections.end()) {
+        const std::string what = "there is no section " + request.language;
+        if (!request.hasFallback) {
+            return {{Severity::kError, std::nullopt, what}};
+        }
+        findings.push_back({Severity::kNote, std::nullopt, what + ", so this is the first"});
     }
-    std::vector<std::string> wanted = keys;
+    const StringsDocument::Section& section = named == sections.end() ? sections.front() : *named;
+    LoadByCopy(document.Bytes(), request.language);
+    CheckLoaded(section);
+    std::vector<std::string> wanted = request.keys;
     if (wanted.empty()) {
         for (const auto& entry : KorString::gMapLocalizedStrings) {
             wanted.emplace_back(entry.key);
         }
     }
-    const std::map<std::string, std::string> lines = LinesOf(section);
+    const std::map<std::string, std::size_t> lines = LinesOf(section);
     const ProtectionKeys protectionKeys = Key::BuiltIn().Derive();
-    bool isComplete = true;
     for (const std::string& key : wanted) {
         const bool canBeAsked = key.find('\0') == std::string::npos;
         const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
         if (text != nullptr) {
-            const bool isHidden = IsProtectedKey(key.c_str()) && !isRevealed;
-            out << Printable{key} << '='
-                << Printable{isHidden ? "(protected)" : '"' + Escaped(text) + '"'} << '\n';
+            const bool isHidden = IsProtectedKey(key.c_str()) && !request.isRevealed;
+            out << Printable(key) << '=' << (isHidden ? "(protected)" : '"' + Printable(text) + '"')
+                << '\n';
         } else {
             const auto line = lines.find(key);
-            err << Printable{fileName} << (line == lines.end() ? "" : line->second)
-                << ": error: " << Printable{key} << ": " << WhyNull(key) << '\n';
-            isComplete = false;
+            findings.push_back({Severity::kError,
+                                line == lines.end() ? std::nullopt : std::optional(line->second),
+                                key + ": " + WhyNull(key)});
         }
     }
-    return isComplete;
+    return findings;
 }

@@ -3,23 +3,16 @@
 #ifndef ORVALANGUAGE_TOOLS_COMMANDS_H
 #define ORVALANGUAGE_TOOLS_COMMANDS_H
 
-#include <cstddef>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "api/ProtectedForm.h"
+#include "tools/orva-strings/Finding.h"
 #include "tools/orva-strings/StringsDocument.h"
 
-// What is wrong with one entry.
-struct Finding {
-    std::size_t line;  // from 0
-    std::string text;
-};
-using Findings = std::vector<Finding>;
-
-// Each of the three changes the entries of all sections whose key begins with "IDE". With findings
-// the document may be half changed: it is then of no use any more.
+// Each of the three changes the entries of all sections whose key begins with "IDE". With an error
+// among the findings the document may be half changed: it is then of no use any more.
 
 // Puts readable values into the stored form; stored ones stay. A value that looks stored but does
 // not decode is a finding, unless isForced, which takes it for a text.
@@ -33,13 +26,18 @@ Findings Reveal(StringsDocument& document, const ProtectionKeys& keys);
 Findings Rekey(StringsDocument& document, const ProtectionKeys& from, const ProtectionKeys& to);
 
 // Writes a table of the document's sections.
-void ListSections(const StringsDocument& document, std::ostream& out);
+Findings ListSections(const StringsDocument& document, std::ostream& out);
 
-// Loads a section through the library and writes what it answers for the keys, or for every key of
-// the section if there are none; protected texts only if isRevealed. Returns false if anything has
-// no answer, which it says to err under the file's name.
-bool Show(const StringsDocument& document, const std::string& language,
-          const std::vector<std::string>& keys, bool isRevealed, const std::string& fileName,
-          std::ostream& out, std::ostream& err);
+// What to show.
+struct ShowRequest {
+    std::string language;           // empty: the first section
+    bool hasFallback = false;       // the first section, too, if there is none of the language
+    std::vector<std::string> keys;  // empty: every key of the section
+    bool isRevealed = false;        // protected texts too
+};
+
+// Loads a section through the library and writes what it answers. No section, or a key without an
+// answer, is an error.
+Findings Show(const StringsDocument& document, const ShowRequest& request, std::ostream& out);
 
 #endif

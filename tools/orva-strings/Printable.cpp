@@ -1,5 +1,10 @@
 #include "tools/orva-strings/Printable.h"
 
+#include <cstddef>
+#include <cstdint>
+
+#include "tools/orva-strings/Hex.h"
+
 namespace {
 
 // Whether the byte at a place belongs to a control character: of ASCII, or of those that are two
@@ -12,21 +17,28 @@ bool IsControl(std::string_view text, std::size_t i) {
         return at > 0 && byteAt(at - 1) == 0xC2 && byteAt(at) >= 0x80 && byteAt(at) <= 0x9F;
     };
     const unsigned byte = byteAt(i);
-    return (byte < ' ' && byte != '\t') || byte == 0x7F || isSecond(i) || isSecond(i + 1);
+    return byte < ' ' || byte == 0x7F || isSecond(i) || isSecond(i + 1);
 }
 
 }  // namespace
 
-std::ostream& operator<<(std::ostream& out, Printable printable) {
-    const std::string_view text = printable.text;
+std::string Printable(std::string_view text) {
+    std::string printable;
+    printable.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (IsControl(text, i)) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            out << "\\x"
-                << "0123456789ABCDEF"[byte >> 4U] << "0123456789ABCDEF"[byte & 0xFU];
+        const char c = text[i];
+        if (c == '\\' || c == '"') {
+            printable += {'\\', c};
+        } else if (c == '\n') {
+            printable += "\\n";
+        } else if (c == '\t') {
+            printable += "\\t";
+        } else if (IsControl(text, i)) {
+            const auto byte = static_cast<std::uint8_t>(c);
+            printable += "\\x" + ToHexDigits(&byte, 1);
         } else {
-            out << text[i];
+            printable += c;
         }
     }
-    return out;
+    return printable;
 }

@@ -1,15 +1,13 @@
 #ifndef ORVALANGUAGE_TOOLS_PRINTABLE_H
 #define ORVALANGUAGE_TOOLS_PRINTABLE_H
 
-#include <ostream>
+#include <string>
 #include <string_view>
 
-// A text of a file's or a user's on its way to a terminal, which obeys control characters: out <<
-// Printable{text} writes "\x1B" for one, and all else as it is. A tab is none.
-struct Printable {
-    std::string_view text;
-};
-
-std::ostream& operator<<(std::ostream& out, Printable printable);
+// A text from a file or the user, safe for a terminal, which obeys control characters, and readable
+// back: a backslash becomes \\, a double quote \", a line feed \n, a tab \t, and each byte of any
+// other control character, in ASCII or of U+0080 to U+009F in UTF-8, \x and two upper-case
+// hexadecimal digits. All else stays as it is.
+std::string Printable(std::string_view text);
 
 #endif

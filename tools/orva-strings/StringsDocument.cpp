@@ -1,5 +1,7 @@
 #include "tools/orva-strings/StringsDocument.h"
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <OrvaLanguage/KorString.h>
@@ -28,6 +30,79 @@ bool ReadsAs(const std::string& text, const std::string& ending, const std::stri
     return text.find('\n') == std::string::npos && SplitEnding(text + ending).first == text &&
            KorString::GetLocalizedElement(text, &keyRead, &valueRead) && keyRead == key &&
            valueRead == value;
+}
+
+std::optional<StringsDocument::Entry> ReadEntry(std::size_t line, const std::string& text) {
+    StringsDocument::Entry entry = {line, "", "", ""};
+    if (!KorString::GetLocalizedElement(text, &entry.key, &entry.value)) {
+        return std::nullopt;
+    }
+    const std::size_t start = entry.key.size() + 1;
+    const std::size_t quote = text.find('"', start);
+    if (quote != std::string::npos) {
+        entry.beforeQuote = text.substr(start, quote - start);
+    }
+    return entry;
+}
+
+bool IsHeader(const std::string& text) {
+    return KorString::SearchLanguageKey(text, "");
+}
+
+bool IsProtectedEntry(const std::string& text) {
+    return IsProtectedKey(text.c_str()) && ReadEntry(0, text).has_value();
+}
+
+std::string WithoutByteOrderMarks(const std::string& text) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    std::size_t start = 0;
+    while (text.compare(start, kByteOrderMark.size(), kByteOrderMark) == 0) {
+        start += kByteOrderMark.size();
+    }
+    return text.substr(start);
+}
+
+bool IsLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// Whether a byte is no mark of a comment, and no blank. What follows a carriage return is a piece of its
+// own.
+bool CanBeginKey(char c) {
+    return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '\r';
+}
+
+// Whether a key was probably meant to be a protected one.
+bool IsNearProtectedKey(std::string_view key) {
+    const auto isLetterOfIde = [&](std::size_t i) { return (key[i] | 0x20) == "ide"[i]; };
+    if (key.size() < 3 || !isLetterOfIde(0) || !isLetterOfIde(1) || !isLetterOfIde(2) ||
+        key.find_first_of(" \t") != std::string_view::npos) {
+        return false;
+    }
+    // "Ideal" is another word.
+    return key.substr(0, 3) == "IDE" || key.size() == 3 || !IsLetter(key[3]);
+}
+
+// The key and value of a line whose start is no part of them, if they were probably meant to be a
+// protected entry's.
+std::optional<StringsDocument::Entry> ReadNearProtected(std::size_t line, std::string_view text) {
+    while (!text.empty() && !CanBeginKey(text.front())) {
+        text.remove_prefix(1);
+    }
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const std::string_view beforeEquals = text.substr(0, equals);
+    const std::string_view key = beforeEquals.substr(0, beforeEquals.find_last_not_of(" \t") + 1);
+    if (!IsNearProtectedKey(key)) {
+        return std::nullopt;
+    }
+    // With a key that is long enough, whatever this one's length.
+    std::optional<StringsDocument::Entry> entry =
+        ReadEntry(line, "IDE_" + std::string(text.substr(equals)));
+    entry->key = key;
+    return entry;
 }
 
 }  // namespace
@@ -65,45 +140,65 @@ std::string StringsDocument::Bytes() const {
 
 std::vector<StringsDocument::Section> StringsDocument::Sections() const {
     std::vector<Section> sections;
-    std::string key;
-    std::string value;
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         const std::string& text = m_lines[i].text;
-        if (KorString::SearchLanguageKey(text, "")) {
+        if (IsHeader(text)) {
             sections.push_back({i, text.substr(text.find('=') + 1), {}});
-        } else if (!sections.empty() && KorString::GetLocalizedElement(text, &key, &value)) {
-            sections.back().entries.push_back({i, key, value});
+        } else if (!sections.empty()) {
+            if (std::optional<Entry> entry = ReadEntry(i, text)) {
+                sections.back().entries.push_back(std::move(*entry));
+            }
         }
     }
     return sections;
 }
 
-std::vector<StringsDocument::Entry> StringsDocument::Misplaced() const {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    std::vector<Entry> misplaced;
-    const auto collect = [&misplaced](std::size_t line, const std::string& text) {
-        std::string key;
-        std::string value;
-        if (KorString::GetLocalizedElement(text, &key, &value) &&
-            (IsProtectedKey(key.c_str()) || KorString::SearchLanguageKey(text, ""))) {
-            misplaced.push_back({line, key, value});
-        }
-    };
-    bool isBeforeFirst = true;
+template <typename Visit>
+void StringsDocument::ForEachPiece(const Visit& visit) const {
     for (std::size_t i = 0; i < m_lines.size(); ++i) {
         const std::string& text = m_lines[i].text;
-        isBeforeFirst = isBeforeFirst && !KorString::SearchLanguageKey(text, "");
-        if (isBeforeFirst) {
-            const bool isMarked = text.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0;
-            collect(i, isMarked ? text.substr(kByteOrderMark.size()) : text);
-        }
+        visit(i, text, true);
         for (std::size_t at = text.find('\r'); at != std::string::npos;) {
             const std::size_t next = text.find('\r', at + 1);
-            collect(i, text.substr(at + 1, next - at - 1));
+            visit(i, text.substr(at + 1, next - at - 1), false);
             at = next;
         }
     }
+}
+
+std::vector<StringsDocument::Misplaced> StringsDocument::MisplacedLines() const {
+    std::vector<Misplaced> misplaced;
+    bool isInSection = false;
+    ForEachPiece([&](std::size_t line, const std::string& piece, bool isWholeLine) {
+        const std::string text = WithoutByteOrderMarks(piece);
+        if (!IsHeader(text) && !IsProtectedEntry(text)) {
+            return;
+        }
+        const std::string key = text.substr(0, text.find('='));
+        if (text.size() != piece.size()) {
+            misplaced.push_back({line, key, Obstacle::kByteOrderMark});
+        } else if (!isWholeLine) {
+            misplaced.push_back({line, key, Obstacle::kCarriageReturn});
+        } else if (IsHeader(text)) {
+            isInSection = true;
+        } else if (!isInSection) {
+            misplaced.push_back({line, key, Obstacle::kNoSectionYet});
+        }
+    });
     return misplaced;
+}
+
+std::vector<StringsDocument::Entry> StringsDocument::NearProtected() const {
+    std::vector<Entry> near;
+    ForEachPiece([&](std::size_t line, const std::string& piece, bool /*isWholeLine*/) {
+        if (IsProtectedEntry(WithoutByteOrderMarks(piece))) {
+            return;
+        }
+        if (std::optional<Entry> entry = ReadNearProtected(line, piece)) {
+            near.push_back(std::move(*entry));
+        }
+    });
+    return near;
 }
 
 bool StringsDocument::SetValue(std::size_t line, const std::string& value) {

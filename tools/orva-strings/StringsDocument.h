@@ -16,7 +16,17 @@ public:
     struct Entry {
         std::size_t line;  // its place, from 0
         std::string key;
-        std::string value;  // as the library reads it
+        std::string value;        // as the library reads it
+        std::string beforeQuote;  // between the = and the value's first quote; no part of the value
+    };
+
+    // Why the library does not read a line as it was meant.
+    enum class Obstacle { kNoSectionYet, kByteOrderMark, kCarriageReturn };
+
+    struct Misplaced {
+        std::size_t line;  // from 0
+        std::string key;
+        Obstacle obstacle;
     };
 
     struct Section {
@@ -33,10 +43,14 @@ public:
     // Every section of the file, in its order. What stands before the first one belongs to none.
     std::vector<Section> Sections() const;
 
-    // What is never read, but looks as if it was meant to be: a header behind a byte-order mark, a
-    // protected entry before the first section, and either behind a carriage return, which ends no
-    // line.
-    std::vector<Entry> Misplaced() const;
+    // The headers and protected entries that are not read: those after a byte-order mark or a carriage
+    // return, which ends no line, and protected entries before the first section.
+    std::vector<Misplaced> MisplacedLines() const;
+
+    // Lines that were probably meant as protected entries but are none, Misplaced ones apart, with the
+    // keys that were meant: from the first letter, digit or underscore on there is a key of one word
+    // that begins with "IDE", or with "ide" in other case and no letter after it.
+    std::vector<Entry> NearProtected() const;
 
     // Gives the entry of a line another value. Quotes, and what stands before the first and behind
     // the last, stay; a value without quotes gets them where it needs them.
@@ -50,6 +64,11 @@ private:
         std::string text;    // as the library reads it
         std::string ending;  // what it drops: a carriage return, a line feed, both or none
     };
+
+    // Calls visit with each line's place and text, and again with what follows each carriage return
+    // within it, up to the next.
+    template <typename Visit>
+    void ForEachPiece(const Visit& visit) const;
 
     std::vector<Line> m_lines;
 };

@@ -5,13 +5,16 @@
 #include <exception>
 #include <functional>
 #include <new>
+#include <numeric>
+#include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include "tools/orva-strings/Commands.h"
 #include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/Finding.h"
 #include "tools/orva-strings/Key.h"
-#include "tools/orva-strings/Printable.h"
 
 namespace {
 
@@ -29,11 +32,9 @@ struct Options {
     std::string keyFile;
     std::string fromKeyFile;
     std::string toKeyFile;
-    std::string language;
-    std::vector<std::string> keys;
+    ShowRequest show;
     bool isInPlace = false;
     bool isForced = false;
-    bool isRevealed = false;
 };
 
 Key KeyOf(const std::string& path) {
@@ -73,6 +74,48 @@ std::string NamesAFile(std::string name) {
     return name.empty() ? "it names no file" : "";
 }
 
+// Says something about the command itself.
+void Say(Severity severity, const std::string& text, std::ostream& err) {
+    Print({severity, std::nullopt, text}, "orva-strings", err);
+}
+
+// How many letters must be inserted, removed or replaced to make one word of the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);  // from the part of a so far to each start of b
+    std::iota(row.begin(), row.end(), 0U);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+// What to say of a word that stands where a command of the group should, or nothing if all is well
+// there: the word, and the command that was probably meant, which takes two changes at most and
+// leaves a letter of the word.
+std::string UnknownCommand(const CLI::App& group, const std::string& prefix) {
+    const std::vector<std::string> unknown = group.remaining();
+    if (unknown.empty() || unknown.front().compare(0, 1, "-") == 0) {  // an option
+        return "";
+    }
+    std::string word = unknown.front();
+    Unmark(word);
+    std::size_t least = std::min<std::size_t>(3, word.size());
+    std::string meant;
+    for (const CLI::App* const command : group.get_subcommands({})) {
+        const std::size_t distance = Distance(command->get_name(), word);
+        if (distance < least) {
+            least = distance;
+            meant = "; did you mean '" + prefix + command->get_name() + "'?";
+        }
+    }
+    return "unknown command '" + prefix + word + '\'' + meant;
+}
+
 // One run of the tool: where it reads and writes, and what it was asked.
 class Run {
 public:
@@ -89,6 +132,7 @@ private:
     void AddKeyFile(CLI::App& command);
 
     StringsDocument ReadDocument() const;
+    int Report(Findings findings) const;
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
     int NewKey() const;
     int ShowKey() const;
@@ -130,20 +174,26 @@ StringsDocument Run::ReadDocument() const {
     return StringsDocument(m_options.file == "-" ? m_readInput() : ReadFile(m_options.file));
 }
 
+// Prints what was found in the file, in the order of its lines, what concerns all of it first.
+int Run::Report(Findings findings) const {
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    for (const Finding& finding : findings) {
+        Print(finding, m_options.file, m_err);
+    }
+    return HasError(findings) ? kFindings : kDone;
+}
+
 int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     if (m_options.isInPlace && m_options.file == "-") {
-        m_err << "orva-strings: error: --in-place needs a file, not -\n";
+        Say(Severity::kError, "--in-place needs a file, not -", m_err);
         return kUsageOrSystem;
     }
     StringsDocument document = ReadDocument();
     const std::string before = document.Bytes();
-    const Findings findings = change(document);
-    for (const Finding& finding : findings) {
-        m_err << Printable{m_options.file} << ':' << finding.line + 1
-              << ": error: " << Printable{finding.text} << '\n';
-    }
-    if (!findings.empty()) {
-        return kFindings;
+    const int status = Report(change(document));
+    if (status != kDone) {
+        return status;
     }
     if (!m_options.isInPlace) {
         m_out << document.Bytes();
@@ -182,8 +232,8 @@ int Run::Execute(std::vector<std::string> arguments) {
             return Change([this](StringsDocument& document) {
                 const Key key = KeyOf(m_options.keyFile);
                 if (m_options.keyFile.empty() && key.IsDevelopmentKey()) {
-                    m_err << "orva-strings: note: protecting with the development key, which "
-                             "everybody knows\n";
+                    Say(Severity::kNote,
+                        "protecting with the development key, which everybody knows", m_err);
                 }
                 return Protect(document, key.Derive(), m_options.isForced);
             });
@@ -220,26 +270,22 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->check(NamesAFile)
         ->required();
 
-    command = AddCommand(app, "show", "Show what the library answers", [this] {
-        return Show(ReadDocument(), m_options.language, m_options.keys, m_options.isRevealed,
-                    m_options.file, m_out, m_err)
-                   ? kDone
-                   : kFindings;
-    });
+    command = AddCommand(app, "show", "Show what the library answers",
+                         [this] { return Report(Show(ReadDocument(), m_options.show, m_out)); });
     AddFile(*command);
-    command->add_option("KEY", m_options.keys, "Keys to look up; without them, the whole section")
+    command
+        ->add_option("KEY", m_options.show.keys, "Keys to look up; without them, the whole section")
         ->type_name("");
     command
-        ->add_option("--language", m_options.language,
-                     "The section's name; without it, or if there is none such, the first section")
+        ->add_option("--language", m_options.show.language,
+                     "The section's name; without it, the first section")
         ->type_name("LANGUAGE");
-    command->add_flag("--reveal", m_options.isRevealed, "Show protected texts too");
+    command->add_flag("--fallback", m_options.show.hasFallback,
+                      "Show the first section, as the library does, if there is none of that name");
+    command->add_flag("--reveal", m_options.show.isRevealed, "Show protected texts too");
 
-    command =
-        AddCommand(app, "sections", "List the sections: line, entries, protected, name", [this] {
-            ListSections(ReadDocument(), m_out);
-            return kDone;
-        });
+    command = AddCommand(app, "sections", "List the sections: line, entries, protected, name",
+                         [this] { return Report(ListSections(ReadDocument(), m_out)); });
     AddFile(*command);
 
     CLI::App* const key = app.add_subcommand("key", "Make keys and tell them apart");
@@ -263,16 +309,23 @@ int Run::Execute(std::vector<std::string> arguments) {
             app.exit(error, m_out, m_err);
             return kDone;
         }
-        std::string message = error.what();
-        message.erase(std::remove(message.begin(), message.end(), '\n'), message.end());  // marks
-        m_err << "orva-strings: error: " << Printable{message} << " (see --help)\n";
+        std::string message = UnknownCommand(app, "");
+        if (message.empty()) {
+            message = UnknownCommand(*key, "key ");
+        }
+        if (message.empty()) {
+            message = error.what();
+            message.erase(std::remove(message.begin(), message.end(), '\n'),
+                          message.end());  // marks
+        }
+        Say(Severity::kError, message + " (see --help)", m_err);
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
-                              &m_options.toKeyFile, &m_options.language}) {
+                              &m_options.toKeyFile, &m_options.show.language}) {
         Unmark(*text);
     }
-    std::for_each(m_options.keys.begin(), m_options.keys.end(), Unmark);
+    std::for_each(m_options.show.keys.begin(), m_options.show.keys.end(), Unmark);
     return m_command();
 }
 
@@ -281,18 +334,21 @@ int Run::Execute(std::vector<std::string> arguments) {
 int RunTool(std::vector<std::string> arguments, const std::function<std::string()>& readInput,
             std::ostream& out, std::ostream& err) {
     try {
-        const int status = Run(readInput, out, err).Execute(std::move(arguments));
-        out.flush();
-        if (!out) {
-            err << "orva-strings: error: can't write the result\n";
+        try {
+            const int status = Run(readInput, out, err).Execute(std::move(arguments));
+            out.flush();
+            if (!out) {
+                throw std::runtime_error("can't write the result");
+            }
+            return status;
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const std::exception& exception) {
+            Say(Severity::kError, exception.what(), err);
             return kUsageOrSystem;
         }
-        return status;
     } catch (const std::bad_alloc&) {
-        err << "orva-strings: error: out of memory\n";
-        return kUsageOrSystem;
-    } catch (const std::exception& exception) {
-        err << "orva-strings: error: " << Printable{exception.what()} << '\n';
+        err << "orva-strings: error: out of memory\n";  // whole, and without memory
         return kUsageOrSystem;
     }
 }
