@@ -5,12 +5,14 @@
 #include <exception>
 #include <functional>
 #include <new>
+#include <set>
 #include <string_view>
 #include <utility>
 
 #include "tools/orva-strings/Commands.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/LibraryFingerprint.h"
 #include "tools/orva-strings/Printable.h"
 
 namespace {
@@ -27,6 +29,7 @@ Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or
 struct Options {
     std::string file;
     std::string keyFile;
+    std::string library;
     std::string fromKeyFile;
     std::string toKeyFile;
     std::string language;
@@ -164,9 +167,23 @@ int Run::NewKey() const {
 }
 
 int Run::ShowKey() const {
-    const Key key = KeyOf(m_options.keyFile);
-    m_out << "fingerprint: " << key.Fingerprint() << '\n'
-          << "development key: " << (key.IsDevelopmentKey() ? "yes" : "no") << '\n';
+    std::set<std::string> fingerprints;
+    if (m_options.library.empty()) {
+        fingerprints.insert(KeyOf(m_options.keyFile).Fingerprint());
+    } else {
+        fingerprints = FingerprintsIn(m_options.library);
+    }
+    if (fingerprints.size() != 1) {
+        m_err << Printable{m_options.library} << ": error: "
+              << (fingerprints.empty() ? "it holds no key fingerprint, so it is not "
+                                         "libOrvaLanguage"
+                                       : "it holds fingerprints of different keys")
+              << '\n';
+        return kFindings;
+    }
+    const std::string& fingerprint = *fingerprints.begin();
+    m_out << "fingerprint: " << fingerprint << '\n'
+          << "development key: " << (Key::IsOfDevelopmentKey(fingerprint) ? "yes" : "no") << '\n';
     return kDone;
 }
 
@@ -181,7 +198,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         [this] {
             return Change([this](StringsDocument& document) {
                 const Key key = KeyOf(m_options.keyFile);
-                if (m_options.keyFile.empty() && key.IsDevelopmentKey()) {
+                if (m_options.keyFile.empty() && Key::IsOfDevelopmentKey(key.Fingerprint())) {
                     m_err << "orva-strings: note: protecting with the development key, which "
                              "everybody knows\n";
                 }
@@ -253,6 +270,12 @@ int Run::Execute(std::vector<std::string> arguments) {
     command = AddCommand(*key, "show", "Show a key's fingerprint, not the key",
                          [this] { return ShowKey(); });
     AddKeyFile(*command);
+    command
+        ->add_option("--library", m_options.library,
+                     "The built library, a file that is only read, whose key to show")
+        ->type_name("LIBRARY")
+        ->check(NamesAFile)
+        ->excludes("--key-file");
 
     try {
         MarkSpecial(arguments);
@@ -269,7 +292,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
-                              &m_options.toKeyFile, &m_options.language}) {
+                              &m_options.toKeyFile, &m_options.library, &m_options.language}) {
         Unmark(*text);
     }
     std::for_each(m_options.keys.begin(), m_options.keys.end(), Unmark);
