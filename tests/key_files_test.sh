@@ -91,7 +91,7 @@ holds refused "${lower:0:32}\n${lower:32}\n"
 holds refused "0x$lower\n"
 holds refused "\xEF\xBB\xBF$lower\n"
 holds refused "\xEF\xBB\xBF${lower:3}\n"
-for other in g G / : @ '`' '\\x80' '\\xC3' '%%' '#' '"' ';' '[' ']' '\\\\'; do
+for other in g G / : @ '`' "\\\\" '\x80' '\xC3' '%%' '#' '"' ';' '[' ']'; do
     holds refused "$other$digits63\n"
     holds refused "$digits63$other\n"
 done
