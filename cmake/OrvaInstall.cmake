@@ -1,10 +1,12 @@
 # What `cmake --install` puts in place: the library, its headers, and how a host finds both, with
 # CMake's find_package(OrvaLanguage) or with pkg-config.
 include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
 
 install(TARGETS OrvaLanguage
     EXPORT OrvaLanguageTargets
-    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY include/OrvaLanguage DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 
 set(orva_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaLanguage")
