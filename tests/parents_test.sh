@@ -86,7 +86,7 @@ message(STATUS "Link-time optimisation: ${has_ipo}")
 END
 "$tool" key new "$work/key"
 fingerprint=$("$tool" key show --key-file "$work/key" | sed -n 's/^fingerprint: //p')
-configure modern -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_BUILD_TYPE=MinSizeRel -DORVA_WARNINGS_AS_ERRORS=ON \
+configure modern -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_BUILD_TYPE=MinSizeRel -DORVA_WARNINGS_AS_ERRORS=ON -DORVA_BUILD_TOOLS=ON \
     -DHOST="$source/tests/hosts/host.cpp" -DORVA_SOURCE="$source" -DORVA_KEY_FILE="$work/key" ||
     fail "the project modern does not configure:"
 grep -qxF -e "-- Protected texts: key with fingerprint $fingerprint" "$work/log" ||
