@@ -89,7 +89,7 @@ private:
                          std::function<int()> command);
     void AddFile(CLI::App& command);
     void AddInPlace(CLI::App& command);
-    void AddKeyFile(CLI::App& command);
+    CLI::Option* AddKeyFile(CLI::App& command);
 
     StringsDocument ReadDocument() const;
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
@@ -121,8 +121,8 @@ void Run::AddInPlace(CLI::App& command) {
                      "Write the result to FILE, whole or not at all, instead of standard output");
 }
 
-void Run::AddKeyFile(CLI::App& command) {
-    command
+CLI::Option* Run::AddKeyFile(CLI::App& command) {
+    return command
         .add_option("--key-file", m_options.keyFile,
                     "File of 64 hexadecimal digits; without it, the key built in")
         ->type_name("KEYFILE")
@@ -269,13 +269,13 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->required();
     command = AddCommand(*key, "show", "Show a key's fingerprint, not the key",
                          [this] { return ShowKey(); });
-    AddKeyFile(*command);
+    CLI::Option* const keyFile = AddKeyFile(*command);
     command
         ->add_option("--library", m_options.library,
                      "The built library, a file that is only read, whose key to show")
         ->type_name("LIBRARY")
         ->check(NamesAFile)
-        ->excludes("--key-file");
+        ->excludes(keyFile);  // by its name, the parser would end where memory runs out
 
     try {
         MarkSpecial(arguments);
