@@ -1,21 +1,27 @@
-# What `cmake --install` puts in place: the library, its headers, and how a host finds both, with
-# CMake's find_package(OrvaLanguage) or with pkg-config.
+# What `cmake --install` puts in place, in three components: runtime, the library that a host loads;
+# development, its headers and how a build finds both, with CMake's find_package(OrvaLanguage) or with
+# pkg-config; tools, the command and its manual page.
 include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
 
 install(TARGETS OrvaLanguage
     EXPORT OrvaLanguageTargets
-    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
-install(DIRECTORY include/OrvaLanguage DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        COMPONENT runtime
+        NAMELINK_COMPONENT development
+    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(DIRECTORY include/OrvaLanguage
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
 
 set(orva_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaLanguage")
 install(EXPORT OrvaLanguageTargets
-    FILE OrvaLanguageConfig.cmake
     NAMESPACE OrvaLanguage::
-    DESTINATION "${orva_package_dir}")
+    DESTINATION "${orva_package_dir}" COMPONENT development)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
     COMPATIBILITY SameMajorVersion)
-install(FILES "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
-    DESTINATION "${orva_package_dir}")
+install(FILES packaging/OrvaLanguageConfig.cmake
+    "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
+    DESTINATION "${orva_package_dir}" COMPONENT development)
 
 # Relative to the file itself, so that the installed tree may be moved.
 file(RELATIVE_PATH orva_pc_prefix
@@ -34,4 +40,4 @@ else()
 endif()
 configure_file(packaging/OrvaLanguage.pc.in "${PROJECT_BINARY_DIR}/OrvaLanguage.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/OrvaLanguage.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

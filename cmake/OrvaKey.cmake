@@ -3,15 +3,9 @@
 set(ORVA_KEY_FILE "" CACHE FILEPATH
     "File of 64 hexadecimal digits, the key for protected texts; empty: the development key")
 
-# orva_write_key_shares(FOLDER): KeyShares.h for the library, and DevelopmentKey.h for the tool, which
-# tells whether a key is that one.
-function(orva_write_key_shares folder)
-    set(development_key "${PROJECT_SOURCE_DIR}/cmake/development.key")
-    set(file "${ORVA_KEY_FILE}")
-    if(file STREQUAL "")
-        set(file "${development_key}")
-        message(STATUS "Protected texts: development key, known to everybody (set ORVA_KEY_FILE)")
-    endif()
+# orva_read_key(FILE DIGITS): the upper-case digits of a key file; 64 digits of either case, and at most
+# one line feed, or carriage return and line feed, after them. `orva-strings` accepts the same.
+function(orva_read_key file digits)
     if(NOT EXISTS "${file}" OR IS_DIRECTORY "${file}")
         message(FATAL_ERROR "ORVA_KEY_FILE: there is no file ${file}.")
     endif()
@@ -29,10 +23,40 @@ function(orva_write_key_shares folder)
         message(FATAL_ERROR
             "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, and has other characters among them.")
     endif()
-    file(STRINGS "${file}" digits)
+    file(STRINGS "${file}" text)
+    string(TOUPPER "${text}" text)
+    set(${digits} "${text}" PARENT_SCOPE)
+endfunction()
+
+# orva_key_fingerprint(DIGITS FINGERPRINT): what tells keys apart and tells nothing about the key.
+# `orva-strings` computes the same.
+function(orva_key_fingerprint digits fingerprint)
+    string(SHA256 hash "libOrvaLanguage key fingerprint ${digits}")
+    string(SUBSTRING "${hash}" 0 16 hash)
+    string(TOUPPER "${hash}" hash)
+    set(${fingerprint} "${hash}" PARENT_SCOPE)
+endfunction()
+
+# orva_write_key_shares(FOLDER): KeyShares.h for the library; KeyFingerprints.h for it and for the tool,
+# which tells whether a key is the development key. Sets orva_key_file to the file of the key.
+function(orva_write_key_shares folder)
+    set(development_key "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/development.key")
+    set(file "${ORVA_KEY_FILE}")
+    if(file STREQUAL "")
+        set(file "${development_key}")
+    endif()
+    cmake_path(ABSOLUTE_PATH file)
+    orva_read_key("${file}" upper_digits)
+    orva_key_fingerprint("${upper_digits}" fingerprint)
+    if(ORVA_KEY_FILE STREQUAL "")
+        message(STATUS "Protected texts: development key, known to everybody (set ORVA_KEY_FILE)")
+    else()
+        message(STATUS "Protected texts: key with fingerprint ${fingerprint}")
+    endif()
+    set(orva_key_file "${file}" PARENT_SCOPE)
 
     # The mask comes from the material, so that a build repeats.
-    string(TOLOWER "${digits}" digits)
+    string(TOLOWER "${upper_digits}" digits)
     string(SHA256 mask "libOrvaLanguage key mask ${digits}")
     set(first "")
     set(second "")
@@ -46,8 +70,10 @@ function(orva_write_key_shares folder)
     file(CONFIGURE OUTPUT "${folder}/KeyShares.h" @ONLY CONTENT
         "#define ORVA_FIRST_KEY_SHARE {@first@ }\n#define ORVA_SECOND_KEY_SHARE {@second@ }\n")
     file(CHMOD "${folder}/KeyShares.h" PERMISSIONS OWNER_READ OWNER_WRITE)
-    file(STRINGS "${development_key}" digits)
-    string(TOUPPER "${digits}" digits)
-    file(CONFIGURE OUTPUT "${folder}/DevelopmentKey.h" @ONLY CONTENT
-        "#define ORVA_DEVELOPMENT_KEY \"@digits@\"\n")
+    orva_read_key("${development_key}" digits)
+    orva_key_fingerprint("${digits}" development_fingerprint)
+    file(CONFIGURE OUTPUT "${folder}/KeyFingerprints.h" @ONLY CONTENT
+"#define ORVA_KEY_FINGERPRINT \"@fingerprint@\"
+#define ORVA_DEVELOPMENT_KEY_FINGERPRINT \"@development_fingerprint@\"
+")
 endfunction()

@@ -158,6 +158,9 @@ TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
     FailAtEach({"sections", Path("protected")});
     FailAtEach({"key", "show", "--key-file", Path("key")});
+    m_folder.Write("library", std::string(100000, ' ') +
+                                  "libOrvaLanguage key fingerprint: 0123456789ABCDEF" + '\0');
+    FailAtEach({"key", "show", "--library", Path("library")});
 }
 
 TEST_F(OrvaStringsAllocationFailure, CutsNoMessage) {

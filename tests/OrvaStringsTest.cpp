@@ -1,5 +1,4 @@
 // The tool's commands, run in this process; what they print is compared whole.
-#include <cctype>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -561,11 +560,7 @@ TEST_F(OrvaStrings, MakesKeysAndTellsThemApart) {
 
     EXPECT_EQ(Run({"key", "show"}), 0);
     const std::string builtIn = m_out;
-    std::string fingerprint = ToHex(CounterBlock(6, DevelopmentKey())).substr(0, 16);
-    for (char& digit : fingerprint) {
-        digit = static_cast<char>(std::toupper(digit));
-    }
-    EXPECT_EQ(builtIn, "fingerprint: " + fingerprint + "\ndevelopment key: yes\n");
+    EXPECT_EQ(builtIn, "fingerprint: 43AB51767D620902\ndevelopment key: yes\n");
     EXPECT_EQ(Run({"key", "show", "--key-file", DEVELOPMENT_KEY}), 0);
     EXPECT_EQ(m_out, builtIn);
     EXPECT_EQ(Run({"key", "show", "--key-file", file}), 0);
@@ -587,6 +582,7 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
         {"upper case", "000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F", true},
         {"empty", "", false},
         {"two line ends", good + "\n\n", false},
+        {"a carriage return alone", good + "\r", false},
         {"short", good.substr(1), false},
         {"long", good + "0", false},
         {"a letter", "g" + good.substr(1), false},

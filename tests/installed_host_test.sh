@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the build to a folder of its own, then compiles and runs hosts in C and in C++ that have
-# nothing but that: found with pkg-config, and with CMake's find_package.
+# nothing but that: found with pkg-config, and with CMake's find_package; the latter with the installed
+# orva-strings, too, and without. Then looks at what each install component holds.
 #
 # Usage: installed_host_test.sh BUILD HOSTS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build has them
 set -euo pipefail
@@ -39,9 +40,57 @@ run "$work/c_host" "2 entries"
 run "$work/cpp_host" "2 entries, GREETING is Hello"
 
 cp "$hosts/host.c" "$hosts/host.cpp" "$hosts/CMakeLists.txt" "$work/"
-cmake -S "$work" -B "$work/cmake" -G "$GENERATOR" -DCMAKE_PREFIX_PATH="$work/prefix" \
-    -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" \
-    -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$work/cmake.log"
-cmake --build "$work/cmake" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
+build_hosts() { # FOLDER PREFIX
+    cmake -S "$work" -B "$work/$1" -G "$GENERATOR" -DCMAKE_PREFIX_PATH="$2" \
+        -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" \
+        -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_FLAGS="$CXXFLAGS" >"$work/cmake.log"
+    cmake --build "$work/$1" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
+}
+build_hosts cmake "$work/prefix"
 run "$work/cmake/cmake_c_host" "2 entries"
 run "$work/cmake/cmake_cpp_host" "2 entries, GREETING is Hello"
+grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
+    { echo "the package's orva-strings protected nothing"; exit 1; }
+
+# What each component brings, versions apart.
+lib=${pc%/pkgconfig/*}
+lib=${lib#"$work/prefix/"}
+holds() { # COMPONENT, and the files on standard input
+    cmake --install "$build" --prefix "$work/$1" --component "$1" >"$work/install.log"
+    local found
+    found=$(cd "$work/$1" && find . ! -type d | sed -E "s|^\./$lib/|LIB/|
+        s/(Targets|Tools)-[a-z]+\.cmake\$/\1-CONFIG.cmake/
+        s/(\.so\.[0-9]+)\.[0-9.]+\$/\1.M.P/" | LC_ALL=C sort)
+    if ! diff <(echo "$found") -; then
+        echo "the component $1 holds (left) what it should not (right)"
+        exit 1
+    fi
+}
+holds runtime <<'END'
+LIB/libOrvaLanguage.so.1
+LIB/libOrvaLanguage.so.1.M.P
+END
+holds development <<'END'
+./include/OrvaLanguage/Export.h
+./include/OrvaLanguage/KorString.h
+./include/OrvaLanguage/OrvaLanguage.h
+./include/OrvaLanguage/StringMap.h
+LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
+LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
+LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
+LIB/cmake/OrvaLanguage/OrvaLanguageTargets.cmake
+LIB/libOrvaLanguage.so
+LIB/pkgconfig/OrvaLanguage.pc
+END
+holds tools <<'END'
+./bin/orva-strings
+./share/man/man1/orva-strings.1
+LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
+LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
+END
+
+# A host needs the first two alone.
+cp -a "$work/runtime/." "$work/development/"
+build_hosts without_tools "$work/development"
+run "$work/without_tools/cmake_c_host" "2 entries"
+[ ! -e "$work/without_tools/Shipped.strings" ] || { echo "the hosts found another orva-strings"; exit 1; }

@@ -91,23 +91,34 @@ int OpenFolderOf(const std::string& path) {
     return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-std::string ReadAll(const File& file) {
-    std::string bytes;
+void ReadInPieces(const File& file, const std::function<void(std::string_view)>& take) {
     char buffer[65536];
     for (;;) {
         const ssize_t count = read(file.Get(), buffer, sizeof buffer);
         file.Check(count >= 0 || errno == EINTR);
         if (count == 0) {
-            return bytes;
+            return;
         }
-        bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
+        if (count > 0) {
+            take({buffer, static_cast<std::size_t>(count)});
+        }
     }
+}
+
+std::string ReadAll(const File& file) {
+    std::string bytes;
+    ReadInPieces(file, [&](std::string_view piece) { bytes += piece; });
+    return bytes;
 }
 
 }  // namespace
 
 std::string ReadFile(const std::string& path) {
     return ReadAll(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()));
+}
+
+void ReadFileInPieces(const std::string& path, const std::function<void(std::string_view)>& take) {
+    ReadInPieces(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()), take);
 }
 
 std::string ReadStandardInput() {

@@ -1,6 +1,7 @@
 #ifndef ORVALANGUAGE_TOOLS_FILES_H
 #define ORVALANGUAGE_TOOLS_FILES_H
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,9 @@
 
 // The bytes of a file.
 std::string ReadFile(const std::string& path);
+
+// Calls take with the bytes of a file, one piece after the other, none of more than 64 KiB.
+void ReadFileInPieces(const std::string& path, const std::function<void(std::string_view)>& take);
 
 // The bytes of standard input.
 std::string ReadStandardInput();

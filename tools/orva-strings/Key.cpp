@@ -2,17 +2,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <initializer_list>
 #include <iterator>
 #include <stdexcept>
 #include <sys/random.h>
 #include <system_error>
 #include <unistd.h>
 
-#include "DevelopmentKey.h"
+#include "KeyFingerprints.h"
 #include "api/KeyMaterial.h"
-#include "crypt/CCryptAES.h"
 #include "platform/ClearMemory.h"
+#include "platform/Sha256.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Hex.h"
 
@@ -40,8 +39,9 @@ Key Key::BuiltIn() {
 
 Key Key::FromFile(const std::string& path) {
     std::string text = ReadFile(path);
-    for (const char ending : {'\n', '\r'}) {
-        if (!text.empty() && text.back() == ending) {
+    if (!text.empty() && text.back() == '\n') {
+        text.pop_back();
+        if (!text.empty() && text.back() == '\r') {
             text.pop_back();
         }
     }
@@ -77,14 +77,15 @@ std::string Key::FileText() const {
 }
 
 std::string Key::Fingerprint() const {
-    // Half a block: enough to tell keys apart.
-    std::uint8_t block[kProtectedBlock] = {};
-    block[kProtectedBlock - 1] = kFirstFreeCounter;
-    constexpr std::uint8_t kNoIV[kProtectedBlock] = {};
-    EncryptBlocks(m_bytes, kNoIV, CRYPT_MODE_ECB, block, sizeof block);
-    return ToHexDigits(block, sizeof block / 2);
+    std::string digits = ToHexDigits(m_bytes, sizeof m_bytes);
+    std::string text = "libOrvaLanguage key fingerprint " + digits;
+    std::uint8_t digest[kSha256Digest];
+    Sha256(text, digest);
+    ClearMemory(digits.data(), digits.size());
+    ClearMemory(text.data(), text.size());
+    return ToHexDigits(digest, kFingerprint / 2);
 }
 
-bool Key::IsDevelopmentKey() const {
-    return ToHexDigits(m_bytes, sizeof m_bytes) == ORVA_DEVELOPMENT_KEY;
+bool Key::IsOfDevelopmentKey(const std::string& fingerprint) {
+    return fingerprint == ORVA_DEVELOPMENT_KEY_FINGERPRINT;
 }

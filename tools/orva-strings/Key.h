@@ -1,6 +1,7 @@
 #ifndef ORVALANGUAGE_TOOLS_KEY_H
 #define ORVALANGUAGE_TOOLS_KEY_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -12,8 +13,10 @@ public:
     // The material that this build of the library holds.
     static Key BuiltIn();
 
-    // The material in a key file: 64 hexadecimal digits, a line end allowed behind them. Throws
-    // std::system_error if the file can't be read, std::runtime_error if it holds anything else.
+    // The material in a key file: 64 hexadecimal digits of either case, and at most one line feed, or
+    // carriage return and line feed, after them. The build (cmake/OrvaKey.cmake) accepts the same.
+    // Throws std::system_error if the file can't be read, std::runtime_error if it holds anything
+    // else.
     static Key FromFile(const std::string& path);
 
     // New material from the system's random source. Throws std::system_error.
@@ -28,11 +31,15 @@ public:
     // As it stands in a key file, the line end included.
     std::string FileText() const;
 
-    // 16 digits that tell keys apart and tell nothing about the key.
+    // The length of a fingerprint, in digits.
+    static constexpr std::size_t kFingerprint = 16;
+
+    // Upper-case digits that tell keys apart and tell nothing about the key: of the SHA-256 of a label
+    // and the key's upper-case digits. The build computes the same.
     std::string Fingerprint() const;
 
-    // Whether it is the development key, which everybody knows.
-    bool IsDevelopmentKey() const;
+    // Whether a fingerprint is that of the development key, which everybody knows.
+    static bool IsOfDevelopmentKey(const std::string& fingerprint);
 
 private:
     Key() = default;

@@ -7,6 +7,7 @@
 #include <new>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Finding.h"
 #include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/LibraryFingerprint.h"
 
 namespace {
 
@@ -30,6 +32,7 @@ Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or
 struct Options {
     std::string file;
     std::string keyFile;
+    std::string library;
     std::string fromKeyFile;
     std::string toKeyFile;
     ShowRequest show;
@@ -129,7 +132,7 @@ private:
                          std::function<int()> command);
     void AddFile(CLI::App& command);
     void AddInPlace(CLI::App& command);
-    void AddKeyFile(CLI::App& command);
+    CLI::Option* AddKeyFile(CLI::App& command);
 
     StringsDocument ReadDocument() const;
     int Report(Findings findings) const;
@@ -162,8 +165,8 @@ void Run::AddInPlace(CLI::App& command) {
                      "Write the result to FILE, whole or not at all, instead of standard output");
 }
 
-void Run::AddKeyFile(CLI::App& command) {
-    command
+CLI::Option* Run::AddKeyFile(CLI::App& command) {
+    return command
         .add_option("--key-file", m_options.keyFile,
                     "File of 64 hexadecimal digits; without it, the key built in")
         ->type_name("KEYFILE")
@@ -214,9 +217,22 @@ int Run::NewKey() const {
 }
 
 int Run::ShowKey() const {
-    const Key key = KeyOf(m_options.keyFile);
-    m_out << "fingerprint: " << key.Fingerprint() << '\n'
-          << "development key: " << (key.IsDevelopmentKey() ? "yes" : "no") << '\n';
+    std::set<std::string> fingerprints;
+    if (m_options.library.empty()) {
+        fingerprints.insert(KeyOf(m_options.keyFile).Fingerprint());
+    } else {
+        fingerprints = FingerprintsIn(m_options.library);
+    }
+    if (fingerprints.size() != 1) {
+        const char* const why = fingerprints.empty()
+                                    ? "it holds no key fingerprint, so it is not libOrvaLanguage"
+                                    : "it holds fingerprints of different keys";
+        Print({Severity::kError, std::nullopt, why}, m_options.library, m_err);
+        return kFindings;
+    }
+    const std::string& fingerprint = *fingerprints.begin();
+    m_out << "fingerprint: " << fingerprint << '\n'
+          << "development key: " << (Key::IsOfDevelopmentKey(fingerprint) ? "yes" : "no") << '\n';
     return kDone;
 }
 
@@ -231,7 +247,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         [this] {
             return Change([this](StringsDocument& document) {
                 const Key key = KeyOf(m_options.keyFile);
-                if (m_options.keyFile.empty() && key.IsDevelopmentKey()) {
+                if (m_options.keyFile.empty() && Key::IsOfDevelopmentKey(key.Fingerprint())) {
                     Say(Severity::kNote,
                         "protecting with the development key, which everybody knows", m_err);
                 }
@@ -298,7 +314,13 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->required();
     command = AddCommand(*key, "show", "Show a key's fingerprint, not the key",
                          [this] { return ShowKey(); });
-    AddKeyFile(*command);
+    CLI::Option* const keyFile = AddKeyFile(*command);
+    command
+        ->add_option("--library", m_options.library,
+                     "The built library, a file that is only read, whose key to show")
+        ->type_name("LIBRARY")
+        ->check(NamesAFile)
+        ->excludes(keyFile);  // by its name, the parser would end where memory runs out
 
     try {
         MarkSpecial(arguments);
@@ -322,7 +344,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         return kUsageOrSystem;
     }
     for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
-                              &m_options.toKeyFile, &m_options.show.language}) {
+                              &m_options.toKeyFile, &m_options.library, &m_options.show.language}) {
         Unmark(*text);
     }
     std::for_each(m_options.show.keys.begin(), m_options.show.keys.end(), Unmark);

@@ -1,0 +1,30 @@
+// The system's SHA-256 against the examples that were published with it.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/Sha256.h"
+#include "tests/support/Hex.h"
+
+namespace {
+
+TEST(Sha256, GivesThePublishedDigests) {
+    const struct {
+        std::string bytes;
+        const char* digest;
+    } cases[] = {
+        {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+        {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+        {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq",
+         "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1"},
+        {std::string(1000000, 'a'),
+         "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
+    };
+    for (const auto& c : cases) {
+        std::uint8_t digest[kSha256Digest] = {};
+        Sha256(c.bytes, digest);
+        EXPECT_EQ(ToHex(Bytes(digest, digest + sizeof digest)), c.digest) << c.bytes.size();
+    }
+}
+
+}  // namespace
