@@ -26,9 +26,6 @@ inline bool IsProtectedKey(const char* key) {
 constexpr std::size_t kProtectedBlock = 16;
 constexpr std::size_t kProtectedKey = 32;
 
-// The counters from here on give blocks that protect nothing.
-constexpr std::uint8_t kFirstFreeCounter = 6;
-
 constexpr std::size_t kGroupDigits = 8;
 constexpr std::size_t kGroupBytes = kGroupDigits / 2;
 
