@@ -1,17 +1,21 @@
 // The tool's commands, run in this process; what they print is compared whole.
 #include <cctype>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <system_error>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -75,6 +79,10 @@ protected:
         Bytes key = CountingBytes(32, first);
         m_folder.Write(name, ToHex(key) + "\n");
         return key;
+    }
+
+    std::ptrdiff_t EntriesInFolder() const {
+        return std::distance(std::filesystem::directory_iterator(m_folder.Path()), {});
     }
 
     TemporaryFolder m_folder;
@@ -416,8 +424,7 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
         EXPECT_EQ(status.st_mode & 07777U, mode);
     }
     EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 2)
-        << "nothing else is left in the folder";
+    EXPECT_EQ(EntriesInFolder(), 2) << "nothing else is left in the folder";
 }
 
 // An access list as Linux stores it: what the owner may do, one user more, the group, at most all of
@@ -477,13 +484,90 @@ TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
 }
 
 TEST_F(OrvaStrings, ReplacesNothingThatChangedMeanwhile) {
-    const std::string file = Write("x", "late");
-    EXPECT_THROW(ReplaceFile(file, "early", "new"), std::runtime_error);
-    EXPECT_EQ(ReadFile(file), "late");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 1)
-        << "nothing is left beside it";
-    ReplaceFile(file, "late", "new");
+    const std::string file = Path("x");
+    const auto replaceByOther = [&] {
+        Write("other", "early");
+        chmod(Path("other").c_str(), 0640);
+        std::filesystem::rename(Path("other"), file);
+    };
+    struct Case {
+        const char* what;
+        std::function<void()> change;
+        std::string bytes;  // what the file holds then
+    };
+    std::vector<Case> cases = {
+        {"bytes", [&] { Write("x", "later"); }, "later"},
+        {"bytes at the end", [&] { Write("x", "early, and more"); }, "early, and more"},
+        {"fewer bytes", [&] { Write("x", "earl"); }, "earl"},
+        {"no bytes", [&] { Write("x", ""); }, ""},
+        {"mode", [&] { chmod(file.c_str(), 0600); }, "early"},
+        {"another file of the same bytes and mode", replaceByOther, "early"},
+        {"no file", [&] { std::filesystem::remove(file); }, "none"},
+        {"a folder",
+         [&] {
+             std::filesystem::remove(file);
+             std::filesystem::create_directory(file);
+         },
+         "none"},
+        {"a pipe",
+         [&] {
+             std::filesystem::remove(file);
+             mkfifo(file.c_str(), 0640);
+         },
+         "none"},
+    };
+    if (geteuid() == 0) {  // others may not give files away
+        cases.push_back({"owner", [&] { EXPECT_EQ(chown(file.c_str(), 12345, -1U), 0); }, "early"});
+        cases.push_back({"group", [&] { EXPECT_EQ(chown(file.c_str(), -1U, 12345), 0); }, "early"});
+    }
+    for (const Case& c : cases) {
+        Write("x", "early");
+        ASSERT_EQ(chmod(file.c_str(), 0640), 0);
+        const FileSnapshot before = ReadSnapshot(file);
+        c.change();
+        struct stat changed = {};
+        const int isThere = lstat(file.c_str(), &changed);
+        const auto entries = EntriesInFolder();
+        EXPECT_ANY_THROW(ReplaceFile(file, before, "new")) << c.what;
+        EXPECT_EQ(EntriesInFolder(), entries) << "nothing is left beside it: " << c.what;
+        struct stat after = {};
+        EXPECT_EQ(lstat(file.c_str(), &after), isThere);
+        EXPECT_EQ(after.st_ino, changed.st_ino) << c.what;
+        EXPECT_EQ(after.st_mode, changed.st_mode) << c.what;
+        EXPECT_EQ(after.st_uid, changed.st_uid) << c.what;
+        EXPECT_EQ(after.st_gid, changed.st_gid) << c.what;
+        EXPECT_EQ(std::filesystem::is_regular_file(file) ? ReadFile(file) : "none", c.bytes)
+            << c.what;
+        std::filesystem::remove_all(file);
+    }
+    Write("x", "early");
+    ReplaceFile(file, ReadSnapshot(file), "new");
     EXPECT_EQ(ReadFile(file), "new");
+}
+
+TEST_F(OrvaStrings, SaysThatAnotherProgramChangedTheFile) {
+    const std::string file = Write("x", "early");
+    const FileSnapshot before = ReadSnapshot(file);
+    Write("x", "later");
+    try {
+        ReplaceFile(file, before, "new");
+        ADD_FAILURE() << "it was replaced";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(error.what(), file + ": another program has changed it meanwhile");
+    }
+}
+
+TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
+    const std::string file = Write("x", "early");
+    const FileSnapshot before = ReadSnapshot(file);
+    std::filesystem::remove(file);
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    std::fstream pipe(file);
+    pipe << "early\n" << std::flush;
+    EXPECT_THROW(ReplaceFile(file, before, "new"), std::runtime_error);
+    std::string line;
+    std::getline(pipe, line);
+    EXPECT_EQ(line, "early");
 }
 
 TEST_F(OrvaStrings, ReportsInputThatCannotBeRead) {

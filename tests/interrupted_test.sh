@@ -85,12 +85,60 @@ echo "failed at each of $calls calls, $failures of them told"
 # Everything is on the disk before the name leads to it, and the name before the tool is done.
 cp "$work/old" "$work/folder/file"
 CALLS=$work/calls "$tool" protect --in-place "$work/folder/file" 2>/dev/null
-order=$(paste -sd ' ' "$work/calls")
-if [[ $order != *"write fchmod fsync close close rename fsync close" ]]; then
+order=$(cut -d ' ' -f 2 "$work/calls" | paste -sd ' ')
+if [[ $order != *"write fchmod fsync close close lstat rename fsync close" ]]; then
     echo "the calls came in this order: $order"
     exit 1
 fi
 
+# What another program makes of the file until the last look at it stays, and nothing beside it.
+cat >"$work/look" <<'END'
+cd "$1"
+find . -mindepth 1 ! -name 'file.??????' -printf '%P %y %s %m %U %G %i %l\n' | sort
+find . -type f ! -name 'file.??????' -exec cksum {} + | sort
+END
+change_at() { # N ACT: another program does this in the folder at the N-th call
+    rm -rf "$work/folder" "$work/seen"
+    mkdir "$work/folder"
+    cp "$work/old" "$work/folder/file"
+    chmod 640 "$work/folder/file"
+    status=0
+    ACT_AT=$1 ACT="(cd '$work/folder' && $2) && sh '$work/look' '$work/folder' >'$work/seen'" \
+        timeout -s KILL 60 "$tool" protect --in-place "$work/folder/file" 2>"$work/err" || status=$?
+    if [ "$status" != 2 ] || ! grep -q 'error:' "$work/err" ||
+        ! sh "$work/look" "$work/folder" | cmp "$work/seen" ||
+        [ -n "$(find "$work/folder" -name 'file.??????')" ]; then
+        echo "'$2' at call $1 ended with $status"
+        cat "$work/err"
+        exit 1
+    fi
+}
+kinds=(
+    'chmod 600 file'
+    'cp -p file other && mv other file'
+    'mv file moved && mkfifo -m 640 file'
+    'rm file && mkdir file'
+    'rm file'
+)
+[ "$(id -u)" != 0 ] || kinds+=('chown 12345 file' 'chgrp 12345 file')
+# The last calls, by number: close the new file, (read the old one and) close it, lstat, rename.
+mapfile -t numbers < <(cut -d ' ' -f 1 "$work/calls" | head -n -3)
+for n in "${numbers[@]::${#numbers[@]}-1}"; do
+    for act in "${kinds[@]}"; do
+        change_at "$n" "$act"
+    done
+    # Before the name is resolved, that is a link like any other.
+    [ "$n" = "${numbers[0]}" ] || change_at "$n" 'mv file moved && ln -s moved file'
+done
+for n in "${numbers[@]::${#numbers[@]}-3}"; do
+    for act in 'echo more >>file' 'echo "//" >part && dd if=part of=file conv=notrunc status=none'; do
+        change_at "$n" "$act"
+    done
+done
+echo "changed by another program at each of the calls before the rename"
+
+rm -rf "$work/folder"
+mkdir "$work/folder"
 cp "$work/old" "$work/folder/file"
 SHORT_TRANSFERS=1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
 cmp "$work/folder/file" "$work/new"

@@ -1,10 +1,11 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced or a folder
 // made, and kills the process in the KILL_AT-th of them: before it, or in a write half way through.
 // With INTERRUPT_AT a signal comes that can be held off, behind the making of a folder too: SIGNAL, a
-// number. With FAIL_AT the call fails instead, for want of space. With CALLS the names of the calls go
-// to that file; with SHORT_TRANSFERS a read or write is interrupted every other time, and else takes
-// 100 bytes at most. With REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its
-// group, with REFUSE=list its access list can't.
+// number. With FAIL_AT the call fails instead, for want of space. With ACT_AT the command ACT is run
+// first, as another program that is at work at the same time. With CALLS the numbers and names of the
+// calls go to that file; with SHORT_TRANSFERS a read or write is interrupted every other time, and
+// else takes 100 bytes at most. With REFUSE=owner a file's owner can't be set, with REFUSE=group nor
+// can its group, with REFUSE=list its access list can't.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -32,13 +33,21 @@ void Interrupt() {
     raise(number);
 }
 
+void Act() {
+    const char* const command = std::getenv("ACT");
+    if (command == nullptr || std::system(command) != 0) {
+        std::fputs("ACT failed\n", stderr);
+        std::abort();
+    }
+}
+
 // Whether the call of this name that is being made is to fail; does not return if the process is to
 // die.
 bool IsToFail(const char* name) {
     ++gCall;
     if (const char* const path = std::getenv("CALLS")) {
         std::FILE* const calls = std::fopen(path, "a");
-        std::fprintf(calls, "%s\n", name);
+        std::fprintf(calls, "%d %s\n", gCall, name);
         std::fclose(calls);
     }
     if (IsTurn("KILL_AT")) {
@@ -46,6 +55,9 @@ bool IsToFail(const char* name) {
     }
     if (IsTurn("INTERRUPT_AT")) {
         Interrupt();
+    }
+    if (IsTurn("ACT_AT")) {
+        Act();
     }
     if (IsTurn("FAIL_AT")) {
         errno = ENOSPC;
@@ -112,6 +124,10 @@ char* mkdtemp(char* name) noexcept {
         Interrupt();
     }
     return made;
+}
+
+int lstat(const char* path, struct stat* status) noexcept {
+    return IsToFail("lstat") ? -1 : System<int(const char*, struct stat*)>("lstat")(path, status);
 }
 
 int fsync(int file) {

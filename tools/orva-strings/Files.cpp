@@ -41,6 +41,17 @@ public:
         }
     }
 
+    // Returns how many bytes it has read, 0 at the end of the file.
+    std::size_t Read(char* buffer, std::size_t size) const {
+        for (;;) {
+            const ssize_t count = read(m_descriptor, buffer, size);
+            Check(count >= 0 || errno == EINTR);
+            if (count >= 0) {
+                return static_cast<std::size_t>(count);
+            }
+        }
+    }
+
     void Write(std::string_view bytes) const {
         while (!bytes.empty()) {
             const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
@@ -94,35 +105,66 @@ int OpenFolderOf(const std::string& path) {
 std::string ReadAll(const File& file) {
     std::string bytes;
     char buffer[65536];
-    for (;;) {
-        const ssize_t count = read(file.Get(), buffer, sizeof buffer);
-        file.Check(count >= 0 || errno == EINTR);
-        if (count == 0) {
-            return bytes;
-        }
-        bytes.append(buffer, count > 0 ? static_cast<std::size_t>(count) : 0);
+    while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
+        bytes.append(buffer, count);
     }
+    return bytes;
+}
+
+// Whether the rest of a file is these bytes. It does not read on after a difference: another program
+// may be writing faster than this one reads.
+bool Holds(const File& file, std::string_view bytes) {
+    char buffer[65536];
+    while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
+        if (bytes.substr(0, count) != std::string_view(buffer, count)) {
+            return false;
+        }
+        bytes.remove_prefix(count);
+    }
+    return bytes.empty();
+}
+
+bool IsSame(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_mode == b.st_mode &&
+           a.st_uid == b.st_uid && a.st_gid == b.st_gid;
+}
+
+// Whether the file at this path is the one of the snapshot, with the same bytes.
+bool HoldsStill(const char* path, const char* name, const FileSnapshot& before) {
+    // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
+    const File file(open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
+    struct stat status = {};
+    file.Check(fstat(file.Get(), &status) == 0);
+    return IsSame(status, before.status) && Holds(file, before.bytes);
 }
 
 }  // namespace
 
 std::string ReadFile(const std::string& path) {
-    return ReadAll(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()));
+    return ReadSnapshot(path).bytes;
 }
 
 std::string ReadStandardInput() {
     return ReadAll(File(dup(STDIN_FILENO), "standard input"));
 }
 
-void ReplaceFile(const std::string& path, std::string_view before, std::string_view bytes) {
-    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
-                                                             std::free);
-    struct stat status = {};
-    if (target == nullptr || stat(target.get(), &status) != 0) {
-        throw std::system_error(errno, std::generic_category(), path);
-    }
+FileSnapshot ReadSnapshot(const std::string& path) {
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str());
+    FileSnapshot snapshot;
+    file.Check(fstat(file.Get(), &snapshot.status) == 0);
+    snapshot.bytes = ReadAll(file);
+    return snapshot;
+}
+
+void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes) {
+    const struct stat& status = before.status;
     if (!S_ISREG(status.st_mode)) {
         throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
+    }
+    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
+                                                             std::free);
+    if (target == nullptr) {
+        throw std::system_error(errno, std::generic_category(), path);
     }
 
     const std::string targetPath = target.get();
@@ -143,7 +185,12 @@ void ReplaceFile(const std::string& path, std::string_view before, std::string_v
     file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
     file.Check(fsync(file.Get()) == 0);  // before the name leads to it
     file.Close();
-    if (ReadFile(targetPath) != before) {
+    // The name last, since reading takes time.
+    bool isUnchanged = HoldsStill(targetPath.c_str(), path.c_str(), before);
+    struct stat now = {};
+    file.Check(lstat(targetPath.c_str(), &now) == 0);
+    isUnchanged = isUnchanged && IsSame(now, status);
+    if (!isUnchanged) {
         throw std::runtime_error(path + ": another program has changed it meanwhile");
     }
     file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);

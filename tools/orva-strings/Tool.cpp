@@ -88,7 +88,8 @@ private:
     void AddInPlace(CLI::App& command);
     void AddKeyFile(CLI::App& command);
 
-    StringsDocument ReadDocument() const;
+    FileSnapshot ReadInput() const;
+    StringsDocument ReadDocument() const { return StringsDocument(ReadInput().bytes); }
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
     int NewKey() const;
     int ShowKey() const;
@@ -126,8 +127,8 @@ void Run::AddKeyFile(CLI::App& command) {
         ->check(NamesAFile);
 }
 
-StringsDocument Run::ReadDocument() const {
-    return StringsDocument(m_options.file == "-" ? m_readInput() : ReadFile(m_options.file));
+FileSnapshot Run::ReadInput() const {
+    return m_options.file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(m_options.file);
 }
 
 int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
@@ -135,8 +136,8 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
         m_err << "orva-strings: error: --in-place needs a file, not -\n";
         return kUsageOrSystem;
     }
-    StringsDocument document = ReadDocument();
-    const std::string before = document.Bytes();
+    const FileSnapshot before = ReadInput();
+    StringsDocument document(before.bytes);
     const Findings findings = change(document);
     for (const Finding& finding : findings) {
         m_err << Printable{m_options.file} << ':' << finding.line + 1
@@ -147,7 +148,7 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     }
     if (!m_options.isInPlace) {
         m_out << document.Bytes();
-    } else if (document.Bytes() != before) {
+    } else if (document.Bytes() != before.bytes) {
         ReplaceFile(m_options.file, before, document.Bytes());
     }
     return kDone;
