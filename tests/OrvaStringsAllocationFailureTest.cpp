@@ -152,6 +152,25 @@ TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
     fail({"rekey", "--from", Path("key"), "--to", Path("other.key")}, stored, other);
 }
 
+TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
+    const std::vector<std::string> arguments = {"protect",        "--key-file", Path("key"),
+                                                Path("readable"), "-o",         Path("out")};
+    const std::string stored = ReadFile(Path("protected"));
+    FailAtEach(
+        arguments, [&] { fs::remove(Path("out")); },
+        [&](int status) {
+            EXPECT_EQ(fs::exists(Path("out")) ? ReadFile(Path("out")) : "none",
+                      status == 0 ? stored : "none");
+            EXPECT_EQ(FilesInFolder(), status == 0 ? 5U : 4U) << "nothing beside it";
+        });
+    FailAtEach(
+        arguments, [&] { m_folder.Write("out", "old"); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("out")), status == 0 ? stored : "old");
+            EXPECT_EQ(FilesInFolder(), 5U) << "nothing beside it";
+        });
+}
+
 TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
     FailAtEach({"protect", "--key-file", Path("key"), "-"});
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});

@@ -1,6 +1,7 @@
 // The tool's commands, run in this process; what they print is compared whole.
 #include <cctype>
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -381,6 +382,15 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         {"key"},
         {"key", "new"},
         {"protect", "--in-place", "-"},
+        {"protect", "--in-place", "-o", Path("out"), "-"},
+        {"reveal", "-o", Path("out"), "--in-place", DEVELOPMENT_KEY},
+        {"reveal", "--in-place", "-o", "-", DEVELOPMENT_KEY},
+        {"protect", "-", "-o"},
+        {"protect", "-", "-o", ""},
+        {"protect", "-", "--output="},
+        {"show", "-o", Path("out"), "-"},
+        {"sections", "-o", Path("out"), "-"},
+        {"key", "new", "-o", Path("out"), "-"},
         {"protect", "-", "--key-file", ""},
         {"reveal", "-", "--key-file="},
         {"reveal", "--key-file=", DEVELOPMENT_KEY, "-"},
@@ -397,6 +407,7 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         EXPECT_EQ(m_out, "") << ::testing::PrintToString(arguments);
         EXPECT_NE(m_err, "") << ::testing::PrintToString(arguments);
     }
+    EXPECT_EQ(EntriesInFolder(), 0);
 }
 
 TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
@@ -465,12 +476,17 @@ TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
     const std::string plain = Write("plain", kReadable);
     ASSERT_EQ(chmod(plain.c_str(), 0640), 0);
     ASSERT_TRUE(setList(m_folder.Path(), "system.posix_acl_default", AccessList(7, 5, 7)));
-    EXPECT_NE(listOf(Write("new", "")), "none");
+    const std::string plainNew = Write("new", "");
+    EXPECT_NE(listOf(plainNew), "none");
     EXPECT_EQ(Run({"protect", "--in-place", plain}), 0);
     EXPECT_EQ(listOf(plain), "none");
     struct stat status = {};
     ASSERT_EQ(stat(plain.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
+
+    // But one that is made where there was none does.
+    EXPECT_EQ(Run({"protect", "-o", Path("out"), plain}), 0);
+    EXPECT_EQ(listOf(Path("out")), listOf(plainNew));
 }
 
 TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
@@ -568,6 +584,166 @@ TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
     std::string line;
     std::getline(pipe, line);
     EXPECT_EQ(line, "early");
+}
+
+// The mode of a file, with its special bits.
+mode_t ModeOf(const std::string& file) {
+    struct stat status = {};
+    EXPECT_EQ(stat(file.c_str(), &status), 0) << file;
+    return status.st_mode & 07777U;
+}
+
+TEST_F(OrvaStrings, WritesTheResultToAFile) {
+    const std::string file = Write("x", kReadable);
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    const struct {
+        std::vector<std::string> arguments;
+        std::string bytes;
+    } cases[] = {
+        {{"protect", file, "-o", Path("out"), "--key-file", Path("first")}, ProtectedFile(first)},
+        {{"rekey", "--from", Path("first"), "--to", Path("second"), Path("out"), "--output",
+          Path("out")},
+         ProtectedFile(second)},
+        {{"reveal", "--key-file", Path("second"), "--output=" + Path("out"), Path("out")},
+         kReadable},
+        {{"protect", "-o" + Path("out"), "-", "--key-file", Path("first")}, ProtectedFile(first)},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run(c.arguments, kReadable), 0) << m_err;
+        EXPECT_EQ(m_out, "") << c.arguments[0];
+        EXPECT_EQ(m_err, "") << c.arguments[0];
+        EXPECT_EQ(ReadFile(Path("out")), c.bytes) << c.arguments[0];
+    }
+    EXPECT_EQ(ReadFile(file), kReadable);
+    EXPECT_EQ(EntriesInFolder(), 4) << "nothing is left beside it";
+}
+
+TEST_F(OrvaStrings, TakesAHyphenForStandardOutput) {
+    std::filesystem::current_path(m_folder.Path());
+    EXPECT_EQ(Run({"protect", "-", "-o", "-"}, kReadable), 0);
+    EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey()));
+    EXPECT_EQ(EntriesInFolder(), 0);
+    EXPECT_EQ(Run({"protect", "-", "-o", "./-"}, kReadable), 0);
+    EXPECT_EQ(m_out, "");
+    std::filesystem::current_path("/");
+    EXPECT_EQ(ReadFile(Path("-")), ProtectedFile(DevelopmentKey()));
+}
+
+TEST_F(OrvaStrings, WritesToTheFileOfExactlyTheName) {
+    std::filesystem::current_path(m_folder.Path());
+    for (const std::string name : {"[file]", "[]", "++", "=file", "file\n", "[file]\n"}) {
+        for (const auto& option : std::vector<std::vector<std::string>>{
+                 {"-o", name}, {"-o" + name}, {"--output", name}, {"--output=" + name}}) {
+            std::vector<std::string> arguments = {"protect", "-"};
+            arguments.insert(arguments.end(), option.begin(), option.end());
+            EXPECT_EQ(Run(arguments, kReadable), 0) << m_err;
+            EXPECT_EQ(EntriesInFolder(), 1) << ::testing::PrintToString(arguments);
+            EXPECT_TRUE(std::filesystem::remove(Path(name))) << ::testing::PrintToString(arguments);
+        }
+    }
+    std::filesystem::current_path("/");
+}
+
+TEST_F(OrvaStrings, WritesNoFileWithoutAResult) {
+    const std::string good = Write("good", kReadable);
+    const std::string bad = Write("bad", "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
+    for (const bool isThere : {false, true}) {
+        if (isThere) {
+            Write("out", "old");
+        }
+        const auto entries = EntriesInFolder();
+        EXPECT_EQ(Run({"protect", bad, "-o", Path("out")}), 1);
+        EXPECT_EQ(Run({"reveal", bad, "-o", Path("out")}), 1);
+        EXPECT_EQ(Run({"protect", good, "-o", Path("out"), "--key-file", good}), 2);
+        EXPECT_EQ(Run({"protect", Path("missing"), "-o", Path("out")}), 2);
+        EXPECT_EQ(Run({"rekey", good, "-o", Path("out"), "--from", Path("missing"), "--to",
+                       DEVELOPMENT_KEY}),
+                  2);
+        EXPECT_EQ(EntriesInFolder(), entries);
+    }
+    EXPECT_EQ(ReadFile(Path("out")), "old");
+}
+
+TEST_F(OrvaStrings, MakesAnOutputFileAsAnyNewFile) {
+    for (const mode_t mask : {0U, 022U, 027U, 077U, 0277U}) {
+        const mode_t before = umask(mask);
+        EXPECT_EQ(Run({"protect", "-", "-o", Path("out")}, kReadable), 0) << m_err;
+        umask(before);
+        EXPECT_EQ(ModeOf(Path("out")), 0666U & ~mask);
+        EXPECT_EQ(ReadFile(Path("out")), ProtectedFile(DevelopmentKey()));
+        std::filesystem::remove(Path("out"));
+    }
+}
+
+TEST_F(OrvaStrings, KeepsModeAndLinkOfAnOutputFile) {
+    for (const mode_t mode : {0644U, 0600U, 0444U, 04755U}) {
+        Write("out", "old");
+        std::filesystem::create_hard_link(Path("out"), Path("hard"));
+        std::filesystem::create_symlink("out", Path("link"));
+        ASSERT_EQ(chmod(Path("out").c_str(), mode), 0);
+        EXPECT_EQ(Run({"protect", "-", "-o", Path("link")}, kReadable), 0) << m_err;
+        EXPECT_EQ(ReadFile(Path("out")), ProtectedFile(DevelopmentKey()));
+        EXPECT_EQ(ModeOf(Path("out")), mode);
+        EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+        EXPECT_EQ(ReadFile(Path("hard")), "old");
+        EXPECT_EQ(EntriesInFolder(), 3);
+        for (const char* name : {"out", "hard", "link"}) {
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(OrvaStrings, WritesWhereALinkToNothingLeads) {
+    std::filesystem::create_directory(Path("folder"));
+    std::filesystem::create_symlink("folder/second", Path("first"));
+    std::filesystem::create_symlink("../out", Path("folder/second"));
+    EXPECT_EQ(Run({"protect", "-", "-o", Path("first")}, kReadable), 0) << m_err;
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("first")));
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("folder/second")));
+    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(Path("out"))));
+    EXPECT_EQ(ReadFile(Path("out")), ProtectedFile(DevelopmentKey()));
+
+    std::filesystem::create_symlink(Path("absolute"), Path("folder/third"));
+    EXPECT_EQ(Run({"protect", "-", "-o", Path("folder/third")}, kReadable), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("absolute")), ProtectedFile(DevelopmentKey()));
+
+    std::filesystem::create_symlink("loop", Path("loop"));
+    EXPECT_EQ(Run({"protect", "-", "-o", Path("loop")}, kReadable), 2);
+    EXPECT_EQ(m_err, kDevelopmentKeyNote + "orva-strings: error: " + Path("loop") +
+                         ": Too many levels of symbolic links\n");
+}
+
+// Make looks at a file's time, and would run the command over and over.
+TEST_F(OrvaStrings, WritesAnOutputFileAnewWhereNothingChanges) {
+    const std::string file = Write("out", ProtectedFile(DevelopmentKey()));
+    const auto longAgo = std::filesystem::last_write_time(file) - std::chrono::hours(1);
+    std::filesystem::last_write_time(file, longAgo);
+    EXPECT_EQ(Run({"protect", "-", "-o", file}, kReadable), 0);
+    EXPECT_EQ(ReadFile(file), ProtectedFile(DevelopmentKey()));
+    EXPECT_GT(std::filesystem::last_write_time(file), longAgo);
+}
+
+TEST_F(OrvaStrings, WritesToNothingButARegularFile) {
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    const struct {
+        std::string name;
+        std::string why;
+    } cases[] = {
+        {m_folder.Path(), "not a regular file, which alone can be replaced"},
+        {Path("pipe"), "not a regular file, which alone can be replaced"},
+        {Path("missing/out"), "No such file or directory"},
+        {Path("missing/"), "No such file or directory"},
+        {Path("pipe/out"), "Not a directory"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run({"protect", "-", "-o", c.name}, kReadable), 2);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(m_err,
+                  kDevelopmentKeyNote + "orva-strings: error: " + c.name + ": " + c.why + "\n");
+    }
+    EXPECT_EQ(EntriesInFolder(), 1);
+    EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe")));
 }
 
 TEST_F(OrvaStrings, ReportsInputThatCannotBeRead) {

@@ -1,16 +1,19 @@
 #include "tools/orva-strings/Files.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <memory>
+#include <filesystem>
+#include <optional>
 #include <stdexcept>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
 #include "tools/orva-strings/AccessList.h"
+#include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/SignalsHeld.h"
 
 namespace {
@@ -96,6 +99,33 @@ mode_t WithoutGroup(mode_t mode) {
     return (mode & 0700U) | (common << 3U) | common;
 }
 
+// Where a name leads to in the end, even if there is nothing.
+std::string EndOfLinks(std::filesystem::path path) {
+    constexpr int kMostLinks = 40;  // another program may make a ring of them
+    for (int i = 0; i < kMostLinks && is_symlink(symlink_status(path)); ++i) {
+        path = path.parent_path() / std::filesystem::read_symlink(path);
+    }
+    return path.string();
+}
+
+// Makes a file to be written, after changing the path's last six characters so that there is none of
+// that name yet. Returns its descriptor, or -1 with errno set. Not mkostemp, whose files have a mode
+// of their own and not that of new files.
+int CreateUnderNewName(std::string& path, mode_t mode) {
+    for (;;) {
+        std::uint8_t random[3];
+        if (getentropy(random, sizeof random) != 0) {
+            return -1;
+        }
+        const std::string digits = ToHexDigits(random, sizeof random);
+        path.replace(path.size() - digits.size(), digits.size(), digits);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (file >= 0 || errno != EEXIST) {
+            return file;
+        }
+    }
+}
+
 int OpenFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
@@ -129,13 +159,67 @@ bool IsSame(const struct stat& a, const struct stat& b) {
            a.st_uid == b.st_uid && a.st_gid == b.st_gid;
 }
 
-// Whether the file at this path is the one of the snapshot, with the same bytes.
-bool HoldsStill(const char* path, const char* name, const FileSnapshot& before) {
-    // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
-    const File file(open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
+// A file that is to be replaced: what it is, and its bytes if they must be the same until then.
+struct Replaced {
+    struct stat status;
+    std::optional<std::string_view> bytes;
+};
+
+// Gives a new file the owner, the group, the access list and the mode of the one that it replaces,
+// as far as the system allows.
+void CopyRights(const File& file, const char* from, const struct stat& status) {
+    // Without both owner and group the bits that act in their names go.
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
+    const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
+    const bool hasList = CopyAccessList(from, file.Get());
+    const mode_t mode = status.st_mode & (hasBoth ? 07777U : 0777U);
+    file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
+}
+
+// Whether the file at target is still the one to be replaced.
+bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
     struct stat status = {};
-    file.Check(fstat(file.Get(), &status) == 0);
-    return IsSame(status, before.status) && Holds(file, before.bytes);
+    if (old.bytes) {
+        // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
+        const File file(open(target, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
+        file.Check(fstat(file.Get(), &status) == 0);
+        if (!IsSame(status, old.status) || !Holds(file, *old.bytes)) {
+            return false;
+        }
+    }
+    // The name last, since reading takes time.
+    if (lstat(target, &status) != 0) {
+        throw std::system_error(errno, std::generic_category(), name);
+    }
+    return IsSame(status, old.status);
+}
+
+// Puts a file of these bytes in the place to which path leads: of the old one, or, with null, of
+// whatever is there in the end.
+void PutFile(const std::string& path, std::string_view bytes, const Replaced* old) {
+    if (old != nullptr && !S_ISREG(old->status.st_mode)) {
+        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
+    }
+    const std::string target = EndOfLinks(path);
+    // Open now, so that after the rename there is nothing left to refuse.
+    const File directory(OpenFolderOf(target), path.c_str());
+    std::string newPath = target + ".XXXXXX";
+    const SignalsHeld held;
+    File file(CreateUnderNewName(newPath, old != nullptr ? 0600 : 0666), path.c_str());
+    Unfinished unfinished(newPath.c_str());
+    file.Write(bytes);
+    if (old != nullptr) {
+        CopyRights(file, target.c_str(), old->status);
+    }
+    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
+    file.Close();
+    if (old != nullptr && !IsUnchanged(target.c_str(), path.c_str(), *old)) {
+        throw std::runtime_error(path + ": another program has changed it meanwhile");
+    }
+    file.Check(std::rename(newPath.c_str(), target.c_str()) == 0);
+    unfinished.Keep();
+    directory.Check(fsync(directory.Get()) == 0);
 }
 
 }  // namespace
@@ -157,46 +241,17 @@ FileSnapshot ReadSnapshot(const std::string& path) {
 }
 
 void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes) {
-    const struct stat& status = before.status;
-    if (!S_ISREG(status.st_mode)) {
-        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
-    }
-    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
-                                                             std::free);
-    if (target == nullptr) {
+    const Replaced old{before.status, before.bytes};
+    PutFile(path, bytes, &old);
+}
+
+void WriteFile(const std::string& path, std::string_view bytes) {
+    Replaced old = {};
+    const bool isThere = stat(path.c_str(), &old.status) == 0;
+    if (!isThere && errno != ENOENT) {
         throw std::system_error(errno, std::generic_category(), path);
     }
-
-    const std::string targetPath = target.get();
-    // Open now, so that after the rename there is nothing left to refuse.
-    const File directory(OpenFolderOf(targetPath), path.c_str());
-    std::string newPath = targetPath + ".XXXXXX";
-    const SignalsHeld held;
-    File file(mkostemp(newPath.data(), O_CLOEXEC), path.c_str());
-    Unfinished unfinished(newPath.c_str());
-    file.Write(bytes);
-    // Owner, group and list too, where the system lets us. Without both owner and group the bits
-    // that act in their names go.
-    constexpr auto kSameOwner = static_cast<uid_t>(-1);
-    const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
-    const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
-    const bool hasList = CopyAccessList(targetPath.c_str(), file.Get());
-    const mode_t mode = status.st_mode & (hasBoth ? 07777U : 0777U);
-    file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
-    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
-    file.Close();
-    // The name last, since reading takes time.
-    bool isUnchanged = HoldsStill(targetPath.c_str(), path.c_str(), before);
-    struct stat now = {};
-    file.Check(lstat(targetPath.c_str(), &now) == 0);
-    isUnchanged = isUnchanged && IsSame(now, status);
-    if (!isUnchanged) {
-        throw std::runtime_error(path + ": another program has changed it meanwhile");
-    }
-    file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
-    unfinished.Keep();
-
-    directory.Check(fsync(directory.Get()) == 0);
+    PutFile(path, bytes, isThere ? &old : nullptr);
 }
 
 void CreatePrivateFile(const std::string& path, std::string_view bytes) {

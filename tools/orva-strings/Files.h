@@ -34,6 +34,12 @@ FileSnapshot ReadSnapshot(const std::string& path);
 // is lost. A change of the access list that leaves the mode as it is goes unnoticed.
 void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes);
 
+// Writes a file, whole or not at all. One that is there, or to which a symbolic link leads, is
+// replaced as by ReplaceFile, whatever bytes it holds, and made anew even if these are the same. If
+// there is none, it is made as any new file is, with the rights that the process's mask and the
+// folder give, where a symbolic link leads to; one that another program makes meanwhile is replaced.
+void WriteFile(const std::string& path, std::string_view bytes);
+
 // Makes a file that only its owner may read and write. Refuses if it is there already. Signals wait
 // here too.
 void CreatePrivateFile(const std::string& path, std::string_view bytes);

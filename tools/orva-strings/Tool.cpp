@@ -18,7 +18,7 @@ namespace {
 enum ExitStatus { kDone = 0, kFindings = 1, kUsageOrSystem = 2 };
 
 constexpr char kExamples[] = R"(Examples:
-  orva-strings protect Source.strings > Shipped.strings
+  orva-strings protect -o Shipped.strings Source.strings
   orva-strings protect --in-place --key-file release.key Sample.strings
   orva-strings show --language Deutsch --reveal Sample.strings IDE_TITLE
   orva-strings rekey --from old.key --to new.key --in-place Sample.strings
@@ -26,6 +26,7 @@ Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or
 
 struct Options {
     std::string file;
+    std::string outputFile;
     std::string keyFile;
     std::string fromKeyFile;
     std::string toKeyFile;
@@ -47,15 +48,23 @@ bool IsSpecial(std::string_view argument) {
     return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
 }
 
-// Gives arguments that are special, also those behind an option's =, a line feed more at their end,
+// Where an argument's value begins: behind a long option's = or a short option's letter, if it has
+// one there, and at the start of all else.
+std::size_t ValueBegin(std::string_view argument) {
+    if (argument.substr(0, 2) == "--") {
+        return argument.find('=') + 1;
+    }
+    return argument.size() > 2 && argument.front() == '-' ? 2 : 0;
+}
+
+// Gives arguments that are special, also those within an option's, a line feed more at their end,
 // so that they are no longer.
 void MarkSpecial(std::vector<std::string>& arguments) {
     bool areOptions = true;
     for (std::string& argument : arguments) {
         areOptions = areOptions && argument != "--";
-        const bool isOption = areOptions && argument.compare(0, 2, "--") == 0;
-        const std::size_t equals = isOption ? argument.find('=') : std::string::npos;
-        if (IsSpecial(std::string_view(argument).substr(equals + 1))) {
+        const std::size_t begin = areOptions ? ValueBegin(argument) : 0;
+        if (IsSpecial(std::string_view(argument).substr(begin))) {
             argument += '\n';
         }
     }
@@ -85,7 +94,7 @@ private:
     CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
                          std::function<int()> command);
     void AddFile(CLI::App& command);
-    void AddInPlace(CLI::App& command);
+    void AddOutput(CLI::App& command);
     void AddKeyFile(CLI::App& command);
 
     FileSnapshot ReadInput() const;
@@ -114,9 +123,16 @@ void Run::AddFile(CLI::App& command) {
         ->required();
 }
 
-void Run::AddInPlace(CLI::App& command) {
-    command.add_flag("--in-place", m_options.isInPlace,
-                     "Write the result to FILE, whole or not at all, instead of standard output");
+void Run::AddOutput(CLI::App& command) {
+    CLI::Option* const inPlace = command.add_flag(
+        "--in-place", m_options.isInPlace,
+        "Write the result to FILE, whole or not at all, instead of standard output");
+    command
+        .add_option("-o,--output", m_options.outputFile,
+                    "Write the result to OUTPUT, whole or not at all; - is standard output")
+        ->type_name("OUTPUT")
+        ->check(NamesAFile)
+        ->excludes(inPlace);
 }
 
 void Run::AddKeyFile(CLI::App& command) {
@@ -146,10 +162,15 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
     if (!findings.empty()) {
         return kFindings;
     }
-    if (!m_options.isInPlace) {
-        m_out << document.Bytes();
-    } else if (document.Bytes() != before.bytes) {
-        ReplaceFile(m_options.file, before, document.Bytes());
+    const std::string result = document.Bytes();
+    if (m_options.isInPlace) {
+        if (result != before.bytes) {
+            ReplaceFile(m_options.file, before, result);
+        }
+    } else if (m_options.outputFile.empty() || m_options.outputFile == "-") {
+        m_out << result;
+    } else {
+        WriteFile(m_options.outputFile, result);
     }
     return kDone;
 }
@@ -190,7 +211,7 @@ int Run::Execute(std::vector<std::string> arguments) {
             });
         });
     AddFile(*command);
-    AddInPlace(*command);
+    AddOutput(*command);
     AddKeyFile(*command);
     command->add_flag("--force", m_options.isForced,
                       "Take a value that looks stored but does not decode for a text");
@@ -201,7 +222,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         });
     });
     AddFile(*command);
-    AddInPlace(*command);
+    AddOutput(*command);
     AddKeyFile(*command);
 
     command = AddCommand(app, "rekey", "Store protected entries with another key", [this] {
@@ -211,7 +232,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         });
     });
     AddFile(*command);
-    AddInPlace(*command);
+    AddOutput(*command);
     command->add_option("--from", m_options.fromKeyFile, "Key file they are stored with")
         ->type_name("KEYFILE")
         ->check(NamesAFile)
@@ -269,8 +290,8 @@ int Run::Execute(std::vector<std::string> arguments) {
         m_err << "orva-strings: error: " << Printable{message} << " (see --help)\n";
         return kUsageOrSystem;
     }
-    for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
-                              &m_options.toKeyFile, &m_options.language}) {
+    for (std::string* text : {&m_options.file, &m_options.outputFile, &m_options.keyFile,
+                              &m_options.fromKeyFile, &m_options.toKeyFile, &m_options.language}) {
         Unmark(*text);
     }
     std::for_each(m_options.keys.begin(), m_options.keys.end(), Unmark);
