@@ -75,7 +75,7 @@ protected:
             std::vector<std::string> passed = arguments;
             const FailingAllocation failing(n);
             status = RunTool(
-                std::move(passed), [] { return std::string(kReadable); }, out, err);
+                std::move(passed), [this] { return m_input; }, out, err);
             m_hasFailed = FailingAllocation::HasFailed();
         }
         KorString::gMapLocalizedStrings.Clear();
@@ -124,6 +124,7 @@ protected:
     }
 
     TemporaryFolder m_folder;
+    std::string m_input = kReadable;
     std::string m_out;
     std::string m_err;
     std::size_t m_left = 0;
@@ -176,6 +177,8 @@ TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
     FailAtEach({"sections", Path("protected")});
     FailAtEach({"key", "show", "--key-file", Path("key")});
+    m_input = ReadFile(Path("key"));
+    FailAtEach({"key", "show", "--key-file", "-"});
 }
 
 TEST_F(OrvaStringsAllocationFailure, LeavesNoPartOfAKey) {

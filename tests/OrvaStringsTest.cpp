@@ -168,6 +168,71 @@ TEST_F(OrvaStrings, UsesTheKeyItIsGiven) {
                          why);
 }
 
+TEST_F(OrvaStrings, TakesAKeyFromStandardInput) {
+    const Bytes first = CountingBytes(32, 1);
+    const Bytes second = WriteKey("second", 2);
+    const std::string file = Write("x", kReadable);
+    const std::string stored = Write("y", ProtectedFile(first));
+    const struct {
+        std::vector<std::string> arguments;
+        Bytes input;
+        std::string out;
+    } cases[] = {
+        {{"protect", file, "--key-file", "-"}, first, ProtectedFile(first)},
+        {{"protect", file, "--key-file=-"}, first, ProtectedFile(first)},
+        {{"reveal", stored, "--key-file", "-"}, first, kReadable},
+        {{"rekey", stored, "--from", "-", "--to", Path("second")}, first, ProtectedFile(second)},
+        {{"rekey", Path("y"), "--from", Path("second"), "--to", "-"}, first, ProtectedFile(first)},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run(c.arguments, ToHex(c.input) + "\n"), 0) << m_err;
+        EXPECT_EQ(m_out, c.out) << ::testing::PrintToString(c.arguments);
+        EXPECT_EQ(m_err, "") << ::testing::PrintToString(c.arguments);
+    }
+    EXPECT_EQ(Run({"key", "show", "--key-file", Path("second")}), 0);
+    const std::string fingerprint = m_out;
+    EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, ToHex(second)), 0);
+    EXPECT_EQ(m_out, fingerprint);
+    EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, "no key"), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: -: a key file holds 64 hexadecimal digits\n");
+
+    std::filesystem::current_path(m_folder.Path());
+    WriteKey("-", 2);
+    EXPECT_EQ(Run({"key", "show", "--key-file", "./-"}, "no key"), 0) << m_err;
+    EXPECT_EQ(m_out, fingerprint);
+    EXPECT_EQ(Run({"reveal", "-", "--key-file", "./-"}, ProtectedFile(second)), 0) << m_err;
+    EXPECT_EQ(m_out, kReadable);
+    std::filesystem::current_path("/");
+}
+
+TEST_F(OrvaStrings, ReadsStandardInputForOneThingOnly) {
+    const std::vector<std::string> cases[] = {
+        {"protect", "-", "--key-file", "-", "-o", Path("out")},
+        {"reveal", "--key-file=-", "-"},
+        {"rekey", "--from", "-", "--to", DEVELOPMENT_KEY, "-"},
+        {"rekey", "--from", DEVELOPMENT_KEY, "--to", "-", "-"},
+        {"rekey", "--from", "-", "--to", "-", DEVELOPMENT_KEY},
+        {"rekey", "--from", "-", "--to", "-", "-"},
+        {"rekey", "--from", "-", "--to", "-", Path("missing")},
+    };
+    for (const auto& arguments : cases) {
+        std::ostringstream out;
+        std::ostringstream err;
+        const auto read = []() -> std::string {
+            ADD_FAILURE() << "it was read";
+            return {};
+        };
+        EXPECT_EQ(RunTool(arguments, read, out, err), 2) << ::testing::PrintToString(arguments);
+        EXPECT_EQ(out.str(), "");
+        EXPECT_EQ(err.str(),
+                  "orva-strings: error: only one of FILE and the key files can be -, which is "
+                  "standard input\n")
+            << ::testing::PrintToString(arguments);
+    }
+    EXPECT_EQ(EntriesInFolder(), 0);
+    EXPECT_EQ(Run({"protect", "-o", "-", "-"}, kReadable), 0) << "the one is standard output";
+}
+
 TEST_F(OrvaStrings, RefusesToProtectWhatLooksStoredButDoesNotDecode) {
     std::string damaged = Stored("text", DevelopmentKey());
     damaged[3] = damaged[3] == '0' ? '1' : '0';

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <functional>
+#include <iterator>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -36,10 +37,6 @@ struct Options {
     bool isForced = false;
     bool isRevealed = false;
 };
-
-Key KeyOf(const std::string& path) {
-    return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
-}
 
 // Whether the parser would not take an argument as it is, the line feeds at its end apart: a list in
 // brackets, the sign that ends a command, and nothing at all, for which it takes the next argument.
@@ -97,7 +94,9 @@ private:
     void AddOutput(CLI::App& command);
     void AddKeyFile(CLI::App& command);
 
+    bool HasOneInput() const;
     FileSnapshot ReadInput() const;
+    Key KeyOf(const std::string& keyFile) const;
     StringsDocument ReadDocument() const { return StringsDocument(ReadInput().bytes); }
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
     int NewKey() const;
@@ -138,13 +137,29 @@ void Run::AddOutput(CLI::App& command) {
 void Run::AddKeyFile(CLI::App& command) {
     command
         .add_option("--key-file", m_options.keyFile,
-                    "File of 64 hexadecimal digits; without it, the key built in")
+                    "File of 64 hexadecimal digits, - for standard input; without it, the key "
+                    "built in")
         ->type_name("KEYFILE")
         ->check(NamesAFile);
 }
 
+// Whether at most one thing is to be read from standard input, which ends with the first.
+bool Run::HasOneInput() const {
+    const std::string* const names[] = {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
+                                        &m_options.toKeyFile};
+    return std::count_if(std::begin(names), std::end(names),
+                         [](const std::string* name) { return *name == "-"; }) <= 1;
+}
+
 FileSnapshot Run::ReadInput() const {
     return m_options.file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(m_options.file);
+}
+
+Key Run::KeyOf(const std::string& keyFile) const {
+    if (keyFile.empty()) {
+        return Key::BuiltIn();
+    }
+    return keyFile == "-" ? Key::FromText(m_readInput(), keyFile) : Key::FromFile(keyFile);
 }
 
 int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
@@ -233,11 +248,15 @@ int Run::Execute(std::vector<std::string> arguments) {
     });
     AddFile(*command);
     AddOutput(*command);
-    command->add_option("--from", m_options.fromKeyFile, "Key file they are stored with")
+    command
+        ->add_option("--from", m_options.fromKeyFile,
+                     "Key file they are stored with; - is standard input")
         ->type_name("KEYFILE")
         ->check(NamesAFile)
         ->required();
-    command->add_option("--to", m_options.toKeyFile, "Key file to store them with")
+    command
+        ->add_option("--to", m_options.toKeyFile,
+                     "Key file to store them with; - is standard input")
         ->type_name("KEYFILE")
         ->check(NamesAFile)
         ->required();
@@ -295,6 +314,11 @@ int Run::Execute(std::vector<std::string> arguments) {
         Unmark(*text);
     }
     std::for_each(m_options.keys.begin(), m_options.keys.end(), Unmark);
+    if (!HasOneInput()) {
+        m_err << "orva-strings: error: only one of FILE and the key files can be -, which is "
+                 "standard input\n";
+        return kUsageOrSystem;
+    }
     return m_command();
 }
 
