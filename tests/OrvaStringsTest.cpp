@@ -903,10 +903,23 @@ TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {
     unsetenv("TMPDIR");
 }
 
-TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
+TEST_F(OrvaStrings, TakesTheTemporaryFolderThatIsNamed) {
+    unsetenv("TMPDIR");
+    EXPECT_EQ(TemporaryFolder().Path().parent_path(), "/tmp");
     setenv("TMPDIR", "", 1);
+    EXPECT_EQ(TemporaryFolder().Path().parent_path(), "/tmp");
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\n"), 0) << m_err;
+    EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
+    setenv("TMPDIR", m_folder.Path().c_str(), 1);
+    EXPECT_EQ(TemporaryFolder().Path().parent_path(), m_folder.Path());
+    setenv("TMPDIR", Path("missing").c_str(), 1);
     EXPECT_EQ(Run({"show", "-"}, kReadable), 2);
-    EXPECT_NE(m_err.find("(TMPDIR): "), std::string::npos) << m_err;
+    EXPECT_EQ(m_err.find("orva-strings: error: " + Path("missing/orva-")), 0U) << m_err;
+    EXPECT_NE(m_err.find(": No such file or directory\n"), std::string::npos) << m_err;
+    unsetenv("TMPDIR");
+}
+
+TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
     const std::string deep = Path(std::string(200, 'd')) + "/" + std::string(200, 'd') + "/" +
                              std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
                              std::string(200, 'd');
