@@ -919,6 +919,18 @@ TEST_F(OrvaStrings, TakesTheTemporaryFolderThatIsNamed) {
     unsetenv("TMPDIR");
 }
 
+TEST_F(OrvaStrings, CopiesToAPrivateFileWithoutAName) {
+    const mode_t before = umask(0477);  // which would not even let the owner read it
+    const NamelessFile file(Path("x"), kReadable);
+    umask(before);
+    EXPECT_EQ(EntriesInFolder(), 0);
+    EXPECT_EQ(ModeOf(file.Path()), 0600U);
+    EXPECT_EQ(ReadFile(file.Path()), kReadable);
+    Write("x", "");
+    EXPECT_THROW(NamelessFile(Path("x"), kReadable), std::system_error) << "it takes nothing over";
+    EXPECT_EQ(ReadFile(Path("x")), "");
+}
+
 TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
     const std::string deep = Path(std::string(200, 'd')) + "/" + std::string(200, 'd') + "/" +
                              std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +

@@ -240,12 +240,42 @@ if (ulimit -f 0; exec "$tool" key new "$work/key") 2>/dev/null || [ -e "$work/ke
     exit 1
 fi
 
-# Nothing stays under TMPDIR when nobody reads on, a signal comes or few files may be open.
+# show leaves nothing of the file behind, at whichever call it is killed, and nothing of its own that
+# others could get at; and nothing at all when nobody reads on, a signal comes, a call fails or few
+# files may be open.
 mkdir "$work/tmp"
 show() { TMPDIR=$work/tmp "$tool" show --reveal "$work/new"; }
 is_clean() { [ -z "$(ls "$work/tmp")" ] || { echo "show left a copy: $1"; exit 1; }; }
 show 2>/dev/null | true || true
 is_clean pipe
+rm -f "$work/calls"
+CALLS=$work/calls show >/dev/null
+order=$(cut -d ' ' -f 2 "$work/calls" | paste -sd ' ')
+if [[ $order != "close mkdtemp mkdir mkdir unlink fchmod write symlink close" ]]; then
+    echo "show made its calls in this order: $order"
+    exit 1
+fi
+kills=0
+while :; do
+    status=0
+    (umask 0 && KILL_AT=$((kills + 1)) show) >/dev/null 2>&1 || status=$?
+    [ "$status" = 137 ] || break
+    kills=$((kills + 1))
+    if [ -n "$(find "$work/tmp" -type f -size +0)" ]; then
+        echo "killed at call $kills, show left a copy of the texts"
+        exit 1
+    fi
+    if [ -n "$(find "$work/tmp" -mindepth 1 ! -type l -perm /077)" ]; then
+        echo "killed at call $kills, show left what is not private"
+        exit 1
+    fi
+    rm -rf "$work/tmp/"*
+done
+if [ "$status" != 0 ] || [ "$kills" -lt "$(tail -1 "$work/calls" | cut -d ' ' -f 1)" ]; then
+    echo "show was killed at $kills calls only, and then ended with $status"
+    exit 1
+fi
+is_clean killed
 interrupts=0
 head -1 "$work/old" >"$work/short"
 while ! INTERRUPT_AT=$((interrupts + 1)) TMPDIR=$work/tmp "$tool" show "$work/short" >/dev/null; do
@@ -253,6 +283,22 @@ while ! INTERRUPT_AT=$((interrupts + 1)) TMPDIR=$work/tmp "$tool" show "$work/sh
     is_clean "INTERRUPT_AT=$interrupts"
 done
 [ "$interrupts" -gt 2 ] || { echo "show made only $interrupts calls"; exit 1; }
+for n in $(seq "$kills"); do
+    status=0
+    FAIL_AT=$n show >/dev/null 2>"$work/err" || status=$?
+    is_clean "FAIL_AT=$n"
+    if [ "$status" != 0 ] && { [ "$status" != 2 ] || ! grep -q 'error: .*No space' "$work/err"; }; then
+        echo "FAIL_AT=$n ended show with $status"
+        cat "$work/err"
+        exit 1
+    fi
+done
+# Where what is opened shares its position with the file that is open already, it can be read once.
+printf 'QVLANG=en\nMENU="one"\nQVLANG=fr\nMENU="deux"\n' >"$work/two"
+for answer in en:one FR:deux xx:one; do
+    shown=$(SHARED_POSITION=1 "$tool" show --language "${answer%:*}" "$work/two" MENU 2>/dev/null) || true
+    [ "$shown" = "MENU=\"${answer#*:}\"" ] || { echo "shared, ${answer%:*} shows $shown"; exit 1; }
+done
 if ! grep -qa __ubsan_handle "$tool"; then  # which opens files, too, and gives up without them
     shown=0
     for files in $(seq 3 12); do
@@ -289,4 +335,4 @@ done
 (cd "$work" && CALLS=$work/key-calls "$tool" key new key)  # in the folder that is current
 grep -c fsync "$work/key-calls" | grep -qx 2 || { echo "the key's name may not last"; exit 1; }
 [ "$unfinished" -ge 5 ] || { echo "only $unfinished keys were not finished"; exit 1; }
-echo "calls in their order, short transfers, owners, limits, $interrupts interrupts of show, keys"
+echo "calls in their order, short transfers, owners, limits, $kills kills of show, keys"

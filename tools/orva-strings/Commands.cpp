@@ -11,6 +11,7 @@
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
 
+#include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Key.h"
 #include "tools/orva-strings/Printable.h"
 #include "tools/orva-strings/ProtectedText.h"
@@ -107,12 +108,15 @@ std::set<std::string> KeysOf(const StringsDocument::Section& section) {
     return keys;
 }
 
-// Has the library load a file of these bytes, with a section, which is gone again afterwards.
+// Has the library load a section of these bytes, from a copy that is gone when the process is. The
+// section must be there: what is missing the library looks for by reading the file twice.
 void LoadByCopy(const std::string& bytes, const std::string& language) {
+    constexpr char kName[] = "strings";
     const SignalsHeld held;
     const TemporaryBundle bundle;
-    bundle.Write("strings", bytes);
-    if (ZuLoadStrings(language.c_str(), "strings", bundle.Get()) < 1) {
+    const NamelessFile copy(bundle.Resources() / kName, bytes);
+    bundle.Link(kName, copy.Path());
+    if (ZuLoadStrings(language.c_str(), kName, bundle.Get()) < 1) {
         throw std::runtime_error(bundle.Resources().string() +
                                  ": the library could not load the copy made there");
     }
@@ -193,11 +197,11 @@ bool Show(const StringsDocument& document, const std::string& language,
         err << Printable{fileName} << ": error: " << kNoSection << '\n';
         return false;
     }
-    LoadByCopy(document.Bytes(), language);
     const auto loaded = std::find_if(sections.begin(), sections.end(), [&](const auto& section) {
         return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
                                             language.c_str());
     });
+    LoadByCopy(document.Bytes(), loaded == sections.end() ? "" : language);
     const StringsDocument::Section& section = loaded == sections.end() ? sections.front() : *loaded;
     CheckLoaded(section);
     if (loaded == sections.end()) {

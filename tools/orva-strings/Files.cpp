@@ -63,10 +63,13 @@ public:
         }
     }
 
-    void Close() {
+    void Close() { Check(close(Release()) == 0); }
+
+    // Leaves it to the caller to close the descriptor.
+    int Release() noexcept {
         const int descriptor = m_descriptor;
         m_descriptor = -1;
-        Check(close(descriptor) == 0);
+        return descriptor;
     }
 
 private:
@@ -265,4 +268,21 @@ void CreatePrivateFile(const std::string& path, std::string_view bytes) {
     file.Close();
     directory.Check(fsync(directory.Get()) == 0);
     unfinished.Keep();
+}
+
+NamelessFile::NamelessFile(const std::string& path, std::string_view bytes) {
+    File file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
+    file.Check(unlink(path.c_str()) == 0);
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the mask leaves: it is opened once more
+    file.Write(bytes);
+    file.Check(lseek(file.Get(), 0, SEEK_SET) == 0);
+    m_descriptor = file.Release();
+}
+
+NamelessFile::~NamelessFile() {
+    close(m_descriptor);
+}
+
+std::string NamelessFile::Path() const {
+    return "/dev/fd/" + std::to_string(m_descriptor);
 }

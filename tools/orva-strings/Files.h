@@ -44,4 +44,22 @@ void WriteFile(const std::string& path, std::string_view bytes);
 // here too.
 void CreatePrivateFile(const std::string& path, std::string_view bytes);
 
+// A private file that has no name, so that the system removes it when the process ends, however that
+// comes about.
+class NamelessFile {
+public:
+    // Makes it with these bytes. Until it has them it has a name for a moment: the path.
+    NamelessFile(const std::string& path, std::string_view bytes);
+    ~NamelessFile();
+    NamelessFile(const NamelessFile&) = delete;
+    NamelessFile& operator=(const NamelessFile&) = delete;
+
+    // By which this process can open it while this object lives. To be read once: on some systems
+    // all that open it share one position.
+    std::string Path() const;
+
+private:
+    int m_descriptor;
+};
+
 #endif
