@@ -169,7 +169,7 @@ done
 for n in "${numbers[@]:2}"; do  # from when the name is resolved: before, it is a link like any other
     stays_at "$n" 'mv file moved && ln -s moved file'
 done
-for n in "${numbers[@]::${#numbers[@]}-2}"; do  # until the old file is read and closed
+for n in "${numbers[@]::${#numbers[@]}-1}"; do  # until the old file is read and closed
     for act in "${writes[@]}"; do
         stays_at "$n" "$act"
     done

@@ -184,14 +184,20 @@ void CopyRights(const File& file, const char* from, const struct stat& status) {
 bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
     struct stat status = {};
     if (old.bytes) {
+        std::error_code none;  // the calls that follow will say what is wrong
+        const auto written = std::filesystem::last_write_time(target, none);
         // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
-        const File file(open(target, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
+        File file(open(target, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
         file.Check(fstat(file.Get(), &status) == 0);
         if (!IsSame(status, old.status) || !Holds(file, *old.bytes)) {
             return false;
         }
+        file.Close();
+        // What was written to a part that had been read already shows by the time.
+        if (std::filesystem::last_write_time(target, none) != written) {
+            return false;
+        }
     }
-    // The name last, since reading takes time.
     if (lstat(target, &status) != 0) {
         throw std::system_error(errno, std::generic_category(), name);
     }
