@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 
 {
     echo "QVLANG=en"
-    for i in $(seq 2000); do
+    for i in $(seq 500); do
         echo "IDE_$i=\"text number $i\""
     done
 } >"$work/old"
