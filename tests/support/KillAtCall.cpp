@@ -1,6 +1,6 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced or a bundle
-// made, and kills the process in the KILL_AT-th of them: before it, in a write half way through too,
-// and behind the making of a folder. With INTERRUPT_AT a signal comes there that can be held off:
+// made, and kills the process in the KILL_AT-th of them: before it, half way through a write, and
+// after making a folder. With INTERRUPT_AT a signal comes there that can be held off:
 // SIGNAL, a number. With FAIL_AT the call fails instead, for want of space. With ACT_AT the command
 // ACT is run first, as another program that is at work at the same time. With CALLS the numbers and
 // names of the calls go to that file; with SHORT_TRANSFERS a read or write is interrupted every other

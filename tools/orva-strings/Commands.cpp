@@ -108,8 +108,8 @@ std::set<std::string> KeysOf(const StringsDocument::Section& section) {
     return keys;
 }
 
-// Has the library load a section of these bytes, from a copy that is gone when the process is. The
-// section must be there: what is missing the library looks for by reading the file twice.
+// Has the library load a section of these bytes, from a copy without a name. The section must be
+// there: for a missing one the library would read the copy twice.
 void LoadByCopy(const std::string& bytes, const std::string& language) {
     constexpr char kName[] = "strings";
     const SignalsHeld held;

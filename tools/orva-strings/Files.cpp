@@ -102,7 +102,7 @@ mode_t WithoutGroup(mode_t mode) {
     return (mode & 0700U) | (common << 3U) | common;
 }
 
-// Where a name leads to in the end, even if there is nothing.
+// Follows the symbolic links at a path's end, even if they lead to nothing.
 std::string EndOfLinks(std::filesystem::path path) {
     constexpr int kMostLinks = 40;  // another program may make a ring of them
     for (int i = 0; i < kMostLinks && is_symlink(symlink_status(path)); ++i) {
@@ -111,9 +111,9 @@ std::string EndOfLinks(std::filesystem::path path) {
     return path.string();
 }
 
-// Makes a file to be written, after changing the path's last six characters so that there is none of
-// that name yet. Returns its descriptor, or -1 with errno set. Not mkostemp, whose files have a mode
-// of their own and not that of new files.
+// Replaces the path's last six characters so that the name is new, and creates a file there. Returns
+// its descriptor, or -1 with errno set. mkostemp would ignore the mode and with it the folder's
+// default access list.
 int CreateUnderNewName(std::string& path, mode_t mode) {
     for (;;) {
         std::uint8_t random[3];

@@ -34,28 +34,27 @@ FileSnapshot ReadSnapshot(const std::string& path);
 // is lost. A change of the access list that leaves the mode as it is goes unnoticed.
 void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes);
 
-// Writes a file, whole or not at all. One that is there, or to which a symbolic link leads, is
-// replaced as by ReplaceFile, whatever bytes it holds, and made anew even if these are the same. If
-// there is none, it is made as any new file is, with the rights that the process's mask and the
-// folder give, where a symbolic link leads to; one that another program makes meanwhile is replaced.
+// Writes a file, whole or not at all; symbolic links are followed. An existing regular file is
+// replaced as by ReplaceFile, but whatever bytes it holds, and even if they are the same. Otherwise
+// the file is created with the rights that the process's mask and the folder give, and one that
+// another program creates meanwhile is replaced.
 void WriteFile(const std::string& path, std::string_view bytes);
 
 // Makes a file that only its owner may read and write. Refuses if it is there already. Signals wait
 // here too.
 void CreatePrivateFile(const std::string& path, std::string_view bytes);
 
-// A private file that has no name, so that the system removes it when the process ends, however that
-// comes about.
+// A private file without a name: the system removes it when the process ends, even if it is killed.
 class NamelessFile {
 public:
-    // Makes it with these bytes. Until it has them it has a name for a moment: the path.
+    // Creates the file with these bytes. Its name, the path, is gone before the first is written.
     NamelessFile(const std::string& path, std::string_view bytes);
     ~NamelessFile();
     NamelessFile(const NamelessFile&) = delete;
     NamelessFile& operator=(const NamelessFile&) = delete;
 
-    // By which this process can open it while this object lives. To be read once: on some systems
-    // all that open it share one position.
+    // A path under which this process can open the file while this object lives. Read it only once:
+    // on some systems everything that opens it shares one position.
     std::string Path() const;
 
 private:

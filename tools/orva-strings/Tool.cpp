@@ -45,8 +45,8 @@ bool IsSpecial(std::string_view argument) {
     return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
 }
 
-// Where an argument's value begins: behind a long option's = or a short option's letter, if it has
-// one there, and at the start of all else.
+// Where an argument's value begins: after a long option's =, after a short option's letter if
+// anything follows, and otherwise at the start.
 std::size_t ValueBegin(std::string_view argument) {
     if (argument.substr(0, 2) == "--") {
         return argument.find('=') + 1;
