@@ -76,7 +76,7 @@ protected:
             std::vector<std::string> passed = arguments;
             const FailingAllocation failing(n);
             status = RunTool(
-                std::move(passed), [] { return std::string(kReadable); }, out, err);
+                std::move(passed), [this] { return m_input; }, out, err);
             m_hasFailed = FailingAllocation::HasFailed();
         }
         gMapLocalizedStrings.Clear();
@@ -125,6 +125,7 @@ protected:
     }
 
     TemporaryFolder m_folder;
+    std::string m_input = kReadable;
     std::string m_out;
     std::string m_err;
     std::size_t m_left = 0;
@@ -153,6 +154,25 @@ TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
     fail({"rekey", "--from", Path("key"), "--to", Path("other.key")}, stored, other);
 }
 
+TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
+    const std::vector<std::string> arguments = {"protect",        "--key-file", Path("key"),
+                                                Path("readable"), "-o",         Path("out")};
+    const std::string stored = ReadFile(Path("protected"));
+    FailAtEach(
+        arguments, [&] { fs::remove(Path("out")); },
+        [&](int status) {
+            EXPECT_EQ(fs::exists(Path("out")) ? ReadFile(Path("out")) : "none",
+                      status == 0 ? stored : "none");
+            EXPECT_EQ(FilesInFolder(), status == 0 ? 5U : 4U) << "nothing beside it";
+        });
+    FailAtEach(
+        arguments, [&] { m_folder.Write("out", "old"); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("out")), status == 0 ? stored : "old");
+            EXPECT_EQ(FilesInFolder(), 5U) << "nothing beside it";
+        });
+}
+
 TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
     FailAtEach({"protect", "--key-file", Path("key"), "-"});
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
@@ -161,6 +181,8 @@ TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
     m_folder.Write("library", std::string(100000, ' ') +
                                   "libOrvaLanguage key fingerprint: 0123456789ABCDEF" + '\0');
     FailAtEach({"key", "show", "--library", Path("library")});
+    m_input = ReadFile(Path("key"));
+    FailAtEach({"key", "show", "--key-file", "-"});
 }
 
 TEST_F(OrvaStringsAllocationFailure, CutsNoMessage) {

@@ -1,16 +1,21 @@
 // The tool's commands, run in this process; what they print is compared whole.
 #include <cerrno>
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <system_error>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -82,6 +87,10 @@ protected:
         Bytes key = CountingBytes(32, first);
         m_folder.Write(name, ToHex(key) + "\n");
         return key;
+    }
+
+    std::ptrdiff_t EntriesInFolder() const {
+        return std::distance(std::filesystem::directory_iterator(m_folder.Path()), {});
     }
 
     TemporaryFolder m_folder;
@@ -335,6 +344,71 @@ TEST_F(OrvaStrings, UsesTheKeyItIsGiven) {
     EXPECT_EQ(m_err, stored + ":4: error: IDE_TITLE " + why + stored + ":5: error: IDE_BARE" + why +
                          stored + ":8: error: IDE_TITLE" + why + stored + ":9: error: IDE_TITLE" +
                          why);
+}
+
+TEST_F(OrvaStrings, TakesAKeyFromStandardInput) {
+    const Bytes first = CountingBytes(32, 1);
+    const Bytes second = WriteKey("second", 2);
+    const std::string file = Write("x", kReadable);
+    const std::string stored = Write("y", ProtectedFile(first));
+    const struct {
+        std::vector<std::string> arguments;
+        Bytes input;
+        std::string out;
+    } cases[] = {
+        {{"protect", file, "--key-file", "-"}, first, ProtectedFile(first)},
+        {{"protect", file, "--key-file=-"}, first, ProtectedFile(first)},
+        {{"reveal", stored, "--key-file", "-"}, first, kReadable},
+        {{"rekey", stored, "--from", "-", "--to", Path("second")}, first, ProtectedFile(second)},
+        {{"rekey", Path("y"), "--from", Path("second"), "--to", "-"}, first, ProtectedFile(first)},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run(c.arguments, ToHex(c.input) + "\n"), 0) << m_err;
+        EXPECT_EQ(m_out, c.out) << ::testing::PrintToString(c.arguments);
+        EXPECT_EQ(m_err, "") << ::testing::PrintToString(c.arguments);
+    }
+    EXPECT_EQ(Run({"key", "show", "--key-file", Path("second")}), 0);
+    const std::string fingerprint = m_out;
+    EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, ToHex(second)), 0);
+    EXPECT_EQ(m_out, fingerprint);
+    EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, "no key"), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: -: a key file holds 64 hexadecimal digits\n");
+
+    std::filesystem::current_path(m_folder.Path());
+    WriteKey("-", 2);
+    EXPECT_EQ(Run({"key", "show", "--key-file", "./-"}, "no key"), 0) << m_err;
+    EXPECT_EQ(m_out, fingerprint);
+    EXPECT_EQ(Run({"reveal", "-", "--key-file", "./-"}, ProtectedFile(second)), 0) << m_err;
+    EXPECT_EQ(m_out, kReadable);
+    std::filesystem::current_path("/");
+}
+
+TEST_F(OrvaStrings, ReadsStandardInputForOneThingOnly) {
+    const std::vector<std::string> cases[] = {
+        {"protect", "-", "--key-file", "-", "-o", Path("out")},
+        {"reveal", "--key-file=-", "-"},
+        {"rekey", "--from", "-", "--to", DEVELOPMENT_KEY, "-"},
+        {"rekey", "--from", DEVELOPMENT_KEY, "--to", "-", "-"},
+        {"rekey", "--from", "-", "--to", "-", DEVELOPMENT_KEY},
+        {"rekey", "--from", "-", "--to", "-", "-"},
+        {"rekey", "--from", "-", "--to", "-", Path("missing")},
+    };
+    for (const auto& arguments : cases) {
+        std::ostringstream out;
+        std::ostringstream err;
+        const auto read = []() -> std::string {
+            ADD_FAILURE() << "it was read";
+            return {};
+        };
+        EXPECT_EQ(RunTool(arguments, read, out, err), 2) << ::testing::PrintToString(arguments);
+        EXPECT_EQ(out.str(), "");
+        EXPECT_EQ(err.str(),
+                  "orva-strings: error: only one of FILE and the key files can be -, which is "
+                  "standard input\n")
+            << ::testing::PrintToString(arguments);
+    }
+    EXPECT_EQ(EntriesInFolder(), 0);
+    EXPECT_EQ(Run({"protect", "-o", "-", "-"}, kReadable), 0) << "the one is standard output";
 }
 
 TEST_F(OrvaStrings, RefusesToProtectWhatLooksStoredButDoesNotDecode) {
@@ -615,6 +689,15 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         {"key"},
         {"key", "new"},
         {"protect", "--in-place", "-"},
+        {"protect", "--in-place", "-o", Path("out"), "-"},
+        {"reveal", "-o", Path("out"), "--in-place", DEVELOPMENT_KEY},
+        {"reveal", "--in-place", "-o", "-", DEVELOPMENT_KEY},
+        {"protect", "-", "-o"},
+        {"protect", "-", "-o", ""},
+        {"protect", "-", "--output="},
+        {"show", "-o", Path("out"), "-"},
+        {"sections", "-o", Path("out"), "-"},
+        {"key", "new", "-o", Path("out"), "-"},
         {"protect", "-", "--key-file", ""},
         {"reveal", "-", "--key-file="},
         {"reveal", "--key-file=", DEVELOPMENT_KEY, "-"},
@@ -631,6 +714,7 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         EXPECT_EQ(m_out, "") << ::testing::PrintToString(arguments);
         EXPECT_NE(m_err, "") << ::testing::PrintToString(arguments);
     }
+    EXPECT_EQ(EntriesInFolder(), 0);
 }
 
 TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
@@ -698,8 +782,7 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
         EXPECT_EQ(status.st_mode & 07777U, mode);
     }
     EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 2)
-        << "nothing else is left in the folder";
+    EXPECT_EQ(EntriesInFolder(), 2) << "nothing else is left in the folder";
 }
 
 // An access list as Linux stores it: what the owner may do, one user more, the group, at most all of
@@ -740,12 +823,17 @@ TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
     const std::string plain = Write("plain", kReadable);
     ASSERT_EQ(chmod(plain.c_str(), 0640), 0);
     ASSERT_TRUE(setList(m_folder.Path(), "system.posix_acl_default", AccessList(7, 5, 7)));
-    EXPECT_NE(listOf(Write("new", "")), "none");
+    const std::string plainNew = Write("new", "");
+    EXPECT_NE(listOf(plainNew), "none");
     EXPECT_EQ(Run({"protect", "--in-place", plain}), 0);
     EXPECT_EQ(listOf(plain), "none");
     struct stat status = {};
     ASSERT_EQ(stat(plain.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
+
+    // But one that is made where there was none does.
+    EXPECT_EQ(Run({"protect", "-o", Path("out"), plain}), 0);
+    EXPECT_EQ(listOf(Path("out")), listOf(plainNew));
 }
 
 TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
@@ -759,13 +847,250 @@ TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
 }
 
 TEST_F(OrvaStrings, ReplacesNothingThatChangedMeanwhile) {
-    const std::string file = Write("x", "late");
-    EXPECT_THROW(ReplaceFile(file, "early", "new"), std::runtime_error);
-    EXPECT_EQ(ReadFile(file), "late");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_folder.Path()), {}), 1)
-        << "nothing is left beside it";
-    ReplaceFile(file, "late", "new");
+    const std::string file = Path("x");
+    const auto replaceByOther = [&] {
+        Write("other", "early");
+        chmod(Path("other").c_str(), 0640);
+        std::filesystem::rename(Path("other"), file);
+    };
+    struct Case {
+        const char* what;
+        std::function<void()> change;
+        std::string bytes;  // what the file holds then
+    };
+    std::vector<Case> cases = {
+        {"bytes", [&] { Write("x", "later"); }, "later"},
+        {"bytes at the end", [&] { Write("x", "early, and more"); }, "early, and more"},
+        {"fewer bytes", [&] { Write("x", "earl"); }, "earl"},
+        {"no bytes", [&] { Write("x", ""); }, ""},
+        {"mode", [&] { chmod(file.c_str(), 0600); }, "early"},
+        {"another file of the same bytes and mode", replaceByOther, "early"},
+        {"no file", [&] { std::filesystem::remove(file); }, "none"},
+        {"a folder",
+         [&] {
+             std::filesystem::remove(file);
+             std::filesystem::create_directory(file);
+         },
+         "none"},
+        {"a pipe",
+         [&] {
+             std::filesystem::remove(file);
+             mkfifo(file.c_str(), 0640);
+         },
+         "none"},
+    };
+    if (geteuid() == 0) {  // others may not give files away
+        cases.push_back({"owner", [&] { EXPECT_EQ(chown(file.c_str(), 12345, -1U), 0); }, "early"});
+        cases.push_back({"group", [&] { EXPECT_EQ(chown(file.c_str(), -1U, 12345), 0); }, "early"});
+    }
+    for (const Case& c : cases) {
+        Write("x", "early");
+        ASSERT_EQ(chmod(file.c_str(), 0640), 0);
+        const FileSnapshot before = ReadSnapshot(file);
+        c.change();
+        struct stat changed = {};
+        const int isThere = lstat(file.c_str(), &changed);
+        const auto entries = EntriesInFolder();
+        EXPECT_ANY_THROW(ReplaceFile(file, before, "new")) << c.what;
+        EXPECT_EQ(EntriesInFolder(), entries) << "nothing is left beside it: " << c.what;
+        struct stat after = {};
+        EXPECT_EQ(lstat(file.c_str(), &after), isThere);
+        EXPECT_EQ(after.st_ino, changed.st_ino) << c.what;
+        EXPECT_EQ(after.st_mode, changed.st_mode) << c.what;
+        EXPECT_EQ(after.st_uid, changed.st_uid) << c.what;
+        EXPECT_EQ(after.st_gid, changed.st_gid) << c.what;
+        EXPECT_EQ(std::filesystem::is_regular_file(file) ? ReadFile(file) : "none", c.bytes)
+            << c.what;
+        std::filesystem::remove_all(file);
+    }
+    Write("x", "early");
+    ReplaceFile(file, ReadSnapshot(file), "new");
     EXPECT_EQ(ReadFile(file), "new");
+}
+
+TEST_F(OrvaStrings, SaysThatAnotherProgramChangedTheFile) {
+    const std::string file = Write("x", "early");
+    const FileSnapshot before = ReadSnapshot(file);
+    Write("x", "later");
+    try {
+        ReplaceFile(file, before, "new");
+        ADD_FAILURE() << "it was replaced";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(error.what(), file + ": another program has changed it meanwhile");
+    }
+}
+
+TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
+    const std::string file = Write("x", "early");
+    const FileSnapshot before = ReadSnapshot(file);
+    std::filesystem::remove(file);
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    std::fstream pipe(file);
+    pipe << "early\n" << std::flush;
+    EXPECT_THROW(ReplaceFile(file, before, "new"), std::runtime_error);
+    std::string line;
+    std::getline(pipe, line);
+    EXPECT_EQ(line, "early");
+}
+
+// The mode of a file, with its special bits.
+mode_t ModeOf(const std::string& file) {
+    struct stat status = {};
+    EXPECT_EQ(stat(file.c_str(), &status), 0) << file;
+    return status.st_mode & 07777U;
+}
+
+TEST_F(OrvaStrings, WritesTheResultToAFile) {
+    const std::string file = Write("x", kReadable);
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    const struct {
+        std::vector<std::string> arguments;
+        std::string bytes;
+    } cases[] = {
+        {{"protect", file, "-o", Path("out"), "--key-file", Path("first")}, ProtectedFile(first)},
+        {{"rekey", "--from", Path("first"), "--to", Path("second"), Path("out"), "--output",
+          Path("out")},
+         ProtectedFile(second)},
+        {{"reveal", "--key-file", Path("second"), "--output=" + Path("out"), Path("out")},
+         kReadable},
+        {{"protect", "-o" + Path("out"), "-", "--key-file", Path("first")}, ProtectedFile(first)},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run(c.arguments, kReadable), 0) << m_err;
+        EXPECT_EQ(m_out, "") << c.arguments[0];
+        EXPECT_EQ(m_err, "") << c.arguments[0];
+        EXPECT_EQ(ReadFile(Path("out")), c.bytes) << c.arguments[0];
+    }
+    EXPECT_EQ(ReadFile(file), kReadable);
+    EXPECT_EQ(EntriesInFolder(), 4) << "nothing is left beside it";
+}
+
+TEST_F(OrvaStrings, TakesAHyphenForStandardOutput) {
+    std::filesystem::current_path(m_folder.Path());
+    EXPECT_EQ(Run({"protect", "-", "-o", "-"}, kReadable), 0);
+    EXPECT_EQ(m_out, ProtectedFile(DevelopmentKey()));
+    EXPECT_EQ(EntriesInFolder(), 0);
+    EXPECT_EQ(Run({"protect", "-", "-o", "./-"}, kReadable), 0);
+    EXPECT_EQ(m_out, "");
+    std::filesystem::current_path("/");
+    EXPECT_EQ(ReadFile(Path("-")), ProtectedFile(DevelopmentKey()));
+}
+
+TEST_F(OrvaStrings, WritesToTheFileOfExactlyTheName) {
+    std::filesystem::current_path(m_folder.Path());
+    for (const std::string name : {"[file]", "[]", "++", "=file", "file\n", "[file]\n"}) {
+        for (const auto& option : std::vector<std::vector<std::string>>{
+                 {"-o", name}, {"-o" + name}, {"--output", name}, {"--output=" + name}}) {
+            std::vector<std::string> arguments = {"protect", "-"};
+            arguments.insert(arguments.end(), option.begin(), option.end());
+            EXPECT_EQ(Run(arguments, kReadable), 0) << m_err;
+            EXPECT_EQ(EntriesInFolder(), 1) << ::testing::PrintToString(arguments);
+            EXPECT_TRUE(std::filesystem::remove(Path(name))) << ::testing::PrintToString(arguments);
+        }
+    }
+    std::filesystem::current_path("/");
+}
+
+TEST_F(OrvaStrings, WritesNoFileWithoutAResult) {
+    const std::string good = Write("good", kReadable);
+    const std::string bad = Write("bad", "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
+    for (const bool isThere : {false, true}) {
+        if (isThere) {
+            Write("out", "old");
+        }
+        const auto entries = EntriesInFolder();
+        EXPECT_EQ(Run({"protect", bad, "-o", Path("out")}), 1);
+        EXPECT_EQ(Run({"reveal", bad, "-o", Path("out")}), 1);
+        EXPECT_EQ(Run({"protect", good, "-o", Path("out"), "--key-file", good}), 2);
+        EXPECT_EQ(Run({"protect", Path("missing"), "-o", Path("out")}), 2);
+        EXPECT_EQ(Run({"rekey", good, "-o", Path("out"), "--from", Path("missing"), "--to",
+                       DEVELOPMENT_KEY}),
+                  2);
+        EXPECT_EQ(EntriesInFolder(), entries);
+    }
+    EXPECT_EQ(ReadFile(Path("out")), "old");
+}
+
+TEST_F(OrvaStrings, MakesAnOutputFileAsAnyNewFile) {
+    for (const mode_t mask : {0U, 022U, 027U, 077U, 0277U}) {
+        const mode_t before = umask(mask);
+        EXPECT_EQ(Run({"protect", "-", "-o", Path("out")}, kReadable), 0) << m_err;
+        umask(before);
+        EXPECT_EQ(ModeOf(Path("out")), 0666U & ~mask);
+        EXPECT_EQ(ReadFile(Path("out")), ProtectedFile(DevelopmentKey()));
+        std::filesystem::remove(Path("out"));
+    }
+}
+
+TEST_F(OrvaStrings, KeepsModeAndLinkOfAnOutputFile) {
+    for (const mode_t mode : {0644U, 0600U, 0444U, 04755U}) {
+        Write("out", "old");
+        std::filesystem::create_hard_link(Path("out"), Path("hard"));
+        std::filesystem::create_symlink("out", Path("link"));
+        ASSERT_EQ(chmod(Path("out").c_str(), mode), 0);
+        EXPECT_EQ(Run({"protect", "-", "-o", Path("link")}, kReadable), 0) << m_err;
+        EXPECT_EQ(ReadFile(Path("out")), ProtectedFile(DevelopmentKey()));
+        EXPECT_EQ(ModeOf(Path("out")), mode);
+        EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+        EXPECT_EQ(ReadFile(Path("hard")), "old");
+        EXPECT_EQ(EntriesInFolder(), 3);
+        for (const char* name : {"out", "hard", "link"}) {
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(OrvaStrings, WritesWhereALinkToNothingLeads) {
+    std::filesystem::create_directory(Path("folder"));
+    std::filesystem::create_symlink("folder/second", Path("first"));
+    std::filesystem::create_symlink("../out", Path("folder/second"));
+    EXPECT_EQ(Run({"protect", "-", "-o", Path("first")}, kReadable), 0) << m_err;
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("first")));
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("folder/second")));
+    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(Path("out"))));
+    EXPECT_EQ(ReadFile(Path("out")), ProtectedFile(DevelopmentKey()));
+
+    std::filesystem::create_symlink(Path("absolute"), Path("folder/third"));
+    EXPECT_EQ(Run({"protect", "-", "-o", Path("folder/third")}, kReadable), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("absolute")), ProtectedFile(DevelopmentKey()));
+
+    std::filesystem::create_symlink("loop", Path("loop"));
+    EXPECT_EQ(Run({"protect", "-", "-o", Path("loop")}, kReadable), 2);
+    EXPECT_EQ(m_err, kDevelopmentKeyNote + "orva-strings: error: " + Path("loop") +
+                         ": Too many levels of symbolic links\n");
+}
+
+// Make looks at a file's time, and would run the command over and over.
+TEST_F(OrvaStrings, WritesAnOutputFileAnewWhereNothingChanges) {
+    const std::string file = Write("out", ProtectedFile(DevelopmentKey()));
+    const auto longAgo = std::filesystem::last_write_time(file) - std::chrono::hours(1);
+    std::filesystem::last_write_time(file, longAgo);
+    EXPECT_EQ(Run({"protect", "-", "-o", file}, kReadable), 0);
+    EXPECT_EQ(ReadFile(file), ProtectedFile(DevelopmentKey()));
+    EXPECT_GT(std::filesystem::last_write_time(file), longAgo);
+}
+
+TEST_F(OrvaStrings, WritesToNothingButARegularFile) {
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    const struct {
+        std::string name;
+        std::string why;
+    } cases[] = {
+        {m_folder.Path(), "not a regular file, which alone can be replaced"},
+        {Path("pipe"), "not a regular file, which alone can be replaced"},
+        {Path("missing/out"), "No such file or directory"},
+        {Path("missing/"), "No such file or directory"},
+        {Path("pipe/out"), "Not a directory"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run({"protect", "-", "-o", c.name}, kReadable), 2);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(m_err,
+                  kDevelopmentKeyNote + "orva-strings: error: " + c.name + ": " + c.why + "\n");
+    }
+    EXPECT_EQ(EntriesInFolder(), 1);
+    EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe")));
 }
 
 TEST_F(OrvaStrings, ReportsInputThatCannotBeRead) {
@@ -942,10 +1267,35 @@ TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {
     unsetenv("TMPDIR");
 }
 
-TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
+TEST_F(OrvaStrings, TakesTheTemporaryFolderThatIsNamed) {
+    unsetenv("TMPDIR");
+    EXPECT_EQ(TemporaryFolder().Path().parent_path(), "/tmp");
     setenv("TMPDIR", "", 1);
+    EXPECT_EQ(TemporaryFolder().Path().parent_path(), "/tmp");
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\n"), 0) << m_err;
+    EXPECT_EQ(m_out, "QVLANG=\"en\"\n");
+    setenv("TMPDIR", m_folder.Path().c_str(), 1);
+    EXPECT_EQ(TemporaryFolder().Path().parent_path(), m_folder.Path());
+    setenv("TMPDIR", Path("missing").c_str(), 1);
     EXPECT_EQ(Run({"show", "-"}, kReadable), 2);
-    EXPECT_NE(m_err.find("(TMPDIR): "), std::string::npos) << m_err;
+    EXPECT_EQ(m_err.find("orva-strings: error: " + Path("missing/orva-")), 0U) << m_err;
+    EXPECT_NE(m_err.find(": No such file or directory\n"), std::string::npos) << m_err;
+    unsetenv("TMPDIR");
+}
+
+TEST_F(OrvaStrings, CopiesToAPrivateFileWithoutAName) {
+    const mode_t before = umask(0477);  // which would not even let the owner read it
+    const NamelessFile file(Path("x"), kReadable);
+    umask(before);
+    EXPECT_EQ(EntriesInFolder(), 0);
+    EXPECT_EQ(ModeOf(file.Path()), 0600U);
+    EXPECT_EQ(ReadFile(file.Path()), kReadable);
+    Write("x", "");
+    EXPECT_THROW(NamelessFile(Path("x"), kReadable), std::system_error) << "it takes nothing over";
+    EXPECT_EQ(ReadFile(Path("x")), "");
+}
+
+TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
     const std::string deep = Path(std::string(200, 'd')) + "/" + std::string(200, 'd') + "/" +
                              std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
                              std::string(200, 'd');

@@ -1,10 +1,12 @@
-// Linked into the tool, puts itself in place of the calls by which a file is replaced or a folder
-// made, and kills the process in the KILL_AT-th of them: before it, or in a write half way through.
-// With INTERRUPT_AT a signal comes that can be held off, behind the making of a folder too: SIGNAL, a
-// number. With FAIL_AT the call fails instead, for want of space. With CALLS the names of the calls go
-// to that file; with SHORT_TRANSFERS a read or write is interrupted every other time, and else takes
-// 100 bytes at most. With REFUSE=owner a file's owner can't be set, with REFUSE=group nor can its
-// group, with REFUSE=list its access list can't.
+// Linked into the tool, puts itself in place of the calls by which a file is replaced or a bundle
+// made, and kills the process in the KILL_AT-th of them: before it, half way through a write, and
+// after making a folder. With INTERRUPT_AT a signal comes there that can be held off:
+// SIGNAL, a number. With FAIL_AT the call fails instead, for want of space. With ACT_AT the command
+// ACT is run first, as another program that is at work at the same time. With CALLS the numbers and
+// names of the calls go to that file; with SHORT_TRANSFERS a read or write is interrupted every other
+// time, and else takes 100 bytes at most. With REFUSE=owner a file's owner can't be set, with
+// REFUSE=group nor can its group, with REFUSE=list its access list can't. With SHARED_POSITION to
+// open /dev/fd/N is to duplicate N, as on macOS.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -32,13 +34,21 @@ void Interrupt() {
     raise(number);
 }
 
+void Act() {
+    const char* const command = std::getenv("ACT");
+    if (command == nullptr || std::system(command) != 0) {
+        std::fputs("ACT failed\n", stderr);
+        std::abort();
+    }
+}
+
 // Whether the call of this name that is being made is to fail; does not return if the process is to
 // die.
 bool IsToFail(const char* name) {
     ++gCall;
     if (const char* const path = std::getenv("CALLS")) {
         std::FILE* const calls = std::fopen(path, "a");
-        std::fprintf(calls, "%s\n", name);
+        std::fprintf(calls, "%d %s\n", gCall, name);
         std::fclose(calls);
     }
     if (IsTurn("KILL_AT")) {
@@ -46,6 +56,9 @@ bool IsToFail(const char* name) {
     }
     if (IsTurn("INTERRUPT_AT")) {
         Interrupt();
+    }
+    if (IsTurn("ACT_AT")) {
+        Act();
     }
     if (IsTurn("FAIL_AT")) {
         errno = ENOSPC;
@@ -72,6 +85,17 @@ bool IsRefused(const char* what) {
 template <typename Function>
 Function* System(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+FILE* Open(const char* name, const char* path, const char* mode) {
+    constexpr char kOpenFiles[] = "/dev/fd/";
+    char target[sizeof kOpenFiles + 10] = {};
+    if (std::getenv("SHARED_POSITION") != nullptr &&
+        readlink(path, target, sizeof target - 1) > 0 &&
+        std::strncmp(target, kOpenFiles, sizeof kOpenFiles - 1) == 0) {
+        return fdopen(dup(std::atoi(target + sizeof kOpenFiles - 1)), mode);
+    }
+    return System<FILE*(const char*, const char*)>(name)(path, mode);
 }
 
 }  // namespace
@@ -102,16 +126,44 @@ ssize_t read(int file, void* bytes, size_t length) {
                : System<ssize_t(int, void*, size_t)>("read")(file, bytes, length);
 }
 
+int mkdir(const char* path, mode_t mode) noexcept {
+    return IsToFail("mkdir") ? -1 : System<int(const char*, mode_t)>("mkdir")(path, mode);
+}
+
+int unlink(const char* path) noexcept {
+    return IsToFail("unlink") ? -1 : System<int(const char*)>("unlink")(path);
+}
+
+int symlink(const char* target, const char* path) noexcept {
+    return IsToFail("symlink") ? -1
+                               : System<int(const char*, const char*)>("symlink")(target, path);
+}
+
+// Each standard library opens its files by one of the two names.
+FILE* fopen(const char* path, const char* mode) {
+    return Open("fopen", path, mode);
+}
+FILE* fopen64(const char* path, const char* mode) {
+    return Open("fopen64", path, mode);
+}
+
 char* mkdtemp(char* name) noexcept {
     if (IsToFail("mkdtemp")) {
         return nullptr;
     }
     char* const made = System<char*(char*)>("mkdtemp")(name);
     ++gCall;
+    if (IsTurn("KILL_AT")) {
+        raise(SIGKILL);
+    }
     if (IsTurn("INTERRUPT_AT")) {
         Interrupt();
     }
     return made;
+}
+
+int lstat(const char* path, struct stat* status) noexcept {
+    return IsToFail("lstat") ? -1 : System<int(const char*, struct stat*)>("lstat")(path, status);
 }
 
 int fsync(int file) {

@@ -11,6 +11,7 @@
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
 
+#include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Key.h"
 #include "tools/orva-strings/Printable.h"
 #include "tools/orva-strings/ProtectedText.h"
@@ -139,12 +140,15 @@ std::set<std::string> KeysOf(const StringsDocument::Section& section) {
     return keys;
 }
 
-// Has the library load a file of these bytes, with a section, which is gone again afterwards.
+// Has the library load a section of these bytes, from a copy without a name. The section must be
+// there: for a missing one the library would read the copy twice.
 void LoadByCopy(const std::string& bytes, const std::string& language) {
+    constexpr char kName[] = "strings";
     const SignalsHeld held;
     const TemporaryBundle bundle;
-    bundle.Write("strings", bytes);
-    if (ZuLoadStrings(language.c_str(), "strings", bundle.Get()) < 1) {
+    const NamelessFile copy(bundle.Resources() / kName, bytes);
+    bundle.Link(kName, copy.Path());
+    if (ZuLoadStrings(language.c_str(), kName, bundle.Get()) < 1) {
         throw std::runtime_error(bundle.Resources().string() +
                                  ": the library could not load the copy made there");
     }
@@ -253,7 +257,8 @@ Findings Show(const StringsDocument& document, const ShowRequest& request, std::
         findings.push_back({Severity::kNote, std::nullopt, what + ", so this is the first"});
     }
     const StringsDocument::Section& section = named == sections.end() ? sections.front() : *named;
-    LoadByCopy(document.Bytes(), request.language);
+    // The copy can be read only once, so a second pass for the first section must not be needed.
+    LoadByCopy(document.Bytes(), named == sections.end() ? "" : request.language);
     CheckLoaded(section);
     std::vector<std::string> wanted = request.keys;
     if (wanted.empty()) {

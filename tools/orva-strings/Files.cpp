@@ -1,16 +1,19 @@
 #include "tools/orva-strings/Files.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <memory>
+#include <filesystem>
+#include <optional>
 #include <stdexcept>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
 #include "tools/orva-strings/AccessList.h"
+#include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/SignalsHeld.h"
 
 namespace {
@@ -41,6 +44,17 @@ public:
         }
     }
 
+    // Returns how many bytes it has read, 0 at the end of the file.
+    std::size_t Read(char* buffer, std::size_t size) const {
+        for (;;) {
+            const ssize_t count = read(m_descriptor, buffer, size);
+            Check(count >= 0 || errno == EINTR);
+            if (count >= 0) {
+                return static_cast<std::size_t>(count);
+            }
+        }
+    }
+
     void Write(std::string_view bytes) const {
         while (!bytes.empty()) {
             const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
@@ -49,10 +63,13 @@ public:
         }
     }
 
-    void Close() {
+    void Close() { Check(close(Release()) == 0); }
+
+    // Leaves it to the caller to close the descriptor.
+    int Release() noexcept {
         const int descriptor = m_descriptor;
         m_descriptor = -1;
-        Check(close(descriptor) == 0);
+        return descriptor;
     }
 
 private:
@@ -85,6 +102,33 @@ mode_t WithoutGroup(mode_t mode) {
     return (mode & 0700U) | (common << 3U) | common;
 }
 
+// Follows the symbolic links at a path's end, even if they lead to nothing.
+std::string EndOfLinks(std::filesystem::path path) {
+    constexpr int kMostLinks = 40;  // another program may make a ring of them
+    for (int i = 0; i < kMostLinks && is_symlink(symlink_status(path)); ++i) {
+        path = path.parent_path() / std::filesystem::read_symlink(path);
+    }
+    return path.string();
+}
+
+// Replaces the path's last six characters so that the name is new, and creates a file there. Returns
+// its descriptor, or -1 with errno set. mkostemp would ignore the mode and with it the folder's
+// default access list.
+int CreateUnderNewName(std::string& path, mode_t mode) {
+    for (;;) {
+        std::uint8_t random[3];
+        if (getentropy(random, sizeof random) != 0) {
+            return -1;
+        }
+        const std::string digits = ToHexDigits(random, sizeof random);
+        path.replace(path.size() - digits.size(), digits.size(), digits);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (file >= 0 || errno != EEXIST) {
+            return file;
+        }
+    }
+}
+
 int OpenFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
@@ -93,15 +137,8 @@ int OpenFolderOf(const std::string& path) {
 
 void ReadInPieces(const File& file, const std::function<void(std::string_view)>& take) {
     char buffer[65536];
-    for (;;) {
-        const ssize_t count = read(file.Get(), buffer, sizeof buffer);
-        file.Check(count >= 0 || errno == EINTR);
-        if (count == 0) {
-            return;
-        }
-        if (count > 0) {
-            take({buffer, static_cast<std::size_t>(count)});
-        }
+    while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
+        take({buffer, count});
     }
 }
 
@@ -111,10 +148,97 @@ std::string ReadAll(const File& file) {
     return bytes;
 }
 
+// Whether the rest of a file is these bytes. It does not read on after a difference: another program
+// may be writing faster than this one reads.
+bool Holds(const File& file, std::string_view bytes) {
+    char buffer[65536];
+    while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
+        if (bytes.substr(0, count) != std::string_view(buffer, count)) {
+            return false;
+        }
+        bytes.remove_prefix(count);
+    }
+    return bytes.empty();
+}
+
+bool IsSame(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_mode == b.st_mode &&
+           a.st_uid == b.st_uid && a.st_gid == b.st_gid;
+}
+
+// A file that is to be replaced: what it is, and its bytes if they must be the same until then.
+struct Replaced {
+    struct stat status;
+    std::optional<std::string_view> bytes;
+};
+
+// Gives a new file the owner, the group, the access list and the mode of the one that it replaces,
+// as far as the system allows.
+void CopyRights(const File& file, const char* from, const struct stat& status) {
+    // Without both owner and group the bits that act in their names go.
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
+    const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
+    const bool hasList = CopyAccessList(from, file.Get());
+    const mode_t mode = status.st_mode & (hasBoth ? 07777U : 0777U);
+    file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
+}
+
+// Whether the file at target is still the one to be replaced.
+bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
+    struct stat status = {};
+    if (old.bytes) {
+        std::error_code none;  // the calls that follow will say what is wrong
+        const auto written = std::filesystem::last_write_time(target, none);
+        // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
+        File file(open(target, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
+        file.Check(fstat(file.Get(), &status) == 0);
+        if (!IsSame(status, old.status) || !Holds(file, *old.bytes)) {
+            return false;
+        }
+        file.Close();
+        // What was written to a part that had been read already shows by the time.
+        if (std::filesystem::last_write_time(target, none) != written) {
+            return false;
+        }
+    }
+    if (lstat(target, &status) != 0) {
+        throw std::system_error(errno, std::generic_category(), name);
+    }
+    return IsSame(status, old.status);
+}
+
+// Puts a file of these bytes in the place to which path leads: of the old one, or, with null, of
+// whatever is there in the end.
+void PutFile(const std::string& path, std::string_view bytes, const Replaced* old) {
+    if (old != nullptr && !S_ISREG(old->status.st_mode)) {
+        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
+    }
+    const std::string target = EndOfLinks(path);
+    // Open now, so that after the rename there is nothing left to refuse.
+    const File directory(OpenFolderOf(target), path.c_str());
+    std::string newPath = target + ".XXXXXX";
+    const SignalsHeld held;
+    File file(CreateUnderNewName(newPath, old != nullptr ? 0600 : 0666), path.c_str());
+    Unfinished unfinished(newPath.c_str());
+    file.Write(bytes);
+    if (old != nullptr) {
+        CopyRights(file, target.c_str(), old->status);
+    }
+    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
+    file.Close();
+    if (old != nullptr && !IsUnchanged(target.c_str(), path.c_str(), *old)) {
+        throw std::runtime_error(path + ": another program has changed it meanwhile");
+    }
+    file.Check(std::rename(newPath.c_str(), target.c_str()) == 0);
+    unfinished.Keep();
+    directory.Check(fsync(directory.Get()) == 0);
+}
+
 }  // namespace
 
 std::string ReadFile(const std::string& path) {
-    return ReadAll(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()));
+    return ReadSnapshot(path).bytes;
 }
 
 void ReadFileInPieces(const std::string& path, const std::function<void(std::string_view)>& take) {
@@ -125,42 +249,26 @@ std::string ReadStandardInput() {
     return ReadAll(File(dup(STDIN_FILENO), "standard input"));
 }
 
-void ReplaceFile(const std::string& path, std::string_view before, std::string_view bytes) {
-    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
-                                                             std::free);
-    struct stat status = {};
-    if (target == nullptr || stat(target.get(), &status) != 0) {
+FileSnapshot ReadSnapshot(const std::string& path) {
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str());
+    FileSnapshot snapshot;
+    file.Check(fstat(file.Get(), &snapshot.status) == 0);
+    snapshot.bytes = ReadAll(file);
+    return snapshot;
+}
+
+void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes) {
+    const Replaced old{before.status, before.bytes};
+    PutFile(path, bytes, &old);
+}
+
+void WriteFile(const std::string& path, std::string_view bytes) {
+    Replaced old = {};
+    const bool isThere = stat(path.c_str(), &old.status) == 0;
+    if (!isThere && errno != ENOENT) {
         throw std::system_error(errno, std::generic_category(), path);
     }
-    if (!S_ISREG(status.st_mode)) {
-        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
-    }
-
-    const std::string targetPath = target.get();
-    // Open now, so that after the rename there is nothing left to refuse.
-    const File directory(OpenFolderOf(targetPath), path.c_str());
-    std::string newPath = targetPath + ".XXXXXX";
-    const SignalsHeld held;
-    File file(mkostemp(newPath.data(), O_CLOEXEC), path.c_str());
-    Unfinished unfinished(newPath.c_str());
-    file.Write(bytes);
-    // Owner, group and list too, where the system lets us. Without both owner and group the bits
-    // that act in their names go.
-    constexpr auto kSameOwner = static_cast<uid_t>(-1);
-    const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
-    const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
-    const bool hasList = CopyAccessList(targetPath.c_str(), file.Get());
-    const mode_t mode = status.st_mode & (hasBoth ? 07777U : 0777U);
-    file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
-    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
-    file.Close();
-    if (ReadFile(targetPath) != before) {
-        throw std::runtime_error(path + ": another program has changed it meanwhile");
-    }
-    file.Check(std::rename(newPath.c_str(), targetPath.c_str()) == 0);
-    unfinished.Keep();
-
-    directory.Check(fsync(directory.Get()) == 0);
+    PutFile(path, bytes, isThere ? &old : nullptr);
 }
 
 void CreatePrivateFile(const std::string& path, std::string_view bytes) {
@@ -174,4 +282,21 @@ void CreatePrivateFile(const std::string& path, std::string_view bytes) {
     file.Close();
     directory.Check(fsync(directory.Get()) == 0);
     unfinished.Keep();
+}
+
+NamelessFile::NamelessFile(const std::string& path, std::string_view bytes) {
+    File file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
+    file.Check(unlink(path.c_str()) == 0);
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the mask leaves: it is opened once more
+    file.Write(bytes);
+    file.Check(lseek(file.Get(), 0, SEEK_SET) == 0);
+    m_descriptor = file.Release();
+}
+
+NamelessFile::~NamelessFile() {
+    close(m_descriptor);
+}
+
+std::string NamelessFile::Path() const {
+    return "/dev/fd/" + std::to_string(m_descriptor);
 }

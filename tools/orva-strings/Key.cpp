@@ -38,7 +38,10 @@ Key Key::BuiltIn() {
 }
 
 Key Key::FromFile(const std::string& path) {
-    std::string text = ReadFile(path);
+    return FromText(ReadFile(path), path);
+}
+
+Key Key::FromText(std::string text, const std::string& name) {
     if (!text.empty() && text.back() == '\n') {
         text.pop_back();
         if (!text.empty() && text.back() == '\r') {
@@ -55,7 +58,7 @@ Key Key::FromFile(const std::string& path) {
     }
     ClearMemory(text.data(), text.size());
     if (!isGood) {
-        throw std::runtime_error(path + ": a key file holds 64 hexadecimal digits");
+        throw std::runtime_error(name + ": a key file holds 64 hexadecimal digits");
     }
     return key;
 }

@@ -19,6 +19,9 @@ public:
     // else.
     static Key FromFile(const std::string& path);
 
+    // The material in the text of a key file, whose name is for the message. Throws as FromFile.
+    static Key FromText(std::string text, const std::string& name);
+
     // New material from the system's random source. Throws std::system_error.
     static Key Random();
 

@@ -13,7 +13,7 @@ struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own 
 __CFBundle* OpenBundle(const std::filesystem::path& folder);
 void CloseBundle(__CFBundle* bundle);
 
-// A bundle with a resources folder of its own.
+// A bundle with a resources folder of its own. Nobody else can look into it.
 class TemporaryBundle {
 public:
     TemporaryBundle();
@@ -26,6 +26,9 @@ public:
 
     // Makes a file among the resources, or replaces it.
     void Write(const std::string& name, std::string_view bytes) const;
+
+    // Makes a symbolic link among the resources. Throws std::system_error if the system refuses.
+    void Link(const std::string& name, const std::string& target) const;
 
 private:
     TemporaryFolder m_folder;

@@ -11,11 +11,9 @@
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-    std::error_code error;
-    std::string name = (fs::temp_directory_path(error) / "orva-XXXXXX").string();
-    if (error) {
-        throw std::system_error(error, "the folder for temporary files (TMPDIR)");
-    }
+    const char* const folder = std::getenv("TMPDIR");
+    const bool isNamed = folder != nullptr && *folder != '\0';
+    std::string name = (fs::path(isNamed ? folder : "/tmp") / "orva-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), name);
     }

@@ -5,9 +5,10 @@
 #include <string>
 #include <string_view>
 
-// A new folder under the system's temporary one, removed with all it holds.
+// A new folder in the one that TMPDIR names, or in /tmp if it names none; removed with all it holds.
 class TemporaryFolder {
 public:
+    // Throws std::system_error if the system refuses.
     TemporaryFolder();
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;

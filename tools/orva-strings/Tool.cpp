@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <functional>
+#include <iterator>
 #include <new>
 #include <numeric>
 #include <optional>
@@ -23,7 +24,7 @@ namespace {
 enum ExitStatus { kDone = 0, kFindings = 1, kUsageOrSystem = 2 };
 
 constexpr char kExamples[] = R"(Examples:
-  orva-strings protect Source.strings > Shipped.strings
+  orva-strings protect -o Shipped.strings Source.strings
   orva-strings protect --in-place --key-file release.key Sample.strings
   orva-strings show --language Deutsch --reveal Sample.strings IDE_TITLE
   orva-strings rekey --from old.key --to new.key --in-place Sample.strings
@@ -31,6 +32,7 @@ Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or
 
 struct Options {
     std::string file;
+    std::string outputFile;
     std::string keyFile;
     std::string library;
     std::string fromKeyFile;
@@ -40,10 +42,6 @@ struct Options {
     bool isForced = false;
 };
 
-Key KeyOf(const std::string& path) {
-    return path.empty() ? Key::BuiltIn() : Key::FromFile(path);
-}
-
 // Whether the parser would not take an argument as it is, the line feeds at its end apart: a list in
 // brackets, the sign that ends a command, and nothing at all, for which it takes the next argument.
 bool IsSpecial(std::string_view argument) {
@@ -51,15 +49,23 @@ bool IsSpecial(std::string_view argument) {
     return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
 }
 
-// Gives arguments that are special, also those behind an option's =, a line feed more at their end,
+// Where an argument's value begins: after a long option's =, after a short option's letter if
+// anything follows, and otherwise at the start.
+std::size_t ValueBegin(std::string_view argument) {
+    if (argument.substr(0, 2) == "--") {
+        return argument.find('=') + 1;
+    }
+    return argument.size() > 2 && argument.front() == '-' ? 2 : 0;
+}
+
+// Gives arguments that are special, also those within an option's, a line feed more at their end,
 // so that they are no longer.
 void MarkSpecial(std::vector<std::string>& arguments) {
     bool areOptions = true;
     for (std::string& argument : arguments) {
         areOptions = areOptions && argument != "--";
-        const bool isOption = areOptions && argument.compare(0, 2, "--") == 0;
-        const std::size_t equals = isOption ? argument.find('=') : std::string::npos;
-        if (IsSpecial(std::string_view(argument).substr(equals + 1))) {
+        const std::size_t begin = areOptions ? ValueBegin(argument) : 0;
+        if (IsSpecial(std::string_view(argument).substr(begin))) {
             argument += '\n';
         }
     }
@@ -131,10 +137,13 @@ private:
     CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description,
                          std::function<int()> command);
     void AddFile(CLI::App& command);
-    void AddInPlace(CLI::App& command);
+    void AddOutput(CLI::App& command);
     CLI::Option* AddKeyFile(CLI::App& command);
 
-    StringsDocument ReadDocument() const;
+    bool HasOneInput() const;
+    FileSnapshot ReadInput() const;
+    Key KeyOf(const std::string& keyFile) const;
+    StringsDocument ReadDocument() const { return StringsDocument(ReadInput().bytes); }
     int Report(Findings findings) const;
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
     int NewKey() const;
@@ -160,21 +169,44 @@ void Run::AddFile(CLI::App& command) {
         ->required();
 }
 
-void Run::AddInPlace(CLI::App& command) {
-    command.add_flag("--in-place", m_options.isInPlace,
-                     "Write the result to FILE, whole or not at all, instead of standard output");
+void Run::AddOutput(CLI::App& command) {
+    CLI::Option* const inPlace = command.add_flag(
+        "--in-place", m_options.isInPlace,
+        "Write the result to FILE, whole or not at all, instead of standard output");
+    command
+        .add_option("-o,--output", m_options.outputFile,
+                    "Write the result to OUTPUT, whole or not at all; - is standard output")
+        ->type_name("OUTPUT")
+        ->check(NamesAFile)
+        ->excludes(inPlace);
 }
 
 CLI::Option* Run::AddKeyFile(CLI::App& command) {
     return command
         .add_option("--key-file", m_options.keyFile,
-                    "File of 64 hexadecimal digits; without it, the key built in")
+                    "File of 64 hexadecimal digits, - for standard input; without it, the key "
+                    "built in")
         ->type_name("KEYFILE")
         ->check(NamesAFile);
 }
 
-StringsDocument Run::ReadDocument() const {
-    return StringsDocument(m_options.file == "-" ? m_readInput() : ReadFile(m_options.file));
+// Whether at most one thing is to be read from standard input, which ends with the first.
+bool Run::HasOneInput() const {
+    const std::string* const names[] = {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
+                                        &m_options.toKeyFile};
+    return std::count_if(std::begin(names), std::end(names),
+                         [](const std::string* name) { return *name == "-"; }) <= 1;
+}
+
+FileSnapshot Run::ReadInput() const {
+    return m_options.file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(m_options.file);
+}
+
+Key Run::KeyOf(const std::string& keyFile) const {
+    if (keyFile.empty()) {
+        return Key::BuiltIn();
+    }
+    return keyFile == "-" ? Key::FromText(m_readInput(), keyFile) : Key::FromFile(keyFile);
 }
 
 // Prints what was found in the file, in the order of its lines, what concerns all of it first.
@@ -192,16 +224,21 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
         Say(Severity::kError, "--in-place needs a file, not -", m_err);
         return kUsageOrSystem;
     }
-    StringsDocument document = ReadDocument();
-    const std::string before = document.Bytes();
+    const FileSnapshot before = ReadInput();
+    StringsDocument document(before.bytes);
     const int status = Report(change(document));
     if (status != kDone) {
         return status;
     }
-    if (!m_options.isInPlace) {
-        m_out << document.Bytes();
-    } else if (document.Bytes() != before) {
-        ReplaceFile(m_options.file, before, document.Bytes());
+    const std::string result = document.Bytes();
+    if (m_options.isInPlace) {
+        if (result != before.bytes) {
+            ReplaceFile(m_options.file, before, result);
+        }
+    } else if (m_options.outputFile.empty() || m_options.outputFile == "-") {
+        m_out << result;
+    } else {
+        WriteFile(m_options.outputFile, result);
     }
     return kDone;
 }
@@ -255,7 +292,7 @@ int Run::Execute(std::vector<std::string> arguments) {
             });
         });
     AddFile(*command);
-    AddInPlace(*command);
+    AddOutput(*command);
     AddKeyFile(*command);
     command->add_flag("--force", m_options.isForced,
                       "Take a value that looks stored but does not decode for a text");
@@ -266,7 +303,7 @@ int Run::Execute(std::vector<std::string> arguments) {
         });
     });
     AddFile(*command);
-    AddInPlace(*command);
+    AddOutput(*command);
     AddKeyFile(*command);
 
     command = AddCommand(app, "rekey", "Store protected entries with another key", [this] {
@@ -276,12 +313,16 @@ int Run::Execute(std::vector<std::string> arguments) {
         });
     });
     AddFile(*command);
-    AddInPlace(*command);
-    command->add_option("--from", m_options.fromKeyFile, "Key file they are stored with")
+    AddOutput(*command);
+    command
+        ->add_option("--from", m_options.fromKeyFile,
+                     "Key file they are stored with; - is standard input")
         ->type_name("KEYFILE")
         ->check(NamesAFile)
         ->required();
-    command->add_option("--to", m_options.toKeyFile, "Key file to store them with")
+    command
+        ->add_option("--to", m_options.toKeyFile,
+                     "Key file to store them with; - is standard input")
         ->type_name("KEYFILE")
         ->check(NamesAFile)
         ->required();
@@ -343,11 +384,17 @@ int Run::Execute(std::vector<std::string> arguments) {
         Say(Severity::kError, message + " (see --help)", m_err);
         return kUsageOrSystem;
     }
-    for (std::string* text : {&m_options.file, &m_options.keyFile, &m_options.fromKeyFile,
-                              &m_options.toKeyFile, &m_options.library, &m_options.show.language}) {
+    for (std::string* text :
+         {&m_options.file, &m_options.outputFile, &m_options.keyFile, &m_options.fromKeyFile,
+          &m_options.toKeyFile, &m_options.library, &m_options.show.language}) {
         Unmark(*text);
     }
     std::for_each(m_options.show.keys.begin(), m_options.show.keys.end(), Unmark);
+    if (!HasOneInput()) {
+        Say(Severity::kError,
+            "only one of FILE and the key files can be -, which is standard input", m_err);
+        return kUsageOrSystem;
+    }
     return m_command();
 }
 
