@@ -73,8 +73,8 @@ END
 holds development <<'END'
 ./include/OrvaLanguage/Export.h
 ./include/OrvaLanguage/KorString.h
+./include/OrvaLanguage/KorStringMap.h
 ./include/OrvaLanguage/OrvaLanguage.h
-./include/OrvaLanguage/StringMap.h
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
