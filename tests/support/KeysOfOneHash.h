@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "strings/StringMap.h"
 #include <gtest/gtest.h>
+
+#include "strings/StringMap.h"
 
 // Keys of 40 bytes that all have one hash, and not 0: with these first eight bytes, what follows
 // them is multiplied by zero.
