@@ -18,12 +18,11 @@ unsigned EnabledVectors() noexcept {
         unsigned edx = 0;
         return __get_cpuid(1, &eax, &ebx, &ecx, &edx) != 0 && (ecx & bit_OSXSAVE) != 0;
     }();
-    if (!canAsk) {
-        return 0;
-    }
     unsigned low = 0;
     unsigned high = 0;
-    __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    if (canAsk) {
+        __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    }
     return low;
 }
 
@@ -34,10 +33,19 @@ unsigned EnabledVectors() noexcept {
 // others are the caller's to save around any call.
 void ClearRegisters() noexcept {
 #ifdef __x86_64__
+    __asm__ volatile(
+        "pxor %xmm0, %xmm0\n\tpxor %xmm1, %xmm1\n\tpxor %xmm2, %xmm2\n\tpxor %xmm3, %xmm3\n\t"
+        "pxor %xmm4, %xmm4\n\tpxor %xmm5, %xmm5\n\tpxor %xmm6, %xmm6\n\tpxor %xmm7, %xmm7\n\t"
+        "pxor %xmm8, %xmm8\n\tpxor %xmm9, %xmm9\n\tpxor %xmm10, %xmm10\n\t"
+        "pxor %xmm11, %xmm11\n\tpxor %xmm12, %xmm12\n\tpxor %xmm13, %xmm13\n\t"
+        "pxor %xmm14, %xmm14\n\tpxor %xmm15, %xmm15");
     const unsigned enabled = EnabledVectors();
+    if ((enabled & kAvx) != 0) {
+        __asm__ volatile("vzeroall");  // the upper halves of those, and whatever is above them
+    }
     if ((enabled & kAvx512) == kAvx512) {
-        // Those that vzeroall leaves alone.
-        __asm__ volatile(
+        // The sixteen more that vzeroall leaves alone.
+        __asm__ volatile(  // GCOVR_EXCL_LINE: few processors have them
             "vpxorq %zmm16, %zmm16, %zmm16\n\tvpxorq %zmm17, %zmm17, %zmm17\n\t"
             "vpxorq %zmm18, %zmm18, %zmm18\n\tvpxorq %zmm19, %zmm19, %zmm19\n\t"
             "vpxorq %zmm20, %zmm20, %zmm20\n\tvpxorq %zmm21, %zmm21, %zmm21\n\t"
@@ -46,16 +54,6 @@ void ClearRegisters() noexcept {
             "vpxorq %zmm26, %zmm26, %zmm26\n\tvpxorq %zmm27, %zmm27, %zmm27\n\t"
             "vpxorq %zmm28, %zmm28, %zmm28\n\tvpxorq %zmm29, %zmm29, %zmm29\n\t"
             "vpxorq %zmm30, %zmm30, %zmm30\n\tvpxorq %zmm31, %zmm31, %zmm31");
-    }
-    if ((enabled & kAvx) != 0) {
-        __asm__ volatile("vzeroall");
-    } else {
-        __asm__ volatile(
-            "pxor %xmm0, %xmm0\n\tpxor %xmm1, %xmm1\n\tpxor %xmm2, %xmm2\n\tpxor %xmm3, %xmm3\n\t"
-            "pxor %xmm4, %xmm4\n\tpxor %xmm5, %xmm5\n\tpxor %xmm6, %xmm6\n\tpxor %xmm7, %xmm7\n\t"
-            "pxor %xmm8, %xmm8\n\tpxor %xmm9, %xmm9\n\tpxor %xmm10, %xmm10\n\t"
-            "pxor %xmm11, %xmm11\n\tpxor %xmm12, %xmm12\n\tpxor %xmm13, %xmm13\n\t"
-            "pxor %xmm14, %xmm14\n\tpxor %xmm15, %xmm15");
     }
     __asm__ volatile(
         "xorl %%eax, %%eax\n\txorl %%ecx, %%ecx\n\txorl %%edx, %%edx\n\txorl %%esi, %%esi\n\t"
