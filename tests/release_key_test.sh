@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# A release with a key of its own, from end to end: the key is made, library, command and sample host
+# are built with it, texts are protected with another build's command, shown by this one's and by the
+# host; then the key changes and all is built again.
+#
+# Usage: release_key_test.sh SOURCE TOOL, TOOL: orva-strings of a build with another key; with
+#        GENERATOR, CC, CXX, CFLAGS and CXXFLAGS as the build has them
+set -euo pipefail
+source=$1 other_tool=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+build=$work/build
+tool=$build/tools/orva-strings/orva-strings
+
+fail() {
+    printf '%s\n' "$@"
+    exit 1
+}
+expect() { # WHAT EXPECTED ACTUAL
+    [ "$2" = "$3" ] || fail "$1: expected (left), found (right)" "$(diff <(echo "$2") <(echo "$3"))"
+}
+
+run_build() {
+    cmake --build "$build" --target orva-strings SampleHost >"$work/build.log" 2>&1 ||
+        fail "$(cat "$work/build.log")"
+}
+
+# The texts of IDE_LICENSE that the host shows with these resources, and what it says without a text.
+shown() {
+    local host
+    host=$(echo "$build"/examples/SampleHost.app/Contents/*/SampleHost)
+    "$host" "$1" | sed -n 's/^IDE_LICENSE *//p'
+}
+
+# Every part of this build holds the key of this file.
+holds_key() { # KEY_FILE
+    local fingerprint library
+    fingerprint=$("$other_tool" key show --key-file "$1" | sed -n 's/^fingerprint: //p')
+    [[ $fingerprint =~ ^[0-9A-F]{16}$ ]] || fail "no fingerprint: $fingerprint"
+    grep -qF "key with fingerprint $fingerprint" "$work/build.log" "$work/configure.log" ||
+        fail "the build names another key than $fingerprint"
+    expect "the command's key" "fingerprint: $fingerprint
+development key: no" "$("$tool" key show)"
+    for library in "$build"/libOrvaLanguage.so.*.*.* \
+        "$build"/examples/SampleHost.app/Contents/Frameworks/libOrvaLanguage.so.*; do
+        expect "the key of $library" "fingerprint: $fingerprint
+development key: no" "$("$other_tool" key show --library "$library")"
+    done
+    expect "the host's own text" "Evaluation copy: 30 days left." "$(shown English)"
+
+    # Both commands store the same with this key, whether it is named or built in.
+    "$other_tool" protect --key-file "$1" -o "$work/shipped" "$work/readable"
+    "$tool" protect "$work/readable" 2>"$work/notes" >"$work/stored"
+    cmp "$work/shipped" "$work/stored"
+    [ ! -s "$work/notes" ] || fail "the command has something to say:" "$(cat "$work/notes")"
+    expect "what the command shows" 'IDEA="an idea"
+IDE_LICENSE="a licence"' "$("$tool" show --reveal "$work/shipped" IDEA IDE_LICENSE)"
+    "$tool" reveal "$work/shipped" | cmp - "$work/readable"
+    cp "$work/shipped" "$build/examples/SampleHost.app/Contents/Resources/Sample.strings"
+    expect "what the host shows" "a licence" "$(shown en)"
+}
+
+printf 'QVLANG=en\nIDE_LICENSE="a licence"\nIDEA="an idea"\nIDE1="one"\nIDE ="a blank"\nMENU="menu"\n' \
+    >"$work/readable"
+"$other_tool" key new "$work/first.key"
+"$other_tool" key new "$work/second.key"
+cmp -s "$work/first.key" "$work/second.key" && fail "two keys are the same"
+cp "$work/first.key" "$work/release.key"
+
+cmake -S "$source" -B "$build" -G "$GENERATOR" -DCMAKE_BUILD_TYPE=Debug -DORVA_BUILD_TESTS=OFF \
+    -DCMAKE_C_COMPILER="$CC" -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_COMPILER="$CXX" \
+    -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DORVA_KEY_FILE="$work/release.key" >"$work/configure.log" 2>&1 ||
+    fail "$(cat "$work/configure.log")"
+run_build
+holds_key "$work/release.key"
+cp "$work/shipped" "$work/shipped_first"
+
+# Nobody else's build reads it.
+if told=$("$other_tool" show --reveal "$work/shipped" IDE_LICENSE 2>&1); then
+    fail "a build with another key shows: $told"
+fi
+[[ $told == *": error: IDE_LICENSE: the value does not decode"* ]] || fail "$told"
+
+# Another key in the same file: the next build takes it, and nothing else is needed.
+cp "$work/second.key" "$work/release.key"
+run_build
+holds_key "$work/second.key"
+cp "$work/shipped_first" "$build/examples/SampleHost.app/Contents/Resources/Sample.strings"
+expect "what the host shows of the first key's text" "(no such text)" "$(shown en)"
+"$tool" rekey --from "$work/first.key" --to "$work/second.key" "$work/shipped_first" |
+    cmp - "$work/shipped"
+echo "keys of its own: built, shown, changed"
