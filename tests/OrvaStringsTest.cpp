@@ -766,6 +766,47 @@ TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
     }
 }
 
+TEST_F(OrvaStrings, NamesWhatIsWrongWithTheCommandLine) {
+    const std::string file = Write("x", kReadable);
+    const struct {
+        std::vector<std::string> arguments;
+        std::string message;
+    } cases[] = {
+        {{}, "a command is required"},
+        {{"key"}, "a command is required after key"},
+        {{"--versoin"}, "unknown option '--versoin'"},
+        {{"-V", "protect", file}, "unknown option '-V'"},
+        {{"key", "--nonsense"}, "unknown option '--nonsense'"},
+        {{"protect", "-k"}, "unknown option '-k'"},
+        {{"protect", "--inplace", file}, "unknown option '--inplace'"},
+        {{"show", "--lang=x", file}, "unknown option '--lang'"},
+        {{"protect", "--language", "x", file}, "unknown option '--language'"},
+        {{"key", "show", "--libary", file}, "unknown option '--libary'"},
+        {{"protect", "--a\nb=[]", file}, "unknown option '--a\\nb'"},
+        {{"protect", "-k[]", file}, "unknown option '-k[]'"},
+        {{"protect", ""}, "FILE: it names no file"},
+        {{"sections", file, "--", "--more"}, "The following argument was not expected: --more"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Run(c.arguments), 2) << ::testing::PrintToString(c.arguments);
+        EXPECT_EQ(m_out, "") << ::testing::PrintToString(c.arguments);
+        EXPECT_EQ(m_err, "orva-strings: error: " + c.message + " (see --help)\n");
+    }
+}
+
+TEST_F(OrvaStrings, RefusesAValueForAnOptionWithoutOne) {
+    const std::string file = Write("x", kReadable);
+    for (const std::string value : {"yes", "no", "false", "0", "Other.strings"}) {
+        EXPECT_EQ(Run({"protect", "--in-place=" + value, file}), 2) << value;
+        EXPECT_EQ(m_err, "orva-strings: error: --in-place takes no value (see --help)\n");
+        EXPECT_EQ(Run({"protect", "--force=" + value, file}), 2) << value;
+        EXPECT_EQ(Run({"show", "--reveal=" + value, file}), 2) << value;
+        EXPECT_EQ(Run({"show", "--fallback=" + value, file}), 2) << value;
+        EXPECT_EQ(m_out, "") << value;
+    }
+    EXPECT_EQ(ReadFile(file), kReadable);
+}
+
 TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_NE(m_out.find("Examples:\n"), std::string::npos);

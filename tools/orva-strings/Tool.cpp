@@ -125,6 +125,46 @@ std::string UnknownCommand(const CLI::App& group, const std::string& prefix) {
     return "unknown command '" + prefix + word + '\'' + meant;
 }
 
+// An option without a value: --in-place=no is an error, and not the opposite of --in-place.
+CLI::Option* AddFlag(CLI::App& command, const std::string& name, bool& isSet,
+                     const std::string& description) {
+    return command.add_flag(name, isSet, description)->disable_flag_override();
+}
+
+// What to say of the first option that its command does not have, or nothing if there is none.
+// Behind -- are no options.
+std::string UnknownOption(const CLI::App& app, const std::vector<std::string>& arguments) {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    for (std::string& word : app.remaining(true)) {
+        if (word.size() > 1 && word.front() == '-' &&
+            std::find(arguments.begin(), end, word) != end) {
+            std::string value = word.substr(ValueBegin(word));
+            Unmark(value);
+            word.replace(ValueBegin(word), std::string::npos, value);
+            const bool isLong = word.compare(0, 2, "--") == 0;
+            return "unknown option '" + (isLong ? word.substr(0, word.find('=')) : word) + '\'';
+        }
+    }
+    return "";
+}
+
+// What to say of the first option that has a value and takes none, or nothing if there is none.
+std::string NeedlessValue(const std::vector<std::string>& arguments) {
+    for (const std::string& word : arguments) {
+        for (const char* const flag : {"--in-place", "--force", "--fallback", "--reveal"}) {
+            if (word.substr(0, word.find('=')) == flag && word != flag) {
+                return std::string(flag) + " takes no value";
+            }
+        }
+    }
+    return "";
+}
+
+// What to say where no command of the group is named, or nothing if one is.
+std::string NoCommand(const CLI::App& group, const std::string& what) {
+    return group.get_subcommands().empty() ? what : "";
+}
+
 // One run of the tool: where it reads and writes, and what it was asked.
 class Run {
 public:
@@ -166,13 +206,14 @@ CLI::App* Run::AddCommand(CLI::App& app, const std::string& name, const std::str
 void Run::AddFile(CLI::App& command) {
     command.add_option("FILE", m_options.file, "The strings file; - is standard input")
         ->type_name("")
+        ->check(NamesAFile)
         ->required();
 }
 
 void Run::AddOutput(CLI::App& command) {
-    CLI::Option* const inPlace = command.add_flag(
-        "--in-place", m_options.isInPlace,
-        "Write the result to FILE, whole or not at all, instead of standard output");
+    CLI::Option* const inPlace =
+        AddFlag(command, "--in-place", m_options.isInPlace,
+                "Write the result to FILE, whole or not at all, instead of standard output");
     command
         .add_option("-o,--output", m_options.outputFile,
                     "Write the result to OUTPUT, whole or not at all; - is standard output")
@@ -294,8 +335,8 @@ int Run::Execute(std::vector<std::string> arguments) {
     AddFile(*command);
     AddOutput(*command);
     AddKeyFile(*command);
-    command->add_flag("--force", m_options.isForced,
-                      "Take a value that looks stored but does not decode for a text");
+    AddFlag(*command, "--force", m_options.isForced,
+            "Take a value that looks stored but does not decode for a text");
 
     command = AddCommand(app, "reveal", "Write protected entries as readable text again", [this] {
         return Change([this](StringsDocument& document) {
@@ -337,9 +378,9 @@ int Run::Execute(std::vector<std::string> arguments) {
         ->add_option("--language", m_options.show.language,
                      "The section's name; without it, the first section")
         ->type_name("LANGUAGE");
-    command->add_flag("--fallback", m_options.show.hasFallback,
-                      "Show the first section, as the library does, if there is none of that name");
-    command->add_flag("--reveal", m_options.show.isRevealed, "Show protected texts too");
+    AddFlag(*command, "--fallback", m_options.show.hasFallback,
+            "Show the first section, as the library does, if there is none of that name");
+    AddFlag(*command, "--reveal", m_options.show.isRevealed, "Show protected texts too");
 
     command = AddCommand(app, "sections", "List the sections: line, entries, protected, name",
                          [this] { return Report(ListSections(ReadDocument(), m_out)); });
@@ -365,8 +406,8 @@ int Run::Execute(std::vector<std::string> arguments) {
 
     try {
         MarkSpecial(arguments);
-        std::reverse(arguments.begin(), arguments.end());  // as the parser takes a vector
-        app.parse(std::move(arguments));
+        // Reversed, as the parser takes a vector.
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {  // help or version
             app.exit(error, m_out, m_err);
@@ -375,6 +416,18 @@ int Run::Execute(std::vector<std::string> arguments) {
         std::string message = UnknownCommand(app, "");
         if (message.empty()) {
             message = UnknownCommand(*key, "key ");
+        }
+        if (message.empty()) {
+            message = UnknownOption(app, arguments);
+        }
+        if (message.empty()) {
+            message = NoCommand(app, "a command is required");
+        }
+        if (message.empty() && app.got_subcommand(key)) {
+            message = NoCommand(*key, "a command is required after key");
+        }
+        if (message.empty() && error.get_name() == "ArgumentMismatch") {
+            message = NeedlessValue(arguments);
         }
         if (message.empty()) {
             message = error.what();
