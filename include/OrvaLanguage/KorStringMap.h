@@ -12,7 +12,8 @@
 #include <string_view>
 
 // A read-only map from key to value, both byte strings of any content. A host neither makes one nor
-// changes it.
+// changes it. The section's header is an entry, with the key "QVLANG"; protected texts are as the file
+// has them, undecoded. The map and its texts go when the process exits or the library is unloaded.
 //
 // Only the order of the virtual functions and the layout of Texts are compiled into a host, so a
 // host runs with any standard library, whichever the library was built with.
@@ -37,6 +38,8 @@ public:
         using pointer = const Entry*;
         using reference = const Entry&;
 
+        // Of no map: to be assigned to, and nothing else. C++20's ranges ask for it.
+        Iterator() noexcept = default;
         reference operator*() const noexcept { return m_entry; }
         pointer operator->() const noexcept { return &m_entry; }
         Iterator& operator++() noexcept {
@@ -65,8 +68,8 @@ public:
             }
         }
 
-        const KorStringMap* m_pMap;
-        std::size_t m_nRank;
+        const KorStringMap* m_pMap = nullptr;
+        std::size_t m_nRank = 0;
         Entry m_entry;
     };
 

@@ -1,5 +1,11 @@
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#if __cplusplus >= 202002L && defined(__has_include)
+#if __has_include(<ranges>)
+#include <ranges>
+#endif
+#endif
 
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
@@ -19,6 +25,17 @@ int main() {
         table.LowerBound("R") != table.end() || table.Find("MISSING")) {
         return 1;
     }
+    KorStringMap::Iterator at;  // of no map
+    at = table.LowerBound("H");
+    if (at->key != "QVLANG") {
+        return 1;
+    }
+#ifdef __cpp_lib_ranges
+    static_assert(std::ranges::input_range<const KorStringMap>);
+    if (std::ranges::count_if(table, [](auto& entry) { return entry.key == "QVLANG"; }) != 1) {
+        return 1;
+    }
+#endif
     std::printf("%d entries, GREETING is %s\n", entries, found->value.data());
     return 0;
 }
