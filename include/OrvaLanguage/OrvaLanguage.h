@@ -41,10 +41,11 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * bundle    the bundle, still owned by the caller; null is the application's main bundle.
  *
  * Returns the number of entries in the new table. The section's own header counts as one: its key
- * is "QVLANG", its value the section's name. Returns 0 on failure, and then
- * - the earlier table stays where the file was not opened: a null language or fileName, a fileName
- *   that is not UTF-8, a bundle whose folder is gone, a path of 1024 bytes or more, a file that is
- *   missing or may not be read;
+ * is "QVLANG", its value the section's name. Returns 0 on failure. ZuGetLocalizedString then answers
+ * null for every key until a load succeeds, and
+ * - the earlier table stays, and with it the texts that were handed out from it, where the file was
+ *   not opened: a null language or fileName, a fileName that is not UTF-8, a bundle whose folder is
+ *   gone, a path of 1024 bytes or more, a file that is missing or may not be read;
  * - the table is empty where the file was opened but holds no section, as with an empty file or a
  *   folder.
  *
@@ -71,9 +72,10 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
  *   never protected, was damaged, or made with another key. Each lookup tries again.
  *
  * An ordinary text is valid until a load opens its file. A protected text is decoded at its first
- * lookup and kept: it is valid until the process exits, and every later lookup returns the same,
- * even if a reload has brought another text for its key. After a reload that lacks the key the answer
- * is null. If memory runs out at the first lookup the answer is null, or empty from then on.
+ * lookup and kept: it is valid until the process exits or the library is unloaded, and every later
+ * lookup returns the same, even if a reload has brought another text for its key. After a reload that
+ * lacks the key the answer is null. If memory runs out at the first lookup the answer is null, or
+ * empty from then on.
  *
  * The first successful lookup of a protected key writes to the cache of decoded texts, so it must not
  * run at the same time as another lookup of a protected key. A host with several threads looks each
