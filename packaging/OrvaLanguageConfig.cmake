@@ -1,3 +1,16 @@
 include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageTargets.cmake")
 # OrvaLanguage::orva-strings, if the component "tools" is installed.
 include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageTools.cmake" OPTIONAL)
+
+# What find_package(OrvaLanguage COMPONENTS ...) may ask for.
+set(OrvaLanguage_runtime_FOUND TRUE)
+set(OrvaLanguage_development_FOUND TRUE)
+if(TARGET OrvaLanguage::orva-strings)
+    set(OrvaLanguage_tools_FOUND TRUE)
+endif()
+foreach(component IN LISTS OrvaLanguage_FIND_COMPONENTS)
+    if(OrvaLanguage_FIND_REQUIRED_${component} AND NOT OrvaLanguage_${component}_FOUND)
+        set(OrvaLanguage_FOUND FALSE)
+        set(OrvaLanguage_NOT_FOUND_MESSAGE "The component ${component} is not installed.")
+    endif()
+endforeach()

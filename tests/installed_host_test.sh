@@ -94,3 +94,26 @@ cp -a "$work/runtime/." "$work/development/"
 build_hosts without_tools "$work/development"
 run "$work/without_tools/cmake_c_host" "2 entries"
 [ ! -e "$work/without_tools/Shipped.strings" ] || { echo "the hosts found another orva-strings"; exit 1; }
+
+# Who asks for a component that is not installed is told so.
+mkdir "$work/asking"
+cat >"$work/asking/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.22)
+project(Asking LANGUAGES C)
+find_package(OrvaLanguage REQUIRED COMPONENTS runtime development ${more})
+END
+asks() { # PREFIX COMPONENT
+    cmake -S "$work/asking" -B "$work/asking/${1##*/}$2" -G "$GENERATOR" -DCMAKE_C_COMPILER="$CC" \
+        -DCMAKE_PREFIX_PATH="$1" -Dmore="$2" >"$work/cmake.log" 2>&1
+}
+asks "$work/prefix" tools || { cat "$work/cmake.log"; exit 1; }
+asks "$work/development" "" || { cat "$work/cmake.log"; exit 1; }
+for asked in "development tools" "prefix nonsense"; do
+    # shellcheck disable=SC2086  # two words
+    set -- $asked
+    if asks "$work/$1" "$2"; then
+        echo "find_package finds a component $2 where none is installed"
+        exit 1
+    fi
+    grep -q "The component $2 is not installed" "$work/cmake.log" || { cat "$work/cmake.log"; exit 1; }
+done
