@@ -3,6 +3,18 @@
 #ifdef __x86_64__
 #include <cpuid.h>
 
+// The vector registers that code of this build may use.
+#define ORVA_LOWER_VECTORS                                                                   \
+    "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7", "xmm8", "xmm9", "xmm10", \
+        "xmm11", "xmm12", "xmm13", "xmm14", "xmm15"
+#ifdef __AVX512F__
+#define ORVA_UPPER_VECTORS                                                                    \
+    "xmm16", "xmm17", "xmm18", "xmm19", "xmm20", "xmm21", "xmm22", "xmm23", "xmm24", "xmm25", \
+        "xmm26", "xmm27", "xmm28", "xmm29", "xmm30", "xmm31"
+#else
+#define ORVA_UPPER_VECTORS
+#endif
+
 namespace {
 
 constexpr unsigned kAvx = 1U << 2U;
@@ -29,31 +41,39 @@ unsigned EnabledVectors() noexcept {
 }  // namespace
 #endif
 
-// No register is named as changed but those that the compiler may keep something in here: the
-// others are the caller's to save around any call.
+// Every register is named as changed: link-time optimisation may put this function into its caller, or
+// tell the caller what it changes, and then the caller keeps something in whatever is not named.
 void ClearRegisters() noexcept {
 #ifdef __x86_64__
     __asm__ volatile(
-        "pxor %xmm0, %xmm0\n\tpxor %xmm1, %xmm1\n\tpxor %xmm2, %xmm2\n\tpxor %xmm3, %xmm3\n\t"
-        "pxor %xmm4, %xmm4\n\tpxor %xmm5, %xmm5\n\tpxor %xmm6, %xmm6\n\tpxor %xmm7, %xmm7\n\t"
-        "pxor %xmm8, %xmm8\n\tpxor %xmm9, %xmm9\n\tpxor %xmm10, %xmm10\n\t"
-        "pxor %xmm11, %xmm11\n\tpxor %xmm12, %xmm12\n\tpxor %xmm13, %xmm13\n\t"
-        "pxor %xmm14, %xmm14\n\tpxor %xmm15, %xmm15");
+        "pxor %%xmm0, %%xmm0\n\tpxor %%xmm1, %%xmm1\n\tpxor %%xmm2, %%xmm2\n\t"
+        "pxor %%xmm3, %%xmm3\n\tpxor %%xmm4, %%xmm4\n\tpxor %%xmm5, %%xmm5\n\t"
+        "pxor %%xmm6, %%xmm6\n\tpxor %%xmm7, %%xmm7\n\tpxor %%xmm8, %%xmm8\n\t"
+        "pxor %%xmm9, %%xmm9\n\tpxor %%xmm10, %%xmm10\n\tpxor %%xmm11, %%xmm11\n\t"
+        "pxor %%xmm12, %%xmm12\n\tpxor %%xmm13, %%xmm13\n\tpxor %%xmm14, %%xmm14\n\t"
+        "pxor %%xmm15, %%xmm15"
+        :
+        :
+        : ORVA_LOWER_VECTORS);
     const unsigned enabled = EnabledVectors();
     if ((enabled & kAvx) != 0) {
-        __asm__ volatile("vzeroall");  // the upper halves of those, and whatever is above them
+        // The upper parts of those.
+        __asm__ volatile("vzeroall" : : : ORVA_LOWER_VECTORS);
     }
     if ((enabled & kAvx512) == kAvx512) {
         // The sixteen more that vzeroall leaves alone.
         __asm__ volatile(  // GCOVR_EXCL_LINE: few processors have them
-            "vpxorq %zmm16, %zmm16, %zmm16\n\tvpxorq %zmm17, %zmm17, %zmm17\n\t"
-            "vpxorq %zmm18, %zmm18, %zmm18\n\tvpxorq %zmm19, %zmm19, %zmm19\n\t"
-            "vpxorq %zmm20, %zmm20, %zmm20\n\tvpxorq %zmm21, %zmm21, %zmm21\n\t"
-            "vpxorq %zmm22, %zmm22, %zmm22\n\tvpxorq %zmm23, %zmm23, %zmm23\n\t"
-            "vpxorq %zmm24, %zmm24, %zmm24\n\tvpxorq %zmm25, %zmm25, %zmm25\n\t"
-            "vpxorq %zmm26, %zmm26, %zmm26\n\tvpxorq %zmm27, %zmm27, %zmm27\n\t"
-            "vpxorq %zmm28, %zmm28, %zmm28\n\tvpxorq %zmm29, %zmm29, %zmm29\n\t"
-            "vpxorq %zmm30, %zmm30, %zmm30\n\tvpxorq %zmm31, %zmm31, %zmm31");
+            "vpxorq %%zmm16, %%zmm16, %%zmm16\n\tvpxorq %%zmm17, %%zmm17, %%zmm17\n\t"
+            "vpxorq %%zmm18, %%zmm18, %%zmm18\n\tvpxorq %%zmm19, %%zmm19, %%zmm19\n\t"
+            "vpxorq %%zmm20, %%zmm20, %%zmm20\n\tvpxorq %%zmm21, %%zmm21, %%zmm21\n\t"
+            "vpxorq %%zmm22, %%zmm22, %%zmm22\n\tvpxorq %%zmm23, %%zmm23, %%zmm23\n\t"
+            "vpxorq %%zmm24, %%zmm24, %%zmm24\n\tvpxorq %%zmm25, %%zmm25, %%zmm25\n\t"
+            "vpxorq %%zmm26, %%zmm26, %%zmm26\n\tvpxorq %%zmm27, %%zmm27, %%zmm27\n\t"
+            "vpxorq %%zmm28, %%zmm28, %%zmm28\n\tvpxorq %%zmm29, %%zmm29, %%zmm29\n\t"
+            "vpxorq %%zmm30, %%zmm30, %%zmm30\n\tvpxorq %%zmm31, %%zmm31, %%zmm31"
+            :
+            :
+            : ORVA_UPPER_VECTORS);
     }
     __asm__ volatile(
         "xorl %%eax, %%eax\n\txorl %%ecx, %%ecx\n\txorl %%edx, %%edx\n\txorl %%esi, %%esi\n\t"

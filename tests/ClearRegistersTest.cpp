@@ -1,7 +1,9 @@
-// Every register that a call may change holds a known value before, and not afterwards.
 #include <gtest/gtest.h>
 
 #include "platform/ClearRegisters.h"
+
+// In one source with its callers, where the compiler sees what it changes, as it does at link time.
+#include "platform/ClearRegisters.cpp"  // NOLINT(bugprone-suspicious-include)
 
 #ifdef __x86_64__
 #include <algorithm>
@@ -71,6 +73,7 @@ std::ptrdiff_t PiecesLeftBy(void (*function)()) {
     return pieces;
 }
 
+// Every register that a call may change holds a known value before, and not afterwards.
 TEST(ClearRegisters, LeavesNothingInThem) {
     if (!__builtin_cpu_supports("avx")) {
         GTEST_SKIP() << "the processor's vector registers are smaller than this test saves";
@@ -81,3 +84,23 @@ TEST(ClearRegisters, LeavesNothingInThem) {
 
 }  // namespace
 #endif
+
+namespace {
+
+// What is wanted afterwards, and would be kept in registers if they stayed as they are.
+template <typename Number>
+[[gnu::noinline]] Number SumAroundIt(Number a, Number b) {
+    const Number product = a * b;
+    const Number difference = a - b;
+    ClearRegisters();
+    return product + difference + a + b;
+}
+
+TEST(ClearRegisters, LeavesItsCallerWhatItNeeds) {
+    const volatile double real = 3;  // volatile: not worked out beforehand
+    const volatile long whole = 3;
+    EXPECT_EQ(SumAroundIt<double>(real, 2), 12.0);
+    EXPECT_EQ(SumAroundIt<long>(whole, 2), 12);
+}
+
+}  // namespace

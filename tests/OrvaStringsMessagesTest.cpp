@@ -116,7 +116,9 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
         {{"reveal", longLine}, 1, {longLine + ":2: error: " + longKey + why}},
         {{"protect", file, "--key-file", file},
          2,
-         {"orva-strings: error: " + file + ": a key file holds 64 hexadecimal digits\n"}},
+         {"orva-strings: error: " + file +
+          ": must hold 64 hexadecimal digits in one line, and has " +
+          std::to_string(std::filesystem::file_size(file)) + " bytes\n"}},
         {{"show", file, "MENU", "NOT_THERE"},
          1,
          {file + ": error: NOT_THERE: there is no such key in the section\n"}},

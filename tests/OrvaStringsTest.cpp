@@ -257,6 +257,10 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
         {"//IDE_X=secret\"", "IDE_X"},
         {"//IDE_X=secret \"" + stored + "\"", "IDE_X"},
         {"note\r//IDE_X=\"x\"", "IDE_X"},
+        {"IDE_X: \"x\"", "IDE_X"},
+        {"IDE_X:\"x\"", "IDE_X"},
+        {"IDE_X \"x\"", "IDE_X"},
+        {"//ide_x:\t\"x\" = y", "ide_x"},
         {"//IDE_X=\"" + stored.substr(1) + "\"", "IDE_X"},
         // What is stored, empty or no entry.
         {"//IDE_X=\"" + stored + "\" ; menu", ""},
@@ -266,7 +270,10 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
         {"//IDE_X= \t", ""},
         {"//IDE_X=\"\"", ""},
         {"//IDE_X", ""},
-        {"//IDE_X: \"x\"", ""},
+        {"//IDE_X: x", ""},
+        {"//IDE_X: \"" + stored + "\"", ""},
+        {"// IDE_X says \"x\"", ""},
+        {"IDE_X\"x\"", ""},
         // Other words, and prose.
         {"Ideal=\"x\"", ""},
         {"identity=\"x\"", ""},
@@ -381,7 +388,9 @@ TEST_F(OrvaStrings, TakesAKeyFromStandardInput) {
     EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, ToHex(second)), 0);
     EXPECT_EQ(m_out, fingerprint);
     EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, "no key"), 2);
-    EXPECT_EQ(m_err, "orva-strings: error: -: a key file holds 64 hexadecimal digits\n");
+    EXPECT_EQ(
+        m_err,
+        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, and has 6 bytes\n");
 
     std::filesystem::current_path(m_folder.Path());
     WriteKey("-", 2);
@@ -676,9 +685,13 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
     for (const auto& c : cases) {
         const std::string file = Write("key", c.bytes);
         EXPECT_EQ(Run({"key", "show", "--key-file", file}), c.isGood ? 0 : 2) << c.what;
-        EXPECT_EQ(m_err, c.isGood ? ""
-                                  : "orva-strings: error: " + file +
-                                        ": a key file holds 64 hexadecimal digits\n")
+        EXPECT_EQ(
+            m_err,
+            c.isGood ? ""
+                     : "orva-strings: error: " + file + ": must hold 64 hexadecimal digits" +
+                           (c.bytes.size() == 64 ? ", and has other characters among them\n"
+                                                 : " in one line, and has " +
+                                                       std::to_string(c.bytes.size()) + " bytes\n"))
             << c.what;
     }
     EXPECT_EQ(Run({"protect", "-", "--key-file", Path("missing")}), 2);

@@ -16,8 +16,8 @@
 
 struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
 
-// Does what ZuLoadStrings does, with the same arguments, result and thread rules, but leaves the
-// result of the last ZuLoadStrings, which decides whether ZuGetLocalizedString answers, as it was.
+// Does what ZuLoadStrings does, with the same arguments, result and thread rules, but does not change
+// the remembered result of the last ZuLoadStrings, which decides whether ZuGetLocalizedString answers.
 //
 // Throws std::bad_alloc if memory runs out: the table is then the earlier one, if the file was not
 // open yet, or holds the entries read so far. The file is closed.
@@ -41,8 +41,8 @@ public:
     KorString() = delete;
 
     // The keywords that open a language line and a region line: "QVLANG=" and "QVREGION=". They are
-    // read anew at every call. Must not be null. Where ELF binds them so, several copies of the
-    // library in one process go by the keywords of one, so leave them alone there.
+    // read anew at every call. Must not be null. On ELF systems several copies of the library in one
+    // process may share one copy's keywords; don't change them there.
     ORVA_EXPORT static const char* LANG_STATEMENT;
     ORVA_EXPORT static const char* REGION_STATEMENT;
 

@@ -13,7 +13,8 @@
  *   run at the same time as lookups, except for the first of a protected key (see
  *   ZuGetLocalizedString). A load must not run at the same time as another load or a lookup, nor any
  *   call while the process exits or the library is unloaded: the table goes then, so a host joins
- *   its threads first, or ends with _exit.
+ *   its threads first, or ends with _exit. No call may come from a signal handler, nor from a static
+ *   initialiser that may run before the library's; a forked process has a table of its own.
  */
 #ifndef ORVALANGUAGE_ORVALANGUAGE_H
 #define ORVALANGUAGE_ORVALANGUAGE_H
@@ -38,7 +39,8 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * fileName  the file inside the bundle's resources folder, in UTF-8. It may name folders ("a/b",
  *           "../c"). Slashes at its beginning and its end are dropped; "" and "/" are the resources
  *           folder itself, which holds no section.
- * bundle    the bundle, still owned by the caller; null is the application's main bundle.
+ * bundle    the bundle, still owned by the caller, who may close it afterwards; null is the
+ *           application's main bundle.
  *
  * Returns the number of entries in the new table. The section's own header counts as one: its key
  * is "QVLANG", its value the section's name. Returns 0 on failure. ZuGetLocalizedString then answers
@@ -96,7 +98,8 @@ ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
  * link to a folder. Each load follows it anew, so the bundle is the folder that it leads to then,
  * the ".framework" of that folder's name included.
  *
- * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder.
+ * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder, or
+ * is relative and the current folder is gone. Throws std::bad_alloc if memory runs out.
  * May run on any thread at any time; so may ZuCloseBundle with a bundle that no call is using.
  */
 ORVA_EXPORT struct __CFBundle* ZuOpenBundle(const char* path);

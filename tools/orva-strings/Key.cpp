@@ -42,6 +42,7 @@ Key Key::FromFile(const std::string& path) {
 }
 
 Key Key::FromText(std::string text, const std::string& name) {
+    const std::size_t size = text.size();
     if (!text.empty() && text.back() == '\n') {
         text.pop_back();
         if (!text.empty() && text.back() == '\r') {
@@ -49,7 +50,8 @@ Key Key::FromText(std::string text, const std::string& name) {
         }
     }
     Key key;
-    bool isGood = text.size() == kDigits;
+    const bool isLongEnough = text.size() == kDigits;
+    bool isGood = isLongEnough;
     for (std::size_t i = 0; isGood && i < kProtectedKey; ++i) {
         const int high = DigitValue(text[2 * i]);
         const int low = DigitValue(text[2 * i + 1]);
@@ -58,7 +60,13 @@ Key Key::FromText(std::string text, const std::string& name) {
     }
     ClearMemory(text.data(), text.size());
     if (!isGood) {
-        throw std::runtime_error(name + ": a key file holds 64 hexadecimal digits");
+        // The build says the same of such a file.
+        throw std::runtime_error(
+            name + (isLongEnough
+                        ? ": must hold 64 hexadecimal digits, and has other characters among "
+                          "them"
+                        : ": must hold 64 hexadecimal digits in one line, and has " +
+                              std::to_string(size) + " bytes"));
     }
     return key;
 }

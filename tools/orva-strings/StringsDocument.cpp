@@ -89,18 +89,19 @@ std::optional<StringsDocument::Entry> ReadNearProtected(std::size_t line, std::s
     while (!text.empty() && !CanBeginKey(text.front())) {
         text.remove_prefix(1);
     }
-    const std::size_t equals = text.find('=');
-    if (equals == std::string_view::npos) {
-        return std::nullopt;
-    }
-    const std::string_view beforeEquals = text.substr(0, equals);
-    const std::string_view key = beforeEquals.substr(0, beforeEquals.find_last_not_of(" \t") + 1);
-    if (!IsNearProtectedKey(key)) {
+    // A colon or a blank before a quote may stand for the equals sign.
+    const std::size_t quote = text.find('"');
+    std::size_t separator = std::min(text.find('='), text.find_first_of(": \t"));
+    const std::string_view key = text.substr(0, separator);
+    separator = text.find_first_not_of(": \t", std::min(separator, text.size()));
+    const bool hasEquals = separator != std::string_view::npos && text[separator] == '=';
+    if (!IsNearProtectedKey(key) || (!hasEquals && separator != quote) ||
+        separator == std::string_view::npos) {
         return std::nullopt;
     }
     // With a key that is long enough, whatever this one's length.
     std::optional<StringsDocument::Entry> entry =
-        ReadEntry(line, "IDE_" + std::string(text.substr(equals)));
+        ReadEntry(line, "IDE_=" + std::string(text.substr(separator + (hasEquals ? 1 : 0))));
     entry->key = key;
     return entry;
 }

@@ -49,7 +49,8 @@ public:
 
     // Lines that were probably meant as protected entries but are none, Misplaced ones apart, with the
     // keys that were meant: from the first letter, digit or underscore on there is a key of one word
-    // that begins with "IDE", or with "ide" in other case and no letter after it.
+    // that begins with "IDE", or with "ide" in other case and no letter after it, and then =, or a colon
+    // or blanks and a quote.
     std::vector<Entry> NearProtected() const;
 
     // Gives the entry of a line another value. Quotes, and what stands before the first and behind

@@ -336,7 +336,7 @@ int Run::Execute(std::vector<std::string> arguments) {
     AddOutput(*command);
     AddKeyFile(*command);
     AddFlag(*command, "--force", m_options.isForced,
-            "Take a value that looks stored but does not decode for a text");
+            "Treat a value that looks stored but does not decode as readable text");
 
     command = AddCommand(app, "reveal", "Write protected entries as readable text again", [this] {
         return Change([this](StringsDocument& document) {
@@ -399,7 +399,7 @@ int Run::Execute(std::vector<std::string> arguments) {
     CLI::Option* const keyFile = AddKeyFile(*command);
     command
         ->add_option("--library", m_options.library,
-                     "The built library, a file that is only read, whose key to show")
+                     "Show the key of this built library; the file is read, never run")
         ->type_name("LIBRARY")
         ->check(NamesAFile)
         ->excludes(keyFile);  // by its name, the parser would end where memory runs out
