@@ -84,6 +84,16 @@ TEST(GetLine, IsFalseOnAFolder) {
     EXPECT_FALSE(KorString::GetLine(stream, line));
 }
 
+TEST(GetLine, ThrowsWhatTheStreamIsAskedFor) {
+    const TemporaryFolder folder;
+    folder.Write("x", "one\n");
+    std::ifstream stream(folder.Path() / "x");
+    stream.exceptions(std::ios::failbit);
+    std::string line;
+    EXPECT_TRUE(KorString::GetLine(stream, line));
+    EXPECT_THROW(KorString::GetLine(stream, line), std::ios::failure);
+}
+
 struct KeyCase {
     std::string line;  // in the language's form; the region's is made from it
     const char* name;
