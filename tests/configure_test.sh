@@ -60,6 +60,20 @@ refuses "BUILD_SHARED_LIBS=OFF: libOrvaLanguage is a shared library only, becaus
     -DBUILD_SHARED_LIBS=OFF
 accepts -DBUILD_SHARED_LIBS=ON
 
+# A Nettle in a folder of its own is found where it was, after one beside the library.
+if [ "$GENERATOR" = Ninja ] && [ "$(uname)" = Linux ]; then
+    mkdir -p "$work/nettle"
+    ln -s "$(pkg-config --variable=libdir nettle)/libnettle.so" "$work/nettle/"
+    sed "s|^libdir=.*|libdir=$work/nettle|" "$(pkg-config --variable=pcfiledir nettle)/nettle.pc" >"$work/nettle/nettle.pc"
+    for prefixes in "$work/nettle" ""; do
+        PKG_CONFIG_PATH=$prefixes cmake -S "$source" -B "$work/run_path$prefixes" -G Ninja -DCMAKE_C_COMPILER="$CC" \
+            -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_INSTALL_RPATH=/own -DORVA_BUILD_TOOLS=OFF \
+            >"$work/log" 2>&1 || fail "no build with Nettle in '$prefixes':"
+        grep -F ORIGIN "$work/run_path$prefixes/build.ninja" >"$work/log"
+        says "-Wl,-rpath,\"\\\$\$ORIGIN:/own${prefixes:+:$prefixes}\""
+    done
+fi
+
 # The tools, and what needs them.
 accepts -DORVA_BUILD_TOOLS=OFF
 says "-- ORVA_BUILD_TESTS is off: it needs ORVA_BUILD_TOOLS."
