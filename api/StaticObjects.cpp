@@ -20,5 +20,5 @@ constexpr StringMapView kLocalizedStringsView(gMapLocalizedStrings);
 }  // namespace
 
 // A reference, constant-initialised: a program that takes a copy of it, as ELF lets it, has the same
-// table, and may read it before the library's initialisers have run.
+// table, and may ask for its size or for a key before the library's initialisers have run.
 const KorStringMap& KorString::gMapLocalizedStrings = kLocalizedStringsView;
