@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstddef>
 #include <fcntl.h>
+#include <filesystem>
 #include <map>
 #include <spawn.h>
 #include <sstream>

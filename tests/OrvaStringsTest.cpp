@@ -184,7 +184,8 @@ TEST_F(OrvaStrings, ProtectsEveryLineOfARepeatedKey) {
 
 TEST_F(OrvaStrings, RefusesTextBeforeTheFirstQuote) {
     const std::string what =
-        "IDE_X: the value begins at the first quote; the text before it stays readable\n";
+        "IDE_X: the value begins at the first quote; the text before it stays readable (is the "
+        "opening quote missing?)\n";
     const std::string stored = Stored("x", DevelopmentKey());
     const struct {
         std::string entry;
@@ -223,6 +224,41 @@ TEST_F(OrvaStrings, RefusesTextBeforeTheFirstQuote) {
     const std::string file = Write("x", "QVLANG=en\nIDE_A=\"a\"\nIDE_X=secret\"\n");
     EXPECT_EQ(Run({"protect", "--in-place", file, "--key-file", DEVELOPMENT_KEY}), 1);
     EXPECT_EQ(ReadFile(file), "QVLANG=en\nIDE_A=\"a\"\nIDE_X=secret\"\n") << "nothing is written";
+}
+
+TEST_F(OrvaStrings, WarnsOfTextAfterEmptyQuotes) {
+    const struct {
+        const char* rest;
+        bool isFound;
+    } cases[] = {{"\"\" secret", true},  {"\"\"secret", true},    {"\"\"\tsecret", true},
+                 {"\"\"", false},        {"\"\" \t", false},      {"\"\" ; note", false},
+                 {"\"\" # note", false}, {"\"\" // note", false}, {"\"x\" note", false}};
+    for (const auto& c : cases) {
+        const std::string bytes = std::string("QVLANG=en\nIDE_A=") + c.rest + "\n";
+        EXPECT_EQ(Run({"protect", "-", "--key-file", DEVELOPMENT_KEY}, bytes), 0) << c.rest;
+        EXPECT_EQ(m_err, c.isFound ? "-:2: warning: IDE_A: the value is empty; the text after its "
+                                     "quotes stays readable\n"
+                                   : "")
+            << c.rest;
+    }
+}
+
+TEST_F(OrvaStrings, DoesNotWriteOverTheKey) {
+    const std::string file = Write("x", kReadable);
+    const Bytes key = WriteKey("key", 1);
+    WriteKey("other", 2);
+    std::filesystem::create_symlink("key", Path("link"));
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"protect", "--key-file", Path("key"), "-o", Path("key"), file},
+             {"protect", "--key-file", Path("link"), "-o", Path("key"), file},
+             {"reveal", "--key-file", Path("key"), "-o", Path("./key"), file},
+             {"rekey", "--from", Path("key"), "--to", Path("other"), "-o", Path("key"), file},
+             {"rekey", "--from", Path("other"), "--to", Path("key"), "-o", Path("key"), file}}) {
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_EQ(m_err, "orva-strings: error: " + arguments[arguments.size() - 2] +
+                             ": this is the key file, and would be lost\n");
+        EXPECT_EQ(ReadFile(Path("key")), ToHex(key) + "\n");
+    }
 }
 
 TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
@@ -325,7 +361,8 @@ TEST_F(OrvaStrings, SaysErrorsAndWarningsInTheOrderOfTheLines) {
     const std::string near =
         ": this looks like a protected entry but is not one; its text stays readable\n";
     const std::string before =
-        ": the value begins at the first quote; the text before it stays readable\n";
+        ": the value begins at the first quote; the text before it stays readable (is the opening "
+        "quote missing?)\n";
     EXPECT_EQ(Run({"protect", "-", "--key-file", DEVELOPMENT_KEY},
                   "#IDE_A=1\nIDE_B=1\nQVLANG=en\nIDE_C=x\"\n#IDE_D=1\nIDE_E=x\"\n"
                   "//\rIDE_F=1\r#IDE_G=1\rIDE_H=1\n"),

@@ -53,6 +53,14 @@ bool IsReadable(const Entry& entry) {
     return !IsBlank(entry.beforeQuote) || !(IsBlank(entry.value) || LooksStored(entry.value));
 }
 
+// Whether a text was probably meant to be between the quotes after which it stands, which are empty:
+// it begins with a word, and not as a note does.
+bool HasLostItsQuotes(const Entry& entry) {
+    const std::size_t start = entry.afterQuote.find_first_not_of(" \t");
+    return entry.value.empty() && start != std::string::npos &&
+           std::strchr(";#/,*-", entry.afterQuote[start]) == nullptr;
+}
+
 // Asks for each protected entry's new value, which may be none, and sets it. A text in front of the
 // value's quotes, which nothing changes, is a finding of the severity given.
 template <typename NewValue>
@@ -74,7 +82,8 @@ Findings ChangeProtected(StringsDocument& document, Severity beforeQuote,
             if (!IsBlank(entry.beforeQuote)) {
                 findings.push_back({beforeQuote, entry.line,
                                     entry.key + ": the value begins at the first quote; the text "
-                                                "before it stays readable"});
+                                                "before it stays readable (is the opening quote "
+                                                "missing?)"});
             }
             const std::optional<std::string> value = newValue(entry, findings);
             if (value && !document.SetValue(entry.line, *value)) {
@@ -183,6 +192,11 @@ Findings Protect(StringsDocument& document, const ProtectionKeys& keys, bool isF
             if (entry.value.find('\0') != std::string::npos) {
                 found.push_back(Error(entry.line, entry.key, "the text has a NUL byte in it"));
                 return std::nullopt;
+            }
+            if (HasLostItsQuotes(entry)) {
+                found.push_back({Severity::kWarning, entry.line,
+                                 entry.key + ": the value is empty; the text after its quotes "
+                                             "stays readable"});
             }
             return EncodeProtectedText(keys, entry.value);
         });

@@ -33,7 +33,7 @@ bool ReadsAs(const std::string& text, const std::string& ending, const std::stri
 }
 
 std::optional<StringsDocument::Entry> ReadEntry(std::size_t line, const std::string& text) {
-    StringsDocument::Entry entry = {line, "", "", ""};
+    StringsDocument::Entry entry = {line, "", "", "", ""};
     if (!KorString::GetLocalizedElement(text, &entry.key, &entry.value)) {
         return std::nullopt;
     }
@@ -41,6 +41,8 @@ std::optional<StringsDocument::Entry> ReadEntry(std::size_t line, const std::str
     const std::size_t quote = text.find('"', start);
     if (quote != std::string::npos) {
         entry.beforeQuote = text.substr(start, quote - start);
+        const std::size_t last = text.rfind('"');
+        entry.afterQuote = last == quote ? "" : text.substr(last + 1);
     }
     return entry;
 }

@@ -18,6 +18,7 @@ public:
         std::string key;
         std::string value;        // as the library reads it
         std::string beforeQuote;  // between the = and the value's first quote; no part of the value
+        std::string afterQuote;  // after the line's last quote, if it has two; no part of it either
     };
 
     // Why the library does not read a line as it was meant.

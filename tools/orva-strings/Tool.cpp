@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <iterator>
 #include <new>
@@ -11,6 +12,7 @@
 #include <set>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "tools/orva-strings/Commands.h"
@@ -181,6 +183,7 @@ private:
     CLI::Option* AddKeyFile(CLI::App& command);
 
     bool HasOneInput() const;
+    bool OverwritesAKey() const;
     FileSnapshot ReadInput() const;
     Key KeyOf(const std::string& keyFile) const;
     StringsDocument ReadDocument() const { return StringsDocument(ReadInput().bytes); }
@@ -237,6 +240,16 @@ bool Run::HasOneInput() const {
                                         &m_options.toKeyFile};
     return std::count_if(std::begin(names), std::end(names),
                          [](const std::string* name) { return *name == "-"; }) <= 1;
+}
+
+// Whether the result would replace a key that it is made with.
+bool Run::OverwritesAKey() const {
+    const std::string* const keys[] = {&m_options.keyFile, &m_options.fromKeyFile,
+                                       &m_options.toKeyFile};
+    return std::any_of(std::begin(keys), std::end(keys), [&](const std::string* key) {
+        std::error_code isMissing;
+        return std::filesystem::equivalent(m_options.outputFile, *key, isMissing);
+    });
 }
 
 FileSnapshot Run::ReadInput() const {
@@ -446,6 +459,11 @@ int Run::Execute(std::vector<std::string> arguments) {
     if (!HasOneInput()) {
         Say(Severity::kError,
             "only one of FILE and the key files can be -, which is standard input", m_err);
+        return kUsageOrSystem;
+    }
+    if (OverwritesAKey()) {
+        Say(Severity::kError, m_options.outputFile + ": this is the key file, and would be lost",
+            m_err);
         return kUsageOrSystem;
     }
     return m_command();
