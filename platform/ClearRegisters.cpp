@@ -43,7 +43,7 @@ unsigned EnabledVectors() noexcept {
 
 // Every register is named as changed: link-time optimisation may put this function into its caller, or
 // tell the caller what it changes, and then the caller keeps something in whatever is not named.
-void ClearRegisters() noexcept {
+void ClearVectorRegisters() noexcept {
 #ifdef __x86_64__
     __asm__ volatile(
         "pxor %%xmm0, %%xmm0\n\tpxor %%xmm1, %%xmm1\n\tpxor %%xmm2, %%xmm2\n\t"
@@ -75,6 +75,11 @@ void ClearRegisters() noexcept {
             :
             : ORVA_UPPER_VECTORS);
     }
+#endif
+}
+
+void ClearGeneralRegisters() noexcept {
+#ifdef __x86_64__
     __asm__ volatile(
         "xorl %%eax, %%eax\n\txorl %%ecx, %%ecx\n\txorl %%edx, %%edx\n\txorl %%esi, %%esi\n\t"
         "xorl %%edi, %%edi\n\txorl %%r8d, %%r8d\n\txorl %%r9d, %%r9d\n\txorl %%r10d, %%r10d\n\t"
