@@ -64,6 +64,23 @@ TEST_F(StringMapMemory, IsAskedForOnceToOrderTheEntriesAfterAChange) {
     EXPECT_THROW(m_map.begin(), std::bad_alloc) << "sorted anew after a change";
 }
 
+TEST_F(StringMapMemory, IsGivenBackWithTheEntries) {
+    const std::size_t before = LiveAllocations();
+    {
+        StringMap map;
+        for (int round = 0; round < 2; ++round) {
+            map.Insert("key", "value");
+            EXPECT_EQ(map.end() - map.begin(), 1);
+            EXPECT_GT(LiveAllocations(), before);
+            map.Clear();
+            EXPECT_EQ(LiveAllocations(), before) << "the order's, too";
+        }
+        map.Insert("key", "value");
+        EXPECT_EQ(map.end() - map.begin(), 1);
+    }
+    EXPECT_EQ(LiveAllocations(), before);
+}
+
 TEST_F(StringMapMemory, IsAskedForByTheSixtyFifthKeyOfOneHash) {
     const std::vector<std::string> keys = KeysOfOneHash(65);
     // Other entries first, away from theirs, so that the index has no need to grow meanwhile.
