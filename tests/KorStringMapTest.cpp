@@ -143,9 +143,12 @@ TEST_F(KorStringMapTest, HasTheBinaryInterfaceOfItsFirstVersion) {
     const void* const table = &m_table;
     const Functions& functions = **static_cast<const Functions* const*>(table);
     EXPECT_EQ(functions.count(table), 2U);
-    Texts found = {};
+    Texts found = {"key", 3, "value", 5};
     EXPECT_FALSE(functions.findTexts(table, "CCCC", 4, &found));
-    EXPECT_EQ(found.key, nullptr);
+    EXPECT_STREQ(found.key, "key") << "left alone";
+    EXPECT_EQ(found.keyLength, 3U);
+    EXPECT_STREQ(found.value, "value");
+    EXPECT_EQ(found.valueLength, 5U);
     EXPECT_TRUE(functions.findTexts(table, "BBBBx", 4, &found));
     EXPECT_EQ(std::string(found.key, found.keyLength), "BBBB");
     EXPECT_EQ(std::string(found.value, found.valueLength), "two");
