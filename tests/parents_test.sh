@@ -71,6 +71,9 @@ ours strict >"$work/commands"
 if grep -F -e -std=gnu++14 "$work/commands"; then
     fail "the project's -std=gnu++14 reaches the library's sources"
 fi
+if grep -F " $source/tools/" "$work/commands"; then
+    fail "the command is built, for which the project strict did not ask"
+fi
 build strict "2 entries"
 tells strict "$("$tool" key show --key-file "$source/cmake/development.key")"
 cmake --install "$work/strict" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "nothing is installed:"
