@@ -1,4 +1,5 @@
 // The tool's commands, run in this process; what they print is compared whole.
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
@@ -298,6 +299,7 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
         {"IDE_X \"x\"", "IDE_X"},
         {"//ide_x:\t\"x\" = y", "ide_x"},
         {"//IDE_X=\"" + stored.substr(1) + "\"", "IDE_X"},
+        {"//IDE_X=\"a text as long as a stored value, though nobody takes it for one.\"", "IDE_X"},
         // What is stored, empty or no entry.
         {"//IDE_X=\"" + stored + "\" ; menu", ""},
         {"//IDE_X=" + stored, ""},
@@ -315,6 +317,7 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
         {"identity=\"x\"", ""},
         {"idea=\"x\"", ""},
         {"// IDE texts are = protected", ""},
+        {"// IDE\ttexts=protected", ""},
         {"// see IDE_X=\"x\"", ""},
         {"MENU_IDE_X=\"x\"", ""},
         {"_IDE_X=\"x\"", ""},
@@ -338,6 +341,24 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
             EXPECT_EQ(m_err, "") << "reveal leaves texts readable";
         }
     }
+}
+
+TEST_F(OrvaStrings, WarnsWhateverMarkAReadableLineBeginsWith) {
+    std::string bytes = "QVLANG=en\n";
+    std::string warnings;
+    std::size_t line = 1;
+    for (int byte = 0; byte < 256; ++byte) {
+        const char c = static_cast<char>(byte);
+        if (c == '\n' || c == '\r' || c == '_' || (byte < 128 && std::isalnum(byte) != 0)) {
+            continue;  // ends a line, or belongs to a word
+        }
+        bytes += std::string{c} + " IDE_X=\"x\"\n";
+        warnings += "-:" + std::to_string(++line) +
+                    ": warning: IDE_X: this looks like a protected entry but is not one; its text "
+                    "stays readable\n";
+    }
+    EXPECT_EQ(Run({"protect", "-", "--key-file", DEVELOPMENT_KEY}, bytes), 0);
+    EXPECT_EQ(m_err, warnings);
 }
 
 TEST_F(OrvaStrings, WarnsOfNothingThatItEncrypts) {
@@ -654,6 +675,17 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
                          "-:5: error: IDE_C" + kAfterReturn);
     EXPECT_EQ(Run({"reveal", "-"}, "IDE_A=1\n"), 1);
     EXPECT_EQ(m_err, "-: error: there is no section in it\n-:1: error: IDE_A"s + kBeforeFirst);
+
+    // Of one line in the order in which they stand there, however many.
+    std::string bytes = "QVLANG=en\n//";
+    std::string errors;
+    for (int i = 0; i < 100; ++i) {
+        const std::string key = "IDE_" + std::to_string(i);
+        bytes += '\r' + key + "=1";
+        errors += "-:2: error: " + key + kAfterReturn;
+    }
+    EXPECT_EQ(Run({"reveal", "-"}, bytes), 1);
+    EXPECT_EQ(m_err, errors);
 
     const std::string shown = "QVLANG=en\nIDE_B=text\nIDE_A=text\n";
     const std::string plain = ": the value is not protected, so it has no answer\n";
