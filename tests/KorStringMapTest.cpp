@@ -53,12 +53,13 @@ TEST_F(KorStringMapTest, FindsExactlyAKey) {
 }
 
 TEST_F(KorStringMapTest, WalksInKeyOrder) {
-    ASSERT_EQ(Load("ab_b=2\nab_\x80=3\nAB_a=0\n"), 4);
+    ASSERT_EQ(Load("ab_b=2\nab_\x80=3\nAB_a=0\n\x01___=1\n\0\0\0\0=4\n"s), 6);
     std::vector<std::string> pairs;
     for (auto& entry : m_table) {
         pairs.push_back(std::string(entry.key) + '=' + std::string(entry.value));
     }
-    EXPECT_EQ(pairs, (std::vector<std::string>{"AB_a=0", "QVLANG=en", "ab_b=2", "ab_\x80=3"}));
+    EXPECT_EQ(pairs, (std::vector<std::string>{"\0\0\0\0=4"s, "\x01___=1", "AB_a=0", "QVLANG=en",
+                                               "ab_b=2", "ab_\x80=3"}));
 }
 
 TEST_F(KorStringMapTest, WalksFromTheFirstKeyThatIsNotLess) {
