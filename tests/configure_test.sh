@@ -136,5 +136,12 @@ shipped=$tree/examples/SampleHost.app/Contents/Resources/Sample.strings
 grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$shipped" || fail "the sample's text is not protected"
 "$tool" reveal --key-file "$work/key" "$shipped" | cmp - "$source/examples/SampleHost/Sample.strings" ||
     fail "the sample's text is protected with another key"
+# Another key in the same file, as a build is to notice without being configured anew by hand.
+"$tool" key new "$work/other"
+cat "$work/other" >"$work/key"
+touch -d '+2 seconds' "$work/key"
+makes SampleResources
+"$tool" reveal --key-file "$work/other" "$shipped" 2>"$work/log" | cmp - "$source/examples/SampleHost/Sample.strings" ||
+    fail "the sample's text is not protected with the key that the file holds now:"
 [ ! -e "$tree/tools/orva-strings/orva-strings" ] || fail "the build made a tool of its own for that"
 echo "every switch does what it says"

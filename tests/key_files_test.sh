@@ -107,5 +107,15 @@ ln -s "$work/target" "$file"
 expect $good "a link to a key file"
 echo "$count key files: the build and orva-strings agree"
 
+# Another key in the same file is the next build's.
+echo "$lower" >"$file"
+by_build >/dev/null
+echo "0${lower:1:62}0" >"$file"
+touch -d '+2 seconds' "$file"
+cmake --build "$work/tree" >"$work/log" 2>&1
+fingerprint=$("$tool" key show --key-file "$file" | sed -n 's/^fingerprint: //p')
+grep -qxF "#define ORVA_KEY_FINGERPRINT \"$fingerprint\"" "$work/tree/KeyFingerprints.h" ||
+    fail "the build does not notice that the key file changed:"
+
 [ "$("$tool" key show --library "$library")" = "$("$tool" key show)" ] ||
     fail "the library's file and the command built with it show different keys"
