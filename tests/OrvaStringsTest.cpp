@@ -1208,6 +1208,8 @@ TEST_F(OrvaStrings, WritesAnOutputFileAnewWhereNothingChanges) {
     EXPECT_EQ(Run({"protect", "-", "-o", file}, kReadable), 0);
     EXPECT_EQ(ReadFile(file), ProtectedFile(DevelopmentKey()));
     EXPECT_GT(std::filesystem::last_write_time(file), longAgo);
+    EXPECT_EQ(Run({"protect", file, "-o", Path("copy")}), 0) << "nor where the result is the input";
+    EXPECT_EQ(ReadFile(Path("copy")), ReadFile(file));
 }
 
 TEST_F(OrvaStrings, WritesToNothingButARegularFile) {
