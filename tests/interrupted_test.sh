@@ -101,13 +101,20 @@ stop_at_each_call "$work/other" 640 protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/old" 640 protect --in-place "$work/folder/file"
 
 # Everything is on the disk before the name leads to it, and the name before the tool is done.
-make_folder
-CALLS=$work/calls "$tool" protect --in-place "$work/folder/file" 2>/dev/null
-order=$(cut -d ' ' -f 2 "$work/calls" | paste -sd ' ')
-if [[ $order != *"write fchmod fsync close close lstat rename fsync close" ]]; then
-    echo "the calls came in this order: $order"
-    exit 1
-fi
+ends_with() { # CALLS COMMAND...
+    make_folder
+    rm -f "$work/calls"
+    CALLS=$work/calls "$tool" "${@:2}" 2>/dev/null
+    local order
+    order=$(cut -d ' ' -f 2 "$work/calls" | paste -sd ' ')
+    [[ $order = *"$1" ]] || { echo "$2 $3 made its calls in this order: $order"; exit 1; }
+}
+ends_with "write fchmod fsync close close lstat rename fsync close" protect --in-place "$work/folder/file"
+before=$work/other
+ends_with "write fchmod fsync close lstat rename fsync close" protect -o "$work/folder/file" "$work/old"
+before=''
+ends_with "write fsync close rename fsync close" protect -o "$work/folder/file" "$work/old"
+before=$work/old
 
 # What another program makes of the file until the last look at it stays, and nothing beside it.
 cat >"$work/look" <<'END'
