@@ -40,7 +40,7 @@ for standard in c++17 c++20 c++2b; do
     runs "$standard" "$CXX" "${flags[@]}" -std=$standard
 done
 runs "no position-independent code" "$CXX" "${flags[@]}" -std=c++17 -fno-pie -no-pie
-readelf --wide --relocs "$work/Host.app/Contents/Any/host" | grep -q 'R_.*_COPY .*gMapLocalizedStrings' ||
+grep -q 'R_.*_COPY .*gMapLocalizedStrings' <<<"$(readelf --wide --relocs "$work/Host.app/Contents/Any/host")" ||
     fail "This host was to take a copy of where the table is"
 copies_no_table
 runs "position-independent code" "$CXX" "${flags[@]}" -std=c++17 -fPIE -pie

@@ -40,11 +40,11 @@ for secret in "$key" $derived; do
         fi
     done
 done
-if strings -a "$library" | grep -qiE "${key:0:16}|${key: -16}"; then
+if grep -qiE "${key:0:16}|${key: -16}" <<<"$(strings -a "$library")"; then
     echo "the library holds digits of the key"
     exit 1
 fi
-if git -C "$source" status --porcelain 2>/dev/null | grep -q KeyShares; then
+if grep -q KeyShares <<<"$(git -C "$source" status --porcelain 2>/dev/null)"; then
     echo "the build wrote its shares into the source tree"
     exit 1
 fi
@@ -64,7 +64,7 @@ refused() { # SENTENCE FILE
         echo "accepted: $1"
         exit 1
     fi
-    tr -s ' \n' ' ' <"$work/configure-refused.log" | grep -qF -- "$1" || { cat "$work/configure-refused.log"; exit 1; }
+    grep -qF -- "$1" <<<"$(tr -s ' \n' ' ' <"$work/configure-refused.log")" || { cat "$work/configure-refused.log"; exit 1; }
     rm -rf "$work/tree-refused"
 }
 refused "there is no file $work/missing." "$work/missing"
