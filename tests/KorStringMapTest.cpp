@@ -41,7 +41,7 @@ TEST_F(KorStringMapTest, FindsExactlyAKey) {
     ASSERT_TRUE(open);
     EXPECT_EQ(open->key, "MENU_OPEN");
     EXPECT_EQ(open->value, "Open");
-    EXPECT_EQ(open->key.data()[9], '\0');
+    EXPECT_EQ(*(open->key.data() + 9), '\0');
     EXPECT_EQ(open->value.data(), KorGetLocalizedString("MENU_OPEN"));
     const auto nul = m_table.Find("NUL\0_KEY"s);
     ASSERT_TRUE(nul);
@@ -55,7 +55,7 @@ TEST_F(KorStringMapTest, FindsExactlyAKey) {
 TEST_F(KorStringMapTest, WalksInKeyOrder) {
     ASSERT_EQ(Load("ab_b=2\nab_\x80=3\nAB_a=0\n\x01___=1\n\0\0\0\0=4\n"s), 6);
     std::vector<std::string> pairs;
-    for (auto& entry : m_table) {
+    for (const auto& entry : m_table) {
         pairs.push_back(std::string(entry.key) + '=' + std::string(entry.value));
     }
     EXPECT_EQ(pairs, (std::vector<std::string>{"\0\0\0\0=4"s, "\x01___=1", "AB_a=0", "QVLANG=en",
