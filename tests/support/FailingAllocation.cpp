@@ -106,6 +106,14 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return Allocate(size);
 }
+// The standard library's own calls the first, but a sanitizer's would not.
+void* operator new(std::size_t size, const std::nothrow_t& /*isNothrow*/) noexcept {
+    try {
+        return Allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 void operator delete(void* block) noexcept {
     Free(block);
 }
