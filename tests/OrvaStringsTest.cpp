@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -1057,12 +1058,13 @@ TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
     const FileSnapshot before = ReadSnapshot(file);
     std::filesystem::remove(file);
     ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
-    std::fstream pipe(file);
-    pipe << "early\n" << std::flush;
+    const int pipe = open(file.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_EQ(write(pipe, "early", 5), 5);
     EXPECT_THROW(ReplaceFile(file, before, "new"), std::runtime_error);
-    std::string line;
-    std::getline(pipe, line);
-    EXPECT_EQ(line, "early");
+    char bytes[16] = {};
+    EXPECT_EQ(read(pipe, bytes, sizeof bytes), 5);
+    EXPECT_STREQ(bytes, "early");
+    close(pipe);
 }
 
 // The mode of a file, with its special bits.
