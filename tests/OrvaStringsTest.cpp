@@ -267,7 +267,7 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
     const std::string stored = Stored("x", DevelopmentKey());
     const struct {
         std::string line;
-        std::string key;  // that the warning names; empty: there is none
+        std::string key;  // that the warning names; empty: no warning
     } cases[] = {
         {" IDE_X=\"x\"", "IDE_X"},
         {"\tIDE_X=x", "IDE_X"},

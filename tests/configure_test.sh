@@ -93,7 +93,7 @@ refuses "ORVA_BUILD_EXAMPLES=ON: it needs ORVA_BUILD_TOOLS or ORVA_STRINGS_EXECU
 accepts -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_EXAMPLES=ON -DORVA_STRINGS_EXECUTABLE="$tool"
 refuses "ORVA_STRINGS_EXECUTABLE: there is no file $work/none." -DORVA_STRINGS_EXECUTABLE="$work/none"
 
-# A default is none the less one for having been configured before.
+# A default stays a default when the folder was configured before.
 accepts
 cmake -S "$source" -B "$tree" -DORVA_BUILD_TOOLS=OFF >"$work/log" 2>&1 || fail "refused in a tree with tools:"
 says "-- ORVA_BUILD_TESTS is off: it needs ORVA_BUILD_TOOLS."

@@ -50,7 +50,7 @@ public:
     ORVA_EXPORT static const KorStringMap& gMapLocalizedStrings;
 
     // Reads the next line, without its line feed and without a carriage return at its very end.
-    // Returns false if there is none, or reading failed, or memory ran out (the stream is then bad);
+    // Returns false if no line is left, or reading failed, or memory ran out (the stream is then bad);
     // line then holds nothing of use. A last line without a line feed is a line. Throws only what
     // the caller has asked the stream for, with exceptions().
     ORVA_EXPORT static bool GetLine(std::ifstream& stream, std::string& line);

@@ -31,7 +31,7 @@ Findings ListSections(const StringsDocument& document, std::ostream& out);
 // What to show.
 struct ShowRequest {
     std::string language;           // empty: the first section
-    bool hasFallback = false;       // the first section, too, if there is none of the language
+    bool hasFallback = false;       // the first section, too, if the language has none
     std::vector<std::string> keys;  // empty: every key of the section
     bool isRevealed = false;        // protected texts too
 };

@@ -133,8 +133,8 @@ CLI::Option* AddFlag(CLI::App& command, const std::string& name, bool& isSet,
     return command.add_flag(name, isSet, description)->disable_flag_override();
 }
 
-// What to say of the first option that its command does not have, or nothing if there is none.
-// Behind -- are no options.
+// What to say of the first option that its command does not have, or nothing if there is no such option.
+// What follows -- is not an option.
 std::string UnknownOption(const CLI::App& app, const std::vector<std::string>& arguments) {
     const auto end = std::find(arguments.begin(), arguments.end(), "--");
     for (std::string& word : app.remaining(true)) {
@@ -150,7 +150,7 @@ std::string UnknownOption(const CLI::App& app, const std::vector<std::string>& a
     return "";
 }
 
-// What to say of the first option that has a value and takes none, or nothing if there is none.
+// What to say of the first option that has a value and takes none, or nothing if there is no such option.
 std::string NeedlessValue(const std::vector<std::string>& arguments) {
     for (const std::string& word : arguments) {
         for (const char* const flag : {"--in-place", "--force", "--fallback", "--reveal"}) {
