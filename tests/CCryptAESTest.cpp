@@ -396,7 +396,7 @@ TEST(CCryptAESLock, IsTakenForTheParametersButNotForTheArguments) {
     std::unique_lock<std::mutex> lock(gCryptMutex);
 
     // On another thread, since this one holds the lock. These come back at once.
-    std::thread([] {
+    const auto instant = std::async(std::launch::async, [] {
         CCryptAES aes;
         Bytes data = CountingBytes(48);
         std::size_t n = 48;
@@ -405,7 +405,8 @@ TEST(CCryptAESLock, IsTakenForTheParametersButNotForTheArguments) {
         EXPECT_EQ(ErrorOf([&] { aes.Encrypt(data.data(), &n, 47); }), 12);
         EXPECT_EQ(ErrorOf([&] { aes.GetEncryptedSize(nullptr, 47); }), 401);
         EXPECT_EQ(ErrorOf([&] { aes.GetDecryptedSize(nullptr, 47); }), 401);
-    }).join();
+    });
+    EXPECT_EQ(instant.wait_for(std::chrono::seconds(60)), std::future_status::ready);
 
     // These wait, even to find a wrong parameter.
     std::future<std::int32_t> waiting = std::async(std::launch::async, [] {

@@ -1,7 +1,7 @@
 // Files made to break a load, and a system that reads them badly: the result, the table and the
 // memory are as the format and the header have them.
 #include <algorithm>
-#include <csignal>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -25,6 +25,7 @@
 
 #include "fuzz/NaiveStrings.h"
 #include "tests/support/FileFaults.h"
+#include "tests/support/PipeWriter.h"
 #include "tests/support/ReadFaults.h"
 #include "tools/orva-strings/TemporaryBundle.h"
 
@@ -631,11 +632,8 @@ TEST_F(HostileFiles, AFailedCloseChangesNothing) {
 TEST_F(HostileFiles, APipeLoadsAsAFileDoes) {
     // Longer than a pipe's buffer, so that it is read as it is written.
     const std::string file = LongFile(std::string(200, 't'));
-    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
-    std::signal(SIGPIPE, SIG_IGN);  // a load that ends too early is to fail, not to kill
-    std::thread writer([&] { std::ofstream(Path("pipe")) << file; });
+    const PipeWriter writer(Path("pipe"), [&] { std::ofstream(Path("pipe")) << file; });
     EXPECT_EQ(Load("de", "pipe"), 1001);
-    writer.join();
     EXPECT_TRUE(TableIs(naive::Table(file, "de")));
 }
 
@@ -652,19 +650,17 @@ bool IsOpen(const std::filesystem::path& path) {
 
 TEST_F(HostileFiles, APipeThatLacksTheSectionIsReadFromASecondWriterToo) {
     const std::filesystem::path pipe = std::filesystem::canonical(m_bundle.Resources()) / "pipe";
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::signal(SIGPIPE, SIG_IGN);
     // Longer than a pipe's buffer: once it is written, the load has the pipe open.
     const std::string first = LongFile(std::string(200, 't'));
-    std::thread writers([&] {
+    const PipeWriter writers(pipe, [&] {
         std::ofstream(pipe) << first;
-        while (IsOpen(pipe)) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+        while (IsOpen(pipe) && std::chrono::steady_clock::now() < end) {
             std::this_thread::yield();
         }
         std::ofstream(pipe) << "QVLANG=fr\nABCD=second\n";
     });
     EXPECT_EQ(Load("none", "pipe"), 2);
-    writers.join();
     EXPECT_TRUE(TableIs({{"QVLANG", "fr"}, {"ABCD", "second"}}));
 }
 

@@ -1,5 +1,4 @@
 #include <chrono>
-#include <csignal>
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
@@ -218,14 +217,14 @@ TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
     const TemporaryBundle bundle;
     const std::string path = bundle.Resources() / "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    std::signal(SIGPIPE, SIG_IGN);  // the load may be done before all is written
-    auto loaded =
-        std::async(std::launch::async, [&] { return KorLoadStrings("en", "pipe", bundle.Get()); });
+    std::future<int> loaded;
     {
         // Open to the end: a load that went on to it would wait. More than a stream's buffer, less
-        // than a pipe's.
-        std::ofstream pipe(path);
+        // than a pipe's. Open for both, so that a load which never opens it keeps nobody waiting.
+        std::fstream pipe(path, std::ios::in | std::ios::out);
         pipe << "QVLANG=en\nABCD=1\nQVLANG=fr\n" << std::string(50'000, '\n') << std::flush;
+        loaded = std::async(std::launch::async,
+                            [&] { return KorLoadStrings("en", "pipe", bundle.Get()); });
         EXPECT_EQ(loaded.wait_for(std::chrono::seconds(60)), std::future_status::ready);
     }
     EXPECT_EQ(loaded.get(), 2);

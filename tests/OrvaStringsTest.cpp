@@ -16,7 +16,6 @@
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <system_error>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -24,6 +23,7 @@
 #include <gtest/gtest.h>
 
 #include "api/PlaintextCache.h"
+#include "tests/support/PipeWriter.h"
 #include "tests/support/StoredForm.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Printable.h"
@@ -970,10 +970,8 @@ TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
 }
 
 TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
-    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
-    std::thread writer([&] { std::ofstream(Path("pipe")) << kReadable; });
+    const PipeWriter writer(Path("pipe"), [&] { std::ofstream(Path("pipe")) << kReadable; });
     EXPECT_EQ(Run({"protect", "--in-place", Path("pipe")}), 2);
-    writer.join();
     EXPECT_EQ(m_err, kDevelopmentKeyNote + NearEntriesOf(Path("pipe")) + "orva-strings: error: " +
                          Path("pipe") + ": not a regular file, which alone can be replaced\n");
     EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe")));
