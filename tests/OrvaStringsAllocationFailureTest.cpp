@@ -21,6 +21,8 @@
 
 namespace fs = std::filesystem;
 
+int OrvaStringsMain(int argc, char** argv);  // main, under another name
+
 namespace {
 
 // Longer than a string object holds inside itself, as most texts are.
@@ -244,6 +246,44 @@ TEST_F(OrvaStringsAllocationFailure, IsToldByShow) {
         {"show", "--language", "Deutsch", "--reveal", Path("shipped"), "IDE_REGISTRATION_TITLE"},
         [] {}, check);
     unsetenv("TMPDIR");
+}
+
+// Gives a stream another buffer for the time of a scope.
+class Redirected {
+public:
+    Redirected(std::ostream& stream, std::streambuf* buffer)
+        : m_stream(stream), m_old(stream.rdbuf(buffer)) {}
+    ~Redirected() { m_stream.rdbuf(m_old); }
+    Redirected(const Redirected&) = delete;
+    Redirected& operator=(const Redirected&) = delete;
+
+private:
+    std::ostream& m_stream;
+    std::streambuf* m_old;
+};
+
+TEST_F(OrvaStringsAllocationFailure, IsReportedByMainItself) {
+    std::string arguments[] = {"orva-strings", "sections", Path("missing")};
+    char* const argv[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
+    const std::string noMemory = "orva-strings: error: out of memory\n";
+    std::size_t points = 0;
+    for (bool hasFailed = true; hasFailed;) {
+        Buffer err;
+        int status = 0;
+        {
+            const Redirected redirected(std::cerr, &err);
+            const FailingAllocation failing(points + 1);
+            status = OrvaStringsMain(3, const_cast<char**>(argv));
+            hasFailed = FailingAllocation::HasFailed();
+        }
+        EXPECT_EQ(status, 2);
+        EXPECT_EQ(err.Text(), hasFailed ? noMemory
+                                        : "orva-strings: error: " + arguments[2] +
+                                              ": No such file or directory\n")
+            << "allocation " << points + 1;
+        points += hasFailed ? 1 : 0;
+    }
+    EXPECT_GT(points, 100U);
 }
 
 }  // namespace
