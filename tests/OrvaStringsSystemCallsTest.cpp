@@ -569,38 +569,74 @@ TEST_F(OrvaStringsSystemCalls, LetNobodyElseIntoTheTemporaryFolder) {
     EXPECT_EQ(seen, 25U);
 }
 
-// Where a right can't be kept, the mode loses what was meant for another group or limited by a list.
+// Without the owner the bits that act in its name go; without the group or the list the group and
+// others get no more than both had.
 TEST_F(OrvaStringsSystemCalls, NarrowTheModeWhereRightsCannotBeCopied) {
+    using Refused =
+        std::vector<std::pair<std::string, int>>;  // how the calls begin, and the errors
+    const Refused nothing;
+    const Refused owner = {{"fchown file.A1A2A3 owner", EPERM}};
+    const Refused group = {{"fchown file.A1A2A3 ", EPERM}};
+    const Refused list = {{"getxattr file ", ENODATA}, {"fremovexattr file.A1A2A3 ", EPERM}};
     const struct {
-        const char* refused;  // the beginnings of the calls, after each the error
-        int error;
-        const char* also;
-        int alsoError;
-        mode_t mode;
+        Refused refused;
+        mode_t before;
+        mode_t after;
     } cases[] = {
-        {"none", 0, "none", 0, 06754},
-        {"fchown file.A1A2A3 owner", EPERM, "none", 0, 0754},
-        {"fchown file.A1A2A3 owner", EPERM, "fchown file.A1A2A3 group", EPERM, 0744},
-        {"getxattr file", EIO, "none", 0, 0744},
-        {"getxattr file", ENODATA, "none", 0, 06754},
-        {"getxattr file", ENOTSUP, "none", 0, 06754},
-        {"getxattr file", ENODATA, "fremovexattr", EIO, 0744},
-        {"getxattr file", ENODATA, "fremovexattr", EPERM, 0744},
-        {"getxattr file", ENODATA, "fremovexattr", ENODATA, 06754},
-        {"getxattr file", ENODATA, "fremovexattr", ENOTSUP, 06754},
+        {nothing, 06754, 06754},
+        {owner, 06754, 0754},
+        {group, 06754, 0744},
+        {group, 0664, 0644},
+        {group, 0604, 0600},
+        {group, 0701, 0700},
+        {group, 0640, 0600},
+        {list, 06754, 0744},
+        {list, 0664, 0644},
+        {list, 0604, 0600},
+        {list, 0701, 0700},
+        {list, 0640, 0600},
+        {{{"getxattr file ", EIO}}, 0664, 0644},
+        {{{"getxattr file ", ENODATA}, {"fremovexattr ", EIO}}, 0664, 0644},
+        {{{"getxattr file ", ENOTSUP}, {"fremovexattr ", EIO}}, 0664, 0644},
+        {{{"getxattr file ", ENODATA}, {"fremovexattr ", ENODATA}}, 0664, 0664},
+        {{{"getxattr file ", ENOTSUP}, {"fremovexattr ", ENOTSUP}}, 0664, 0664},
     };
-    for (const auto& [refused, error, also, alsoError, mode] : cases) {
-        SCOPED_TRACE(std::string(refused) + ' ' + std::to_string(error) + ", " + also + ' ' +
-                     std::to_string(alsoError));
+    for (const auto& [refused, before, after] : cases) {
         MakeFiles(m_stored);
-        ASSERT_EQ(chmod("file", 06754), 0);
-        Run({"reveal", "--in-place", "file"}, [&, refused = refused, error = error, also = also,
-                                               alsoError = alsoError](const std::string& call) {
-            return Begins(call, refused) ? error : Begins(call, also) ? alsoError : 0;
+        ASSERT_EQ(chmod("file", before), 0);
+        Run({"reveal", "--in-place", "file"}, [&, &refused = refused](const std::string& call) {
+            const auto found = std::find_if(refused.begin(), refused.end(), [&](const auto& begin) {
+                return Begins(call, begin.first);
+            });
+            return found != refused.end() ? found->second : 0;
         });
         ExpectTold(kGoesOn);
         EXPECT_EQ(BytesOf("file"), kPlain);
-        EXPECT_EQ(ModeOf("file"), mode);
+        EXPECT_EQ(ModeOf("file"), after)
+            << (refused.empty() ? "" : refused.back().first) << " with " << std::oct << before;
+    }
+}
+
+// The group even without the owner. Only root can give files away, so others see their own here.
+TEST_F(OrvaStringsSystemCalls, KeepOwnerAndGroup) {
+    const uid_t owner = geteuid() == 0 ? 12345 : geteuid();
+    gid_t group = geteuid() == 0 ? 12346 : getegid();
+    if (geteuid() != 0) {
+        gid_t groups[100];
+        const int count = getgroups(100, groups);
+        group = count > 0 ? groups[count - 1] : group;
+    }
+    for (const bool isOwnerKept : {true, false}) {
+        MakeFiles(m_stored);
+        ASSERT_EQ(chown("file", owner, group), 0);
+        Run({"reveal", "--in-place", "file"}, [&](const std::string& call) {
+            return !isOwnerKept && call == "fchown file.A1A2A3 owner" ? EPERM : 0;
+        });
+        ExpectTold(kGoesOn);
+        struct stat status = {};
+        ASSERT_EQ(stat("file", &status), 0);
+        EXPECT_EQ(status.st_uid, isOwnerKept ? owner : geteuid());
+        EXPECT_EQ(status.st_gid, group);
     }
 }
 
