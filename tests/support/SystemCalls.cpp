@@ -259,6 +259,13 @@ ssize_t getxattr(const char* path, const char* name, void* value, size_t size) n
                                                                                       value, size);
 }
 
+int fsetxattr(int file, const char* name, const void* value, size_t size, int flags) noexcept {
+    return IsRefused("fsetxattr", file, name)
+               ? -1
+               : System<int(int, const char*, const void*, size_t, int)>("fsetxattr")(
+                     file, name, value, size, flags);
+}
+
 int fremovexattr(int file, const char* name) noexcept {
     return IsRefused("fremovexattr", file, name)
                ? -1
