@@ -104,7 +104,7 @@ protected:
                 m_calls.push_back(call);
                 return refuse ? refuse(call) : 0;
             },
-            random);
+            random, m_alter);
         m_status = RunTool(arguments, ReadStandardInput, out, err);
         m_out = out.str();
         m_err = err.str();
@@ -189,6 +189,7 @@ protected:
     TemporaryFolder m_folder;
     const mode_t m_mask = umask(022);
     std::string m_stored;
+    SystemCalls::Alter m_alter;
     int m_status = 0;
     std::string m_out;
     std::string m_err;
@@ -569,6 +570,42 @@ TEST_F(OrvaStringsSystemCalls, LetNobodyElseIntoTheTemporaryFolder) {
     });
     ExpectTold(kGoesOn);
     EXPECT_EQ(seen, 25U);
+}
+
+// Whichever of these differs when the file is looked at again, opened or under its name.
+TEST_F(OrvaStringsSystemCalls, ReplaceNothingButTheFileThatWasRead) {
+    const std::pair<const char*, void (*)(struct stat&)> changes[] = {
+        {"device", [](struct stat& status) { ++status.st_dev; }},
+        {"number", [](struct stat& status) { ++status.st_ino; }},
+        {"mode", [](struct stat& status) { status.st_mode ^= 0100U; }},
+        {"kind", [](struct stat& status) { status.st_mode ^= S_IFREG | S_IFIFO; }},
+        {"owner", [](struct stat& status) { ++status.st_uid; }},
+        {"group", [](struct stat& status) { ++status.st_gid; }},
+    };
+    const Texts inPlace = {"reveal", "--in-place", "file"};
+    const Texts output = {"reveal", "-o", "file", "stored"};
+    for (const auto& [arguments, call] :
+         {std::pair(inPlace, "fstat file"), std::pair(inPlace, "lstat file"),
+          std::pair(output, "lstat file")}) {
+        for (const auto& [what, change] : changes) {
+            SCOPED_TRACE(std::string("another ") + what + " by the second " + call + " of " +
+                         arguments[1]);
+            MakeFiles(m_stored);
+            const std::set<std::string> names = Names();
+            int count = 0;
+            m_alter = [&, &call = call, &change = change](const std::string& made,
+                                                          struct stat& status) {
+                if (made == call && ++count == 2) {
+                    change(status);
+                }
+            };
+            Run(arguments);
+            EXPECT_EQ(count, 2);
+            ExpectTold(kChanged);
+            EXPECT_EQ(BytesOf("file"), m_stored);
+            EXPECT_EQ(Names(), names);
+        }
+    }
 }
 
 // Without the owner the bits that act in its name go; without the group or the list the group and

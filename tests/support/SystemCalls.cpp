@@ -20,6 +20,7 @@ namespace {
 struct Recording {
     SystemCalls::Refuse refuse;
     std::vector<std::uint8_t> random;
+    SystemCalls::Alter alter;
     std::vector<std::string> made;
     std::map<int, std::string> open;
     std::string temporaryFolder;
@@ -65,6 +66,14 @@ bool IsRefused(const char* name, File file, const std::string& more = "") {
     const int error = Record(name + (' ' + Named(file)) + (more.empty() ? "" : ' ' + more));
     errno = error != 0 ? error : before;
     return error != 0;
+}
+
+// Lets the test alter the answer of the last call, whose result this is.
+int Altered(int result, struct stat* status) {
+    if (gRecording != nullptr && gRecording->alter && result == 0) {
+        gRecording->alter(gRecording->made.back(), *status);
+    }
+    return result;
 }
 
 int Opened(int file, const std::string& name) {
@@ -129,8 +138,9 @@ bool IsSame(const sigset_t& a, const sigset_t& b) {
 
 }  // namespace
 
-SystemCalls::SystemCalls(Refuse refuse, std::vector<std::uint8_t> random) {
-    auto* const recording = new Recording{std::move(refuse), std::move(random), {}, {}, {}, {}};
+SystemCalls::SystemCalls(Refuse refuse, std::vector<std::uint8_t> random, Alter alter) {
+    auto* const recording =
+        new Recording{std::move(refuse), std::move(random), std::move(alter), {}, {}, {}, {}};
     pthread_sigmask(SIG_SETMASK, nullptr, &recording->signalsBefore);
     gRecording = recording;
 }
@@ -227,7 +237,9 @@ int fsync(int file) {
 }
 
 int fstat(int file, struct stat* status) noexcept {
-    return IsRefused("fstat", file) ? -1 : System<int(int, struct stat*)>("fstat")(file, status);
+    return IsRefused("fstat", file)
+               ? -1
+               : Altered(System<int(int, struct stat*)>("fstat")(file, status), status);
 }
 
 int stat(const char* path, struct stat* status) noexcept {
@@ -236,8 +248,9 @@ int stat(const char* path, struct stat* status) noexcept {
 }
 
 int lstat(const char* path, struct stat* status) noexcept {
-    return IsRefused("lstat", path) ? -1
-                                    : System<int(const char*, struct stat*)>("lstat")(path, status);
+    return IsRefused("lstat", path)
+               ? -1
+               : Altered(System<int(const char*, struct stat*)>("lstat")(path, status), status);
 }
 
 int fchmod(int file, mode_t mode) noexcept {

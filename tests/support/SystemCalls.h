@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 // While it lives, records the calls by which this process makes, reads, replaces and removes files
@@ -17,8 +18,12 @@ public:
     // system, unrecorded.
     using Refuse = std::function<int(const std::string& call)>;
 
+    // May change what a call of fstat or lstat answers.
+    using Alter = std::function<void(const std::string& call, struct stat& status)>;
+
     // random: the bytes to hand out, one after the other; when they are used up, the source fails.
-    explicit SystemCalls(Refuse refuse = nullptr, std::vector<std::uint8_t> random = Counting());
+    explicit SystemCalls(Refuse refuse = nullptr, std::vector<std::uint8_t> random = Counting(),
+                         Alter alter = nullptr);
     ~SystemCalls();
     SystemCalls(const SystemCalls&) = delete;
     SystemCalls& operator=(const SystemCalls&) = delete;
