@@ -2,6 +2,7 @@
 // of them fails: with the calls and the random bytes of support/SystemCalls.h.
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
@@ -67,6 +68,10 @@ protected:
         ASSERT_EQ(chdir(m_folder.Path().c_str()), 0);
         ASSERT_EQ(mkdir("tmp", 0700), 0);
         setenv("TMPDIR", "tmp", 1);
+        sigset_t held;  // a signal that waits already, and has to go on waiting
+        sigemptyset(&held);
+        sigaddset(&held, SIGUSR1);
+        pthread_sigmask(SIG_BLOCK, &held, &m_signals);
         m_folder.Write("plain", kPlain);
         Run({"protect", "plain"});
         m_stored = m_out;
@@ -74,6 +79,7 @@ protected:
     }
     void TearDown() override {
         umask(m_mask);
+        pthread_sigmask(SIG_SETMASK, &m_signals, nullptr);
         unsetenv("TMPDIR");
         ASSERT_EQ(chdir("/"), 0);
     }
@@ -188,6 +194,7 @@ protected:
 
     TemporaryFolder m_folder;
     const mode_t m_mask = umask(022);
+    sigset_t m_signals = {};
     std::string m_stored;
     SystemCalls::Alter m_alter;
     int m_status = 0;
