@@ -1,12 +1,10 @@
 // Linked into the tool, puts itself in place of the calls by which a file is replaced or a bundle
 // made, and kills the process in the KILL_AT-th of them: before it, half way through a write, and
 // after making a folder. With INTERRUPT_AT a signal comes there that can be held off:
-// SIGNAL, a number. With FAIL_AT the call fails instead, for want of space. With ACT_AT the command
-// ACT is run first, as another program that is at work at the same time. With CALLS the numbers and
-// names of the calls go to that file; with SHORT_TRANSFERS a read or write is interrupted every other
-// time, and else takes 100 bytes at most. With REFUSE=owner a file's owner can't be set, with
-// REFUSE=group nor can its group, with REFUSE=list its access list can't. With SHARED_POSITION to
-// open /dev/fd/N is to duplicate N, as on macOS.
+// SIGNAL, a number. With ACT_AT the command ACT is run first, as another program that is at work at
+// the same time. With CALLS the numbers and names of the calls go to that file; with SHORT_TRANSFERS
+// a read or write is interrupted every other time, and else takes 100 bytes at most. With
+// SHARED_POSITION to open /dev/fd/N is to duplicate N, as on macOS.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -42,9 +40,8 @@ void Act() {
     }
 }
 
-// Whether the call of this name that is being made is to fail; does not return if the process is to
-// die.
-bool IsToFail(const char* name) {
+// Does what is to be done at the call of this name that is being made.
+void Note(const char* name) {
     ++gCall;
     if (const char* const path = std::getenv("CALLS")) {
         std::FILE* const calls = std::fopen(path, "a");
@@ -60,11 +57,6 @@ bool IsToFail(const char* name) {
     if (IsTurn("ACT_AT")) {
         Act();
     }
-    if (IsTurn("FAIL_AT")) {
-        errno = ENOSPC;
-        return true;
-    }
-    return false;
 }
 
 // Whether a read or write is; else shortens it.
@@ -75,11 +67,6 @@ bool IsInterrupted(size_t* length) {
     *length = *length < 100 ? *length : 100;
     errno = EINTR;
     return ++gTransfer % 2 == 0;
-}
-
-bool IsRefused(const char* what) {
-    const char* const refused = std::getenv("REFUSE");
-    return refused != nullptr && std::strcmp(refused, what) == 0;
 }
 
 template <typename Function>
@@ -117,7 +104,8 @@ ssize_t write(int file, const void* bytes, size_t length) {
     if (IsInterrupted(&length)) {
         return -1;
     }
-    return IsToFail("write") ? -1 : systems(file, bytes, length);
+    Note("write");
+    return systems(file, bytes, length);
 }
 
 ssize_t read(int file, void* bytes, size_t length) {
@@ -127,16 +115,18 @@ ssize_t read(int file, void* bytes, size_t length) {
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {
-    return IsToFail("mkdir") ? -1 : System<int(const char*, mode_t)>("mkdir")(path, mode);
+    Note("mkdir");
+    return System<int(const char*, mode_t)>("mkdir")(path, mode);
 }
 
 int unlink(const char* path) noexcept {
-    return IsToFail("unlink") ? -1 : System<int(const char*)>("unlink")(path);
+    Note("unlink");
+    return System<int(const char*)>("unlink")(path);
 }
 
 int symlink(const char* target, const char* path) noexcept {
-    return IsToFail("symlink") ? -1
-                               : System<int(const char*, const char*)>("symlink")(target, path);
+    Note("symlink");
+    return System<int(const char*, const char*)>("symlink")(target, path);
 }
 
 // Each standard library opens its files by one of the two names.
@@ -148,9 +138,7 @@ FILE* fopen64(const char* path, const char* mode) {
 }
 
 char* mkdtemp(char* name) noexcept {
-    if (IsToFail("mkdtemp")) {
-        return nullptr;
-    }
+    Note("mkdtemp");
     char* const made = System<char*(char*)>("mkdtemp")(name);
     ++gCall;
     if (IsTurn("KILL_AT")) {
@@ -163,39 +151,27 @@ char* mkdtemp(char* name) noexcept {
 }
 
 int lstat(const char* path, struct stat* status) noexcept {
-    return IsToFail("lstat") ? -1 : System<int(const char*, struct stat*)>("lstat")(path, status);
+    Note("lstat");
+    return System<int(const char*, struct stat*)>("lstat")(path, status);
 }
 
 int fsync(int file) {
-    return IsToFail("fsync") ? -1 : System<int(int)>("fsync")(file);
-}
-
-int fchown(int file, uid_t owner, gid_t group) noexcept {
-    const bool isOwnerKept = owner == static_cast<uid_t>(-1);
-    if (IsRefused("group") || (IsRefused("owner") && !isOwnerKept)) {
-        errno = EPERM;
-        return -1;
-    }
-    return System<int(int, uid_t, gid_t)>("fchown")(file, owner, group);
-}
-
-int fremovexattr(int file, const char* name) noexcept {
-    if (IsRefused("list")) {
-        errno = EPERM;
-        return -1;
-    }
-    return System<int(int, const char*)>("fremovexattr")(file, name);
+    Note("fsync");
+    return System<int(int)>("fsync")(file);
 }
 
 int fchmod(int file, mode_t mode) {
-    return IsToFail("fchmod") ? -1 : System<int(int, mode_t)>("fchmod")(file, mode);
+    Note("fchmod");
+    return System<int(int, mode_t)>("fchmod")(file, mode);
 }
 
 int rename(const char* from, const char* to) noexcept {
-    return IsToFail("rename") ? -1 : System<int(const char*, const char*)>("rename")(from, to);
+    Note("rename");
+    return System<int(const char*, const char*)>("rename")(from, to);
 }
 
 int close(int file) {
-    return IsToFail("close") ? -1 : System<int(int)>("close")(file);
+    Note("close");
+    return System<int(int)>("close")(file);
 }
 }
