@@ -33,6 +33,8 @@
 #include "tests/support/Secrets.h"
 #include "tests/support/StoredForm.h"
 #include "tools/orva-strings/Files.h"
+#include "tools/orva-strings/Key.h"
+#include "tools/orva-strings/ProtectedText.h"
 #include "tools/orva-strings/TemporaryFolder.h"
 #include "tools/orva-strings/Tool.h"
 
@@ -78,6 +80,9 @@ std::string File(const std::string& value) {
 // there until the process ends. It keeps each byte with some bits turned, as the search does.
 class MaskedBuffer : public std::streambuf {
 public:
+    // Calls atFirst before the first byte.
+    explicit MaskedBuffer(std::function<void()> atFirst) : m_atFirst(std::move(atFirst)) {}
+
     std::string Text() const {
         std::string text;
         for (std::size_t i = 0; i < m_size; ++i) {
@@ -88,12 +93,16 @@ public:
 
 protected:
     int_type overflow(int_type c) override {
+        if (m_size == 0) {
+            m_atFirst();
+        }
         m_bytes.at(m_size++) = static_cast<char>(traits_type::to_char_type(c) ^ kMask);
         return c;
     }
 
 private:
     static constexpr char kMask = 0x5A;
+    std::function<void()> m_atFirst;
     std::array<char, 4096> m_bytes;
     std::size_t m_size = 0;
 };
@@ -138,16 +147,12 @@ protected:
         const int file = open(input.c_str(), O_RDONLY | O_CLOEXEC);
         dup2(file, STDIN_FILENO);
         close(file);
-        int status = -1;
-        CallDeep([&] {
-            MaskedBuffer out;
-            MaskedBuffer err;
-            std::ostream outStream(&out);
-            std::ostream errStream(&err);
-            status = RunTool(arguments, ReadStandardInput, outStream, errStream);
-            m_out = out;
-            m_err = err;
-        });
+        MaskedBuffer out([this] { m_atOutput = m_search.Found(); });
+        MaskedBuffer err([] {});
+        std::ostream outStream(&out);
+        std::ostream errStream(&err);
+        const int status = RunTool(arguments, ReadStandardInput, outStream, errStream);
+        m_out = out;
         return status;
     }
 
@@ -175,8 +180,8 @@ protected:
 
     TemporaryFolder m_folder;
     MemorySearch m_search;
-    MaskedBuffer m_out;
-    MaskedBuffer m_err;
+    MaskedBuffer m_out{[] {}};
+    Hits m_atOutput;  // what was found when the last command wrote the first byte of its result
 };
 
 TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
@@ -221,6 +226,9 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         InAnotherProcess([&] {
             EXPECT_EQ(Run(c.arguments, c.input.empty() ? "/dev/null" : c.input), c.status);
             EXPECT_EQ(m_search.Found(), Hits());
+            if (c.arguments[0] != "show") {  // which needs the key as it goes on
+                EXPECT_EQ(m_atOutput, Hits());
+            }
             if (!c.result.empty()) {
                 EXPECT_EQ(m_out.Text(), BytesOf(c.result));
             }
@@ -275,6 +283,48 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyThatWasMade) {
     ofOutput.LookFor([this] { return SecretsOfKeyFile(FromHex(m_out.Text())); });
     EXPECT_EQ(ofOutput.Found(), Hits());
 }
+
+#ifdef __x86_64__
+// Round keys in registers: whatever saves registers would put them on the stack.
+std::uint8_t gRegisters[16][16];
+
+void SaveVectorRegisters() {
+    __asm__ volatile(
+        "movdqu %%xmm0, (%0)\n\tmovdqu %%xmm1, 16(%0)\n\tmovdqu %%xmm2, 32(%0)\n\t"
+        "movdqu %%xmm3, 48(%0)\n\tmovdqu %%xmm4, 64(%0)\n\tmovdqu %%xmm5, 80(%0)\n\t"
+        "movdqu %%xmm6, 96(%0)\n\tmovdqu %%xmm7, 112(%0)\n\tmovdqu %%xmm8, 128(%0)\n\t"
+        "movdqu %%xmm9, 144(%0)\n\tmovdqu %%xmm10, 160(%0)\n\tmovdqu %%xmm11, 176(%0)\n\t"
+        "movdqu %%xmm12, 192(%0)\n\tmovdqu %%xmm13, 208(%0)\n\tmovdqu %%xmm14, 224(%0)\n\t"
+        "movdqu %%xmm15, 240(%0)"
+        :
+        : "r"(gRegisters)
+        : "memory");
+}
+
+TEST_F(OrvaStringsMemory, HoldsNoKeyInRegisters) {
+    {
+        const Key key = Key::FromFile(Path("first.key"));
+        const ProtectionKeys keys = key.Derive();
+        SaveVectorRegisters();
+    }
+    EXPECT_EQ(m_search.Found(), Hits()) << "derived";
+    std::string stored;
+    {
+        const ProtectionKeys keys = Key::FromFile(Path("first.key")).Derive();
+        stored = EncodeProtectedText(keys, kText);
+        SaveVectorRegisters();
+    }
+    EXPECT_EQ(m_search.Found(), Hits()) << "used to encode";
+    for (const std::string& value : {stored, std::string(64, '0')}) {
+        {
+            const ProtectionKeys keys = Key::FromFile(Path("first.key")).Derive();
+            EXPECT_EQ(DecodeProtectedText(keys, value).has_value(), value == stored);
+            SaveVectorRegisters();
+        }
+        EXPECT_EQ(m_search.Found(), Hits()) << "used to decode " << value;
+    }
+}
+#endif
 
 // What the names of the temporary folder's files were, each with how many bytes there are in it, and
 // the bytes to which a link that is made there leads, at the time when it is made.

@@ -28,6 +28,10 @@ struct {
     char maps[1U << 20U];
     Mapping mappings[4096];
     std::bitset<1U << 16U> starts;  // the first two bytes of each part
+    struct {
+        const char* secret;
+        const char* place;
+    } hits[1000];
 } gSpace;
 
 // As much of a file as there is room for, as a text.
@@ -62,6 +66,14 @@ std::size_t ReadMappings() {
         }
     }
     return count;
+}
+
+// Calls a function with the stack half a MiB below, and overwrites nothing between.
+void CallDeep(const std::function<void()>& call) {
+    char room[1U << 19U];
+    __asm__ volatile("" : : "r"(room) : "memory");
+    call();
+    __asm__ volatile("" : : "r"(room) : "memory");
 }
 
 // Puts the masked next byte after the seven last ones.
@@ -113,14 +125,22 @@ void MemorySearch::LookFor(const std::function<Secrets()>& make) {
 }
 
 MemorySearch::Hits MemorySearch::Found() const {
+    std::size_t count = 0;
+    CallDeep([&] { count = Search(); });
+    Hits found;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto& hit = gSpace.hits[i];
+        const bool hasName = *hit.place != '\0';
+        ++found[std::string(hit.secret) + " in " + (hasName ? hit.place : "memory without a name")];
+    }
+    return found;
+}
+
+std::size_t MemorySearch::Search() const {
     gSpace.starts.reset();
     for (std::size_t i = 0; i < m_count; ++i) {
         gSpace.starts.set(m_parts[i].masked & 0xFFFFU);
     }
-    struct {
-        const char* secret;
-        const char* place;
-    } hits[1000];
     std::size_t count = 0;
     const std::size_t mappings = ReadMappings();
     for (std::size_t i = 0; i < mappings; ++i) {
@@ -131,34 +151,21 @@ MemorySearch::Hits MemorySearch::Found() const {
             if (!gSpace.starts[masked & 0xFFFFU]) {
                 continue;
             }
-            for (std::size_t part = 0; part < m_count && count < std::size(hits); ++part) {
+            for (std::size_t part = 0; part < m_count && count < std::size(gSpace.hits); ++part) {
                 if (m_parts[part].masked == masked) {
-                    hits[count++] = {m_parts[part].name, mapping.name};
+                    gSpace.hits[count++] = {m_parts[part].name, mapping.name};
                 }
             }
         }
     }
-    Hits found;
-    for (std::size_t i = 0; i < count; ++i) {
-        const bool hasName = *hits[i].place != '\0';
-        ++found[std::string(hits[i].secret) + " in " +
-                (hasName ? hits[i].place : "memory without a name")];
-    }
-    return found;
-}
-
-void CallDeep(const std::function<void()>& call) {
-    char room[1U << 19U];
-    __asm__ volatile("" : : "r"(room) : "memory");
-    call();
-    __asm__ volatile("" : : "r"(room) : "memory");
+    return count;
 }
 
 void CallInThread(const std::function<void()>& call, const std::function<void()>& look) {
     std::promise<void> called;
     std::promise<void> looked;
     std::thread thread([&] {
-        CallDeep(call);
+        CallDeep(call);  // so that the waiting does not overwrite what it leaves
         called.set_value();
         looked.get_future().wait();
     });

@@ -26,7 +26,8 @@
 //
 // What it looks for must not be there because of the search. So a process of its own makes the
 // secrets, this one gets them with some bits of each byte turned, and from then on until the end of
-// a search nothing is allocated, since that could overwrite what a freed block holds.
+// a search nothing is allocated, since that could overwrite what a freed block holds. The search has
+// its own part of the stack, far below what its caller's calls have left there.
 class MemorySearch {
 public:
     using Secrets = std::vector<std::pair<const char*, Bytes>>;
@@ -45,13 +46,12 @@ private:
         std::uint64_t masked;
     };
 
+    // The number of hits, which it keeps elsewhere.
+    std::size_t Search() const;
+
     std::array<Part, 1024> m_parts;
     std::size_t m_count = 0;
 };
-
-// Calls a function with so much of the stack below its caller's that a search does not overwrite what
-// it leaves there.
-void CallDeep(const std::function<void()>& call);
 
 // Calls a function in a thread of its own, and then look while the thread still has its stack, which
 // the system takes back when it ends.
