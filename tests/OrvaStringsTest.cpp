@@ -1053,6 +1053,58 @@ TEST_F(OrvaStrings, SaysThatAnotherProgramChangedTheFile) {
     }
 }
 
+// Where the result is as long as what it replaces, only its bytes tell them apart.
+TEST_F(OrvaStrings, WritesAResultOfTheSameLength) {
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    const std::string before = ProtectedFile(first);
+    const std::string after = ProtectedFile(second);
+    ASSERT_EQ(before.size(), after.size());
+    std::vector<std::string> arguments = {"rekey", "--from",       Path("first"),
+                                          "--to",  Path("second"), Write("x", before)};
+    arguments.insert(arguments.end(), {"-o", Write("out", before)});
+    EXPECT_EQ(Run(arguments), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("out")), after);
+    EXPECT_EQ(ReadFile(Path("x")), before);
+    arguments.back() = Path("x");
+    EXPECT_EQ(Run(arguments), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("x")), after) << "as its own output";
+    Write("x", before);
+    arguments.resize(arguments.size() - 2);
+    arguments.emplace_back("--in-place");
+    EXPECT_EQ(Run(arguments), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("x")), after);
+}
+
+TEST_F(OrvaStrings, ReplacesNothingThatChangedToBytesOfTheSameLength) {
+    const Bytes key = CountingBytes(32, 1);
+    std::string large = kReadable + "\nMENU=\""s + std::string(200'000, 'x') + '"';
+    for (const std::string& before : {std::string(kReadable), large}) {
+        for (const std::size_t place : {std::size_t{0}, before.size() / 2, before.size() - 1}) {
+            std::string changed = before;
+            ++changed[place];
+            const std::string file = Write("x", before);
+            const auto time = std::filesystem::last_write_time(file);
+            std::ostringstream out;
+            std::ostringstream err;
+            // The key is read after the file, so that is when the other program comes.
+            const auto readKey = [&] {
+                std::fstream(file, std::ios::in | std::ios::out | std::ios::binary) << changed;
+                std::filesystem::last_write_time(file, time);
+                return ToHex(key);
+            };
+            EXPECT_EQ(
+                RunTool({"protect", "--in-place", "--key-file", "-", file}, readKey, out, err), 2)
+                << place;
+            EXPECT_EQ(out.str(), "");
+            EXPECT_EQ(err.str(), NearEntriesOf(file) + "orva-strings: error: " + file +
+                                     ": another program has changed it meanwhile\n");
+            EXPECT_EQ(ReadFile(file) == changed, true) << place;
+            EXPECT_EQ(EntriesInFolder(), 1) << "nothing is left beside it";
+        }
+    }
+}
+
 TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
     const std::string file = Write("x", "early");
     const FileSnapshot before = ReadSnapshot(file);
