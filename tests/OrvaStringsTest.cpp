@@ -646,6 +646,136 @@ TEST_F(OrvaStrings, ListsSections) {
     EXPECT_EQ(m_err, "");
 }
 
+// Lines as a file of these line ends.
+std::string Joined(const std::vector<std::string>& lines, const std::string& end) {
+    std::string bytes;
+    for (const std::string& line : lines) {
+        bytes += line + end;
+    }
+    return bytes;
+}
+
+// Notes and blank lines in every place, and values for the protected entries.
+std::vector<std::string> Annotated(const std::string& one, const std::string& two,
+                                   const std::string& three) {
+    return {"// A note before everything",
+            "",
+            "# another",
+            "QVLANG=English",
+            "",
+            "// between",
+            "MENU_OPEN=\"Open\"",
+            "   ",
+            "IDE_A=\"" + one + "\"",
+            "",
+            "",
+            "IDE_B=" + two,
+            "// at the end of a section",
+            "\t",
+            "QVLANG=Deutsch",
+            "// a note that reads = as an entry",
+            "",
+            "IDE_A = \"" + three + "\" ; note",
+            "",
+            "// at the end",
+            ""};
+}
+
+TEST_F(OrvaStrings, LeavesNotesAndBlankLinesAlone) {
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    for (const std::string end : {"\n", "\r\n"}) {
+        const auto stored = [&](const Bytes& key) {
+            return Joined(Annotated(Stored("one", key), Stored("two", key), Stored("three", key)),
+                          end);
+        };
+        const std::string readable = Joined(Annotated("one", "two", "three"), end);
+        EXPECT_EQ(Run({"protect", "--key-file", Path("first"), "-"}, readable), 0);
+        EXPECT_EQ(m_out, stored(first));
+        EXPECT_EQ(m_err, "");
+        EXPECT_EQ(
+            Run({"rekey", "--from", Path("first"), "--to", Path("second"), "-"}, stored(first)), 0);
+        EXPECT_EQ(m_out, stored(second));
+        EXPECT_EQ(m_err, "");
+        EXPECT_EQ(Run({"reveal", "--key-file", Path("second"), "-"}, stored(second)), 0);
+        EXPECT_EQ(m_out, readable);
+        EXPECT_EQ(m_err, "");
+
+        EXPECT_EQ(Run({"sections", "-"}, readable), 0);
+        EXPECT_EQ(m_out,
+                  "  LINE  ENTRIES  PROTECTED  SECTION\n"
+                  "     4        4          2  English\n"
+                  "    15        3          1  Deutsch\n");
+        EXPECT_EQ(Run({"show", "--reveal", "-"}, stored(DevelopmentKey())), 0);
+        EXPECT_EQ(m_out, "IDE_A=\"one\"\nIDE_B=\"two\"\nMENU_OPEN=\"Open\"\nQVLANG=\"English\"\n");
+        EXPECT_EQ(Run({"show", "--reveal", "--language", "deutsch", "-"}, stored(DevelopmentKey())),
+                  0);
+        EXPECT_EQ(m_out,
+                  "// a note that reads =\" as an entry\"\nIDE_A =\"three\"\nQVLANG=\"Deutsch\"\n");
+        EXPECT_EQ(m_err, "");
+    }
+}
+
+TEST_F(OrvaStrings, CountsNotesAndBlankLinesInItsMessages) {
+    const Bytes key = WriteKey("key", 1);
+    const std::vector<std::string> lines = {"// note",
+                                            "",
+                                            "IDE_EARLY=\"x\"",
+                                            "",
+                                            "QVLANG=en",
+                                            "",
+                                            "// IDE_OLD=\"x\"",
+                                            "",
+                                            "IDE_A=text\"",
+                                            "\t",
+                                            "IDE_B=\"" + std::string(64, '0') + "\"",
+                                            "// note",
+                                            "",
+                                            "\xEF\xBB\xBFQVLANG=de",
+                                            "",
+                                            "ide_c=\"x\"",
+                                            "",
+                                            "IDE_D=\"\" secret",
+                                            "// note\rIDE_E=\"x\"",
+                                            ""};
+    const std::string near =
+        ": this looks like a protected entry but is not one; its text stays readable\n";
+    const std::string before =
+        "IDE_A: the value begins at the first quote; the text before it stays readable (is the "
+        "opening quote missing?)\n";
+    const std::string early = "-:3: error: IDE_EARLY"s + kBeforeFirst;
+    const std::string damaged =
+        "-:11: error: IDE_B: the value looks stored but does not decode: it was damaged or made "
+        "with another key\n";
+    const std::string mark = "-:14: error: QVLANG"s + kAfterMark;
+    const std::string ret = "-:19: error: IDE_E"s + kAfterReturn;
+    for (const std::string end : {"\n", "\r\n"}) {
+        const std::string bytes = Joined(lines, end);
+        EXPECT_EQ(Run({"protect", "--key-file", Path("key"), "-"}, bytes), 1);
+        EXPECT_EQ(m_err, early + "-:7: warning: IDE_OLD" + near + "-:9: error: " + before +
+                             damaged + mark + "-:16: warning: ide_c" + near +
+                             "-:18: warning: IDE_D: the value is empty; the text after its quotes "
+                             "stays readable\n" +
+                             ret);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(Run({"reveal", "--key-file", Path("key"), "-"}, bytes), 1);
+        EXPECT_EQ(m_err, early + "-:9: warning: " + before + damaged + mark + ret);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(Run({"rekey", "--from", Path("key"), "--to", DEVELOPMENT_KEY, "-"}, bytes), 1);
+        EXPECT_EQ(m_err, early + "-:9: error: " + before + damaged + mark + ret);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(Run({"show", "-"}, bytes), 1);
+        EXPECT_EQ(m_err,
+                  "-:9: error: IDE_A: the value is not protected, so it has no answer\n"
+                  "-:11: error: IDE_B: the value does not decode: it was damaged or made with "
+                  "another key\n"
+                  "-:18: error: IDE_D: the value is not protected, so it has no answer\n");
+        EXPECT_EQ(m_out,
+                  "// IDE_OLD=\"x\"\n// note\\x0DIDE_E=\"x\"\nQVLANG=\"en\"\nide_c=\"x\"\n"
+                  "\xEF\xBB\xBFQVLANG=\"de\"\n");
+    }
+}
+
 TEST_F(OrvaStrings, SaysEverywhereAlikeThatThereIsNoSection) {
     const std::vector<std::string> commands[] = {
         {"protect", "--key-file", DEVELOPMENT_KEY, "-"},
