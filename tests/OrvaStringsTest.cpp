@@ -1,4 +1,5 @@
 // The tool's commands, run in this process; what they print is compared whole.
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -1496,6 +1497,198 @@ TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
     }
     EXPECT_EQ(Run({"show", Path("\x1B[2J")}), 2);
     EXPECT_EQ(m_err.find('\x1B'), std::string::npos);
+}
+
+// One of each kind of control characters, and how a message shows them.
+const char kControls[] = "\x1B[2J\x07\r\n\x7F\xC2\x9B";
+const char kControlsShown[] = "\\x1B[2J\\x07\\x0D\\n\\x7F\\xC2\\x9B";
+
+TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
+    const std::string c = kControls;
+    const std::string shown = kControlsShown;
+    const std::string missing = Path("missing" + c);
+    const std::string missingShown = Path("missing" + shown);
+    const std::string noFile = missingShown + ": No such file or directory\n";
+    const std::string file = Write("x" + c, "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
+    const std::string fileShown = Path("x" + shown);
+    const std::string key = Write("key" + c, ToHex(CountingBytes(32)));
+    const std::string badKey = ": must hold 64 hexadecimal digits in one line, and has 81 bytes\n";
+    ASSERT_EQ(mkfifo(Path("pipe" + c).c_str(), 0600), 0);
+    const std::string error = "orva-strings: error: ";
+    const std::string help = " (see --help)\n";
+    const std::string good = Write("good", "QVLANG=en\n");
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string err;
+    } cases[] = {
+        // The names of files.
+        {{"sections", missing}, 2, error + noFile},
+        {{"protect", "--key-file", key, missing}, 2, error + noFile},
+        {{"show", missing}, 2, error + noFile},
+        {{"reveal", file},
+         1,
+         fileShown +
+             ":2: error: IDE_X: the value looks stored but does not decode: it was damaged or made "
+             "with another key\n"},
+        {{"show", file},
+         1,
+         fileShown +
+             ":2: error: IDE_X: the value does not decode: it was damaged or made with another "
+             "key\n"},
+        {{"protect", "--key-file", missing, good}, 2, error + noFile},
+        {{"protect", "--key-file", file, good}, 2, error + fileShown + badKey},
+        {{"rekey", "--from", missing, "--to", key, good}, 2, error + noFile},
+        {{"rekey", "--from", key, "--to", missing, good}, 2, error + noFile},
+        {{"key", "show", "--key-file", missing}, 2, error + noFile},
+        {{"key", "show", "--library", missing}, 2, error + noFile},
+        {{"key", "show", "--library", file},
+         1,
+         fileShown + ": error: it holds no key fingerprint, so it is not libOrvaLanguage\n"},
+        {{"key", "new", key}, 2, error + Path("key" + shown) + ": File exists\n"},
+        {{"key", "new", missing + "/new"},
+         2,
+         error + missingShown + "/new: No such file or directory\n"},
+        {{"reveal", "-o", missing + "/out", good},
+         2,
+         error + missingShown + "/out: No such file or directory\n"},
+        {{"reveal", "-o", Path("pipe" + c), good},
+         2,
+         error + Path("pipe" + shown) + ": not a regular file, which alone can be replaced\n"},
+        {{"reveal", "--key-file", key, "-o", key, good},
+         2,
+         error + Path("key" + shown) + ": this is the key file, and would be lost\n"},
+        // Other arguments.
+        {{"show", "--language", c, good}, 1, good + ": error: there is no section " + shown + "\n"},
+        {{"show", "--fallback", "--language", c, good},
+         0,
+         good + ": note: there is no section " + shown + ", so this is the first\n"},
+        {{"show", good, "KEY" + c},
+         1,
+         good + ": error: KEY" + shown + ": there is no such key in the section\n"},
+        {{c}, 2, error + "unknown command '" + shown + "'" + help},
+        {{"protekt" + c.substr(5, 1)},
+         2,
+         error + "unknown command 'protekt\\x0D'; did you mean 'protect'?" + help},
+        {{"key", c}, 2, error + "unknown command 'key " + shown + "'" + help},
+        {{"--" + c}, 2, error + "unknown option '--" + shown + "'" + help},
+        {{"sections", "--" + c + "=x", good}, 2, error + "unknown option '--" + shown + "'" + help},
+        {{"sections", "--x=" + c, good}, 2, error + "unknown option '--x'" + help},
+        {{"sections", "-x" + c, good}, 2, error + "unknown option '-x" + shown + "'" + help},
+        {{"protect", "--in-place=" + c, good}, 2, error + "--in-place takes no value" + help},
+        {{"show", "--reveal=" + c, good}, 2, error + "--reveal takes no value" + help},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(::testing::PrintToString(each.arguments));
+        EXPECT_EQ(Run(each.arguments), each.status);
+        EXPECT_EQ(m_err, each.err);
+    }
+}
+
+// The parser's own words; it marks some arguments with line feeds, so none of these is shown.
+TEST_F(OrvaStrings, SendsNoControlCharactersThatTheParserRepeats) {
+    const std::string c = "\x1B[2J\x07\r\x7F\xC2\x9B";
+    const std::string shown = "\\x1B[2J\\x07\\x0D\\x7F\\xC2\\x9B";
+    const struct {
+        std::vector<std::string> arguments;
+        std::string err;
+    } cases[] = {
+        {{"sections", "-", c}, "The following argument was not expected: " + shown},
+        {{"sections", "-", "--", "--" + c}, "The following argument was not expected: --" + shown},
+        {{"sections", "-", c + "\n"}, "The following argument was not expected: " + shown},
+        {{"sections", "-", c, c},
+         "The following arguments were not expected: " + shown + " " + shown},
+        {{"key", "show", c}, "The following argument was not expected: " + shown},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(::testing::PrintToString(each.arguments));
+        EXPECT_EQ(Run(each.arguments), 2);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(m_err, "orva-strings: error: " + each.err + " (see --help)\n");
+    }
+}
+
+TEST_F(OrvaStrings, SendsNoControlCharactersOfAFile) {
+    const std::string c = "\x1B[2J\x07\r|\x7F\xC2\x9B";
+    const std::string shown = "\\x1B[2J\\x07\\x0D|\\x7F\\xC2\\x9B";
+    const std::string bad = std::string(64, '0');
+    const std::string header = "QVLANG=" + c + "\n";
+    EXPECT_EQ(Run({"sections", "-"}, header), 0);
+    EXPECT_EQ(m_out,
+              "  LINE  ENTRIES  PROTECTED  SECTION\n     1        1          0  " + shown + "\n");
+    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(Run({"show", "--reveal", "-"}, header + "KEY_" + c + "=\"" + c + "\"\nIDE_" + c +
+                                                 "=\"" + Stored(c, DevelopmentKey()) + "\"\n"),
+              0);
+    EXPECT_EQ(m_out, "IDE_" + shown + "=\"" + shown + "\"\nKEY_" + shown + "=\"" + shown +
+                         "\"\nQVLANG=\"" + shown + "\"\n");
+    EXPECT_EQ(m_err, "");
+
+    const std::string decode =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
+    const struct {
+        std::string line;
+        std::string err;
+    } cases[] = {
+        {"IDE_" + c + "=" + bad, "-:2: error: IDE_" + shown + decode},
+        {"IDE_" + c + "=x\"\"",
+         "-:2: error: IDE_" + shown +
+             ": the value begins at the first quote; the text before it stays readable (is the "
+             "opening quote missing?)\n"},
+        {"IDE_" + c + "=\"\" x",
+         "-:2: warning: IDE_" + shown +
+             ": the value is empty; the text after its quotes stays readable\n"},
+        {"IDE_" + c + "=\"a\0b\""s,
+         "-:2: error: IDE_" + shown + ": the text has a NUL byte in it\n"},
+        {"//IDE_\x1B\x07\x7F\xC2\x9B=x",
+         "-:2: warning: IDE_\\x1B\\x07\\x7F\\xC2\\x9B: this looks like a protected entry but is "
+         "not "
+         "one; its text stays readable\n"},
+        {"//\rIDE_\x1B\x07\x7F\xC2\x9B=x",
+         "-:2: error: IDE_\\x1B\\x07\\x7F\\xC2\\x9B"s + kAfterReturn},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.line);
+        const bool isError = each.err.find("error") != std::string::npos;
+        EXPECT_EQ(Run({"protect", "--key-file", DEVELOPMENT_KEY, "-"}, header + each.line + "\n"),
+                  isError ? 1 : 0);
+        EXPECT_EQ(m_err, each.err);
+    }
+    EXPECT_EQ(Run({"show", "-"}, header + "IDE_" + c + "=x\nABCD\0\x1B=x\n"s), 1);
+    EXPECT_EQ(m_err,
+              "-:2: error: IDE_" + shown +
+                  ": the value is not protected, so it has no answer\n-:3: error: "
+                  "ABCD\\x00\\x1B: it has a NUL byte in it, so that no host can ask for it\n");
+}
+
+TEST_F(OrvaStrings, SendsNoControlCharactersOfTheSystem) {
+    const std::string c = kControls;
+    setenv("TMPDIR", Path(c).c_str(), 1);
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\n"), 2);
+    std::string expected = "orva-strings: error: " + Path(kControlsShown) + "/orva-";
+    const std::string random = m_err.substr(std::min(m_err.size(), expected.size()), 6);
+    expected += random + ": No such file or directory\n";
+    EXPECT_EQ(m_err, expected);
+
+    const std::string deep = Path(c + std::string(100, 'd')) + std::string(9, '/') +
+                             std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
+                             std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
+                             std::string(200, 'd');
+    std::filesystem::create_directories(deep);
+    setenv("TMPDIR", deep.c_str(), 1);
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\n"), 2);
+    EXPECT_EQ(m_err.find(Path(kControlsShown)), 21U) << m_err;
+    EXPECT_EQ(m_err.substr(m_err.rfind(": ")),
+              ": the library could not load the copy made there\n");
+    unsetenv("TMPDIR");
+
+    std::ostringstream out;
+    std::ostringstream err;
+    const auto refuse = [&]() -> std::string {
+        throw std::system_error(EIO, std::generic_category(), c);
+    };
+    EXPECT_EQ(RunTool({"sections", "-"}, refuse, out, err), 2);
+    EXPECT_EQ(err.str(), "orva-strings: error: "s + kControlsShown + ": Input/output error\n");
 }
 
 // What Printable wrote, read back as the manual page describes it.
