@@ -109,7 +109,7 @@ void MemorySearch::LookFor(const std::function<Secrets()>& make) {
     }
     close(ends[1]);
     const std::size_t before = m_count;
-    auto* const bytes = reinterpret_cast<std::uint8_t*>(&m_parts[0]);
+    auto* const bytes = reinterpret_cast<std::uint8_t*>(m_parts.data());
     std::size_t size = m_count * sizeof(Part);
     for (ssize_t count = 1; count > 0; size += static_cast<std::size_t>(count)) {
         count = read(ends[0], bytes + size, sizeof m_parts - size);
