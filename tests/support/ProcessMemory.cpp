@@ -69,7 +69,7 @@ std::size_t ReadMappings() {
 }
 
 // Calls a function with the stack half a MiB below, and overwrites nothing between.
-void CallDeep(const std::function<void()>& call) {
+[[gnu::noinline]] void CallDeep(const std::function<void()>& call) {
     char room[1U << 19U];
     __asm__ volatile("" : : "r"(room) : "memory");
     call();
