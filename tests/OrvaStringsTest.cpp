@@ -1,4 +1,5 @@
 // The tool's commands, run in this process; what they print is compared whole.
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -646,6 +647,136 @@ TEST_F(OrvaStrings, ListsSections) {
     EXPECT_EQ(m_err, "");
 }
 
+// Lines as a file of these line ends.
+std::string Joined(const std::vector<std::string>& lines, const std::string& end) {
+    std::string bytes;
+    for (const std::string& line : lines) {
+        bytes += line + end;
+    }
+    return bytes;
+}
+
+// Notes and blank lines in every place, and values for the protected entries.
+std::vector<std::string> Annotated(const std::string& one, const std::string& two,
+                                   const std::string& three) {
+    return {"// A note before everything",
+            "",
+            "# another",
+            "QVLANG=English",
+            "",
+            "// between",
+            "MENU_OPEN=\"Open\"",
+            "   ",
+            "IDE_A=\"" + one + "\"",
+            "",
+            "",
+            "IDE_B=" + two,
+            "// at the end of a section",
+            "\t",
+            "QVLANG=Deutsch",
+            "// a note that reads = as an entry",
+            "",
+            "IDE_A = \"" + three + "\" ; note",
+            "",
+            "// at the end",
+            ""};
+}
+
+TEST_F(OrvaStrings, LeavesNotesAndBlankLinesAlone) {
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    for (const std::string end : {"\n", "\r\n"}) {
+        const auto stored = [&](const Bytes& key) {
+            return Joined(Annotated(Stored("one", key), Stored("two", key), Stored("three", key)),
+                          end);
+        };
+        const std::string readable = Joined(Annotated("one", "two", "three"), end);
+        EXPECT_EQ(Run({"protect", "--key-file", Path("first"), "-"}, readable), 0);
+        EXPECT_EQ(m_out, stored(first));
+        EXPECT_EQ(m_err, "");
+        EXPECT_EQ(
+            Run({"rekey", "--from", Path("first"), "--to", Path("second"), "-"}, stored(first)), 0);
+        EXPECT_EQ(m_out, stored(second));
+        EXPECT_EQ(m_err, "");
+        EXPECT_EQ(Run({"reveal", "--key-file", Path("second"), "-"}, stored(second)), 0);
+        EXPECT_EQ(m_out, readable);
+        EXPECT_EQ(m_err, "");
+
+        EXPECT_EQ(Run({"sections", "-"}, readable), 0);
+        EXPECT_EQ(m_out,
+                  "  LINE  ENTRIES  PROTECTED  SECTION\n"
+                  "     4        4          2  English\n"
+                  "    15        3          1  Deutsch\n");
+        EXPECT_EQ(Run({"show", "--reveal", "-"}, stored(DevelopmentKey())), 0);
+        EXPECT_EQ(m_out, "IDE_A=\"one\"\nIDE_B=\"two\"\nMENU_OPEN=\"Open\"\nQVLANG=\"English\"\n");
+        EXPECT_EQ(Run({"show", "--reveal", "--language", "deutsch", "-"}, stored(DevelopmentKey())),
+                  0);
+        EXPECT_EQ(m_out,
+                  "// a note that reads =\" as an entry\"\nIDE_A =\"three\"\nQVLANG=\"Deutsch\"\n");
+        EXPECT_EQ(m_err, "");
+    }
+}
+
+TEST_F(OrvaStrings, CountsNotesAndBlankLinesInItsMessages) {
+    const Bytes key = WriteKey("key", 1);
+    const std::vector<std::string> lines = {"// note",
+                                            "",
+                                            "IDE_EARLY=\"x\"",
+                                            "",
+                                            "QVLANG=en",
+                                            "",
+                                            "// IDE_OLD=\"x\"",
+                                            "",
+                                            "IDE_A=text\"",
+                                            "\t",
+                                            "IDE_B=\"" + std::string(64, '0') + "\"",
+                                            "// note",
+                                            "",
+                                            "\xEF\xBB\xBFQVLANG=de",
+                                            "",
+                                            "ide_c=\"x\"",
+                                            "",
+                                            "IDE_D=\"\" secret",
+                                            "// note\rIDE_E=\"x\"",
+                                            ""};
+    const std::string near =
+        ": this looks like a protected entry but is not one; its text stays readable\n";
+    const std::string before =
+        "IDE_A: the value begins at the first quote; the text before it stays readable (is the "
+        "opening quote missing?)\n";
+    const std::string early = "-:3: error: IDE_EARLY"s + kBeforeFirst;
+    const std::string damaged =
+        "-:11: error: IDE_B: the value looks stored but does not decode: it was damaged or made "
+        "with another key\n";
+    const std::string mark = "-:14: error: QVLANG"s + kAfterMark;
+    const std::string ret = "-:19: error: IDE_E"s + kAfterReturn;
+    for (const std::string end : {"\n", "\r\n"}) {
+        const std::string bytes = Joined(lines, end);
+        EXPECT_EQ(Run({"protect", "--key-file", Path("key"), "-"}, bytes), 1);
+        EXPECT_EQ(m_err, early + "-:7: warning: IDE_OLD" + near + "-:9: error: " + before +
+                             damaged + mark + "-:16: warning: ide_c" + near +
+                             "-:18: warning: IDE_D: the value is empty; the text after its quotes "
+                             "stays readable\n" +
+                             ret);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(Run({"reveal", "--key-file", Path("key"), "-"}, bytes), 1);
+        EXPECT_EQ(m_err, early + "-:9: warning: " + before + damaged + mark + ret);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(Run({"rekey", "--from", Path("key"), "--to", DEVELOPMENT_KEY, "-"}, bytes), 1);
+        EXPECT_EQ(m_err, early + "-:9: error: " + before + damaged + mark + ret);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(Run({"show", "-"}, bytes), 1);
+        EXPECT_EQ(m_err,
+                  "-:9: error: IDE_A: the value is not protected, so it has no answer\n"
+                  "-:11: error: IDE_B: the value does not decode: it was damaged or made with "
+                  "another key\n"
+                  "-:18: error: IDE_D: the value is not protected, so it has no answer\n");
+        EXPECT_EQ(m_out,
+                  "// IDE_OLD=\"x\"\n// note\\x0DIDE_E=\"x\"\nQVLANG=\"en\"\nide_c=\"x\"\n"
+                  "\xEF\xBB\xBFQVLANG=\"de\"\n");
+    }
+}
+
 TEST_F(OrvaStrings, SaysEverywhereAlikeThatThereIsNoSection) {
     const std::vector<std::string> commands[] = {
         {"protect", "--key-file", DEVELOPMENT_KEY, "-"},
@@ -1051,6 +1182,58 @@ TEST_F(OrvaStrings, SaysThatAnotherProgramChangedTheFile) {
     }
 }
 
+// Where the result is as long as what it replaces, only its bytes tell them apart.
+TEST_F(OrvaStrings, WritesAResultOfTheSameLength) {
+    const Bytes first = WriteKey("first", 1);
+    const Bytes second = WriteKey("second", 2);
+    const std::string before = ProtectedFile(first);
+    const std::string after = ProtectedFile(second);
+    ASSERT_EQ(before.size(), after.size());
+    std::vector<std::string> arguments = {"rekey", "--from",       Path("first"),
+                                          "--to",  Path("second"), Write("x", before)};
+    arguments.insert(arguments.end(), {"-o", Write("out", before)});
+    EXPECT_EQ(Run(arguments), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("out")), after);
+    EXPECT_EQ(ReadFile(Path("x")), before);
+    arguments.back() = Path("x");
+    EXPECT_EQ(Run(arguments), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("x")), after) << "as its own output";
+    Write("x", before);
+    arguments.resize(arguments.size() - 2);
+    arguments.emplace_back("--in-place");
+    EXPECT_EQ(Run(arguments), 0) << m_err;
+    EXPECT_EQ(ReadFile(Path("x")), after);
+}
+
+TEST_F(OrvaStrings, ReplacesNothingThatChangedToBytesOfTheSameLength) {
+    const Bytes key = CountingBytes(32, 1);
+    std::string large = kReadable + "\nMENU=\""s + std::string(200'000, 'x') + '"';
+    for (const std::string& before : {std::string(kReadable), large}) {
+        for (const std::size_t place : {std::size_t{0}, before.size() / 2, before.size() - 1}) {
+            std::string changed = before;
+            ++changed[place];
+            const std::string file = Write("x", before);
+            const auto time = std::filesystem::last_write_time(file);
+            std::ostringstream out;
+            std::ostringstream err;
+            // The key is read after the file, so that is when the other program comes.
+            const auto readKey = [&] {
+                std::fstream(file, std::ios::in | std::ios::out | std::ios::binary) << changed;
+                std::filesystem::last_write_time(file, time);
+                return ToHex(key);
+            };
+            EXPECT_EQ(
+                RunTool({"protect", "--in-place", "--key-file", "-", file}, readKey, out, err), 2)
+                << place;
+            EXPECT_EQ(out.str(), "");
+            EXPECT_EQ(err.str(), NearEntriesOf(file) + "orva-strings: error: " + file +
+                                     ": another program has changed it meanwhile\n");
+            EXPECT_EQ(ReadFile(file) == changed, true) << place;
+            EXPECT_EQ(EntriesInFolder(), 1) << "nothing is left beside it";
+        }
+    }
+}
+
 TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
     const std::string file = Write("x", "early");
     const FileSnapshot before = ReadSnapshot(file);
@@ -1312,6 +1495,198 @@ TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
     }
     EXPECT_EQ(Run({"show", Path("\x1B[2J")}), 2);
     EXPECT_EQ(m_err.find('\x1B'), std::string::npos);
+}
+
+// One of each kind of control characters, and how a message shows them.
+const char kControls[] = "\x1B[2J\x07\r\n\x7F\xC2\x9B";
+const char kControlsShown[] = "\\x1B[2J\\x07\\x0D\\n\\x7F\\xC2\\x9B";
+
+TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
+    const std::string c = kControls;
+    const std::string shown = kControlsShown;
+    const std::string missing = Path("missing" + c);
+    const std::string missingShown = Path("missing" + shown);
+    const std::string noFile = missingShown + ": No such file or directory\n";
+    const std::string file = Write("x" + c, "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
+    const std::string fileShown = Path("x" + shown);
+    const std::string key = Write("key" + c, ToHex(CountingBytes(32)));
+    const std::string badKey = ": must hold 64 hexadecimal digits in one line, and has 81 bytes\n";
+    ASSERT_EQ(mkfifo(Path("pipe" + c).c_str(), 0600), 0);
+    const std::string error = "orva-strings: error: ";
+    const std::string help = " (see --help)\n";
+    const std::string good = Write("good", "QVLANG=en\n");
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string err;
+    } cases[] = {
+        // The names of files.
+        {{"sections", missing}, 2, error + noFile},
+        {{"protect", "--key-file", key, missing}, 2, error + noFile},
+        {{"show", missing}, 2, error + noFile},
+        {{"reveal", file},
+         1,
+         fileShown +
+             ":2: error: IDE_X: the value looks stored but does not decode: it was damaged or made "
+             "with another key\n"},
+        {{"show", file},
+         1,
+         fileShown +
+             ":2: error: IDE_X: the value does not decode: it was damaged or made with another "
+             "key\n"},
+        {{"protect", "--key-file", missing, good}, 2, error + noFile},
+        {{"protect", "--key-file", file, good}, 2, error + fileShown + badKey},
+        {{"rekey", "--from", missing, "--to", key, good}, 2, error + noFile},
+        {{"rekey", "--from", key, "--to", missing, good}, 2, error + noFile},
+        {{"key", "show", "--key-file", missing}, 2, error + noFile},
+        {{"key", "show", "--library", missing}, 2, error + noFile},
+        {{"key", "show", "--library", file},
+         1,
+         fileShown + ": error: it holds no key fingerprint, so it is not libOrvaLanguage\n"},
+        {{"key", "new", key}, 2, error + Path("key" + shown) + ": File exists\n"},
+        {{"key", "new", missing + "/new"},
+         2,
+         error + missingShown + "/new: No such file or directory\n"},
+        {{"reveal", "-o", missing + "/out", good},
+         2,
+         error + missingShown + "/out: No such file or directory\n"},
+        {{"reveal", "-o", Path("pipe" + c), good},
+         2,
+         error + Path("pipe" + shown) + ": not a regular file, which alone can be replaced\n"},
+        {{"reveal", "--key-file", key, "-o", key, good},
+         2,
+         error + Path("key" + shown) + ": this is the key file, and would be lost\n"},
+        // Other arguments.
+        {{"show", "--language", c, good}, 1, good + ": error: there is no section " + shown + "\n"},
+        {{"show", "--fallback", "--language", c, good},
+         0,
+         good + ": note: there is no section " + shown + ", so this is the first\n"},
+        {{"show", good, "KEY" + c},
+         1,
+         good + ": error: KEY" + shown + ": there is no such key in the section\n"},
+        {{c}, 2, error + "unknown command '" + shown + "'" + help},
+        {{"protekt" + c.substr(5, 1)},
+         2,
+         error + "unknown command 'protekt\\x0D'; did you mean 'protect'?" + help},
+        {{"key", c}, 2, error + "unknown command 'key " + shown + "'" + help},
+        {{"--" + c}, 2, error + "unknown option '--" + shown + "'" + help},
+        {{"sections", "--" + c + "=x", good}, 2, error + "unknown option '--" + shown + "'" + help},
+        {{"sections", "--x=" + c, good}, 2, error + "unknown option '--x'" + help},
+        {{"sections", "-x" + c, good}, 2, error + "unknown option '-x" + shown + "'" + help},
+        {{"protect", "--in-place=" + c, good}, 2, error + "--in-place takes no value" + help},
+        {{"show", "--reveal=" + c, good}, 2, error + "--reveal takes no value" + help},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(::testing::PrintToString(each.arguments));
+        EXPECT_EQ(Run(each.arguments), each.status);
+        EXPECT_EQ(m_err, each.err);
+    }
+}
+
+// The parser's own words; it marks some arguments with line feeds, so none of these is shown.
+TEST_F(OrvaStrings, SendsNoControlCharactersThatTheParserRepeats) {
+    const std::string c = "\x1B[2J\x07\r\x7F\xC2\x9B";
+    const std::string shown = "\\x1B[2J\\x07\\x0D\\x7F\\xC2\\x9B";
+    const struct {
+        std::vector<std::string> arguments;
+        std::string err;
+    } cases[] = {
+        {{"sections", "-", c}, "The following argument was not expected: " + shown},
+        {{"sections", "-", "--", "--" + c}, "The following argument was not expected: --" + shown},
+        {{"sections", "-", c + "\n"}, "The following argument was not expected: " + shown},
+        {{"sections", "-", c, c},
+         "The following arguments were not expected: " + shown + " " + shown},
+        {{"key", "show", c}, "The following argument was not expected: " + shown},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(::testing::PrintToString(each.arguments));
+        EXPECT_EQ(Run(each.arguments), 2);
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(m_err, "orva-strings: error: " + each.err + " (see --help)\n");
+    }
+}
+
+TEST_F(OrvaStrings, SendsNoControlCharactersOfAFile) {
+    const std::string c = "\x1B[2J\x07\r|\x7F\xC2\x9B";
+    const std::string shown = "\\x1B[2J\\x07\\x0D|\\x7F\\xC2\\x9B";
+    const std::string bad = std::string(64, '0');
+    const std::string header = "QVLANG=" + c + "\n";
+    EXPECT_EQ(Run({"sections", "-"}, header), 0);
+    EXPECT_EQ(m_out,
+              "  LINE  ENTRIES  PROTECTED  SECTION\n     1        1          0  " + shown + "\n");
+    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(Run({"show", "--reveal", "-"}, header + "KEY_" + c + "=\"" + c + "\"\nIDE_" + c +
+                                                 "=\"" + Stored(c, DevelopmentKey()) + "\"\n"),
+              0);
+    EXPECT_EQ(m_out, "IDE_" + shown + "=\"" + shown + "\"\nKEY_" + shown + "=\"" + shown +
+                         "\"\nQVLANG=\"" + shown + "\"\n");
+    EXPECT_EQ(m_err, "");
+
+    const std::string decode =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
+    const struct {
+        std::string line;
+        std::string err;
+    } cases[] = {
+        {"IDE_" + c + "=" + bad, "-:2: error: IDE_" + shown + decode},
+        {"IDE_" + c + "=x\"\"",
+         "-:2: error: IDE_" + shown +
+             ": the value begins at the first quote; the text before it stays readable (is the "
+             "opening quote missing?)\n"},
+        {"IDE_" + c + "=\"\" x",
+         "-:2: warning: IDE_" + shown +
+             ": the value is empty; the text after its quotes stays readable\n"},
+        {"IDE_" + c + "=\"a\0b\""s,
+         "-:2: error: IDE_" + shown + ": the text has a NUL byte in it\n"},
+        {"//IDE_\x1B\x07\x7F\xC2\x9B=x",
+         "-:2: warning: IDE_\\x1B\\x07\\x7F\\xC2\\x9B: this looks like a protected entry but is "
+         "not "
+         "one; its text stays readable\n"},
+        {"//\rIDE_\x1B\x07\x7F\xC2\x9B=x",
+         "-:2: error: IDE_\\x1B\\x07\\x7F\\xC2\\x9B"s + kAfterReturn},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.line);
+        const bool isError = each.err.find("error") != std::string::npos;
+        EXPECT_EQ(Run({"protect", "--key-file", DEVELOPMENT_KEY, "-"}, header + each.line + "\n"),
+                  isError ? 1 : 0);
+        EXPECT_EQ(m_err, each.err);
+    }
+    EXPECT_EQ(Run({"show", "-"}, header + "IDE_" + c + "=x\nABCD\0\x1B=x\n"s), 1);
+    EXPECT_EQ(m_err,
+              "-:2: error: IDE_" + shown +
+                  ": the value is not protected, so it has no answer\n-:3: error: "
+                  "ABCD\\x00\\x1B: it has a NUL byte in it, so that no host can ask for it\n");
+}
+
+TEST_F(OrvaStrings, SendsNoControlCharactersOfTheSystem) {
+    const std::string c = kControls;
+    setenv("TMPDIR", Path(c).c_str(), 1);
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\n"), 2);
+    std::string expected = "orva-strings: error: " + Path(kControlsShown) + "/orva-";
+    const std::string random = m_err.substr(std::min(m_err.size(), expected.size()), 6);
+    expected += random + ": No such file or directory\n";
+    EXPECT_EQ(m_err, expected);
+
+    const std::string deep = Path(c + std::string(100, 'd')) + std::string(9, '/') +
+                             std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
+                             std::string(200, 'd') + "/" + std::string(200, 'd') + "/" +
+                             std::string(200, 'd');
+    std::filesystem::create_directories(deep);
+    setenv("TMPDIR", deep.c_str(), 1);
+    EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\n"), 2);
+    EXPECT_EQ(m_err.find(Path(kControlsShown)), 21U) << m_err;
+    EXPECT_EQ(m_err.substr(m_err.rfind(": ")),
+              ": the library could not load the copy made there\n");
+    unsetenv("TMPDIR");
+
+    std::ostringstream out;
+    std::ostringstream err;
+    const auto refuse = [&]() -> std::string {
+        throw std::system_error(EIO, std::generic_category(), c);
+    };
+    EXPECT_EQ(RunTool({"sections", "-"}, refuse, out, err), 2);
+    EXPECT_EQ(err.str(), "orva-strings: error: "s + kControlsShown + ": Input/output error\n");
 }
 
 // What Printable wrote, read back as the manual page describes it.

@@ -5,6 +5,7 @@
 
 #include "platform/Sha256.h"
 #include "tests/support/Hex.h"
+#include "tests/support/StackAfter.h"
 
 namespace {
 
@@ -25,6 +26,20 @@ TEST(Sha256, GivesThePublishedDigests) {
         Sha256(c.bytes, digest);
         EXPECT_EQ(ToHex(Bytes(digest, digest + sizeof digest)), c.digest) << c.bytes.size();
     }
+}
+
+// The bytes may be a key's.
+TEST(Sha256, LeavesNothingOnTheStack) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+#endif
+    std::string bytes;
+    for (int i = 0; bytes.size() < 96; ++i) {  // a block and a half, as a key's
+        bytes += std::to_string(i * 7919);
+    }
+    std::uint8_t digest[kSha256Digest] = {};
+    const Bytes stack = StackAfter([&] { Sha256(bytes, digest); });
+    EXPECT_FALSE(Holds(stack, Bytes(bytes.begin(), bytes.end())));
 }
 
 }  // namespace

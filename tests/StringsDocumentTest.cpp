@@ -1,3 +1,5 @@
+#include <cstddef>
+#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -45,6 +47,125 @@ TEST(StringsDocument, KnowsItsSectionsAndTheirEntries) {
     EXPECT_EQ(sections[2].line, 8U);
     EXPECT_EQ(sections[2].name, "fr");
     EXPECT_TRUE(sections[2].entries.empty());
+}
+
+TEST(StringsDocument, KnowsThePartsOfAnEntry) {
+    const struct {
+        std::string line;
+        std::string key;
+        std::string value;
+        std::string beforeQuote;
+        std::string afterQuote;
+    } cases[] = {
+        {"ABCD=\"x\"", "ABCD", "x", "", ""},
+        {"ABCD = \"x\" ; note", "ABCD ", "x", " ", " ; note"},
+        {"ABCD=a\"x\"b\"y\"c", "ABCD", "x\"b\"y", "a", "c"},
+        {"ABCD=\"\"", "ABCD", "", "", ""},
+        {"ABCD=\"\" text", "ABCD", "", "", " text"},
+        {"ABCD=\"a\\nb\"", "ABCD", "a\nb", "", ""},
+        {"ABCD=\"a\rb\"\rc", "ABCD", "a\rb", "", "\rc"},
+        {"ABCD=\"a\0b\"c"s, "ABCD", "a\0b"s, "", "c"},
+        {"ABCD==\"x\"", "ABCD", "x", "=", ""},
+        {"ABCD=a=b \"x=y\"=", "ABCD", "x=y", "a=b ", "="},
+        // One quote is the first, and has nothing after it that is not the value.
+        {"ABCD=\"x", "ABCD", "x", "", ""},
+        {"ABCD=a\"x ; note", "ABCD", "x ; note", "a", ""},
+        {"ABCD=a\"", "ABCD", "", "a", ""},
+        // Without any all is value.
+        {"ABCD=x ; note", "ABCD", "x ; note", "", ""},
+        {"ABCD=a\\nb", "ABCD", "a\\nb", "", ""},
+        {"ABCD=", "ABCD", "", "", ""},
+        // Those of the key do not count.
+        {"AB\"CD=x", "AB\"CD", "x", "", ""},
+        {"AB\"CD=x\"y", "AB\"CD", "y", "x", ""},
+        {"\"ABCD\" = \"x\";", "\"ABCD\" ", "x", " ", ";"},
+        {"  // note=\"x\" ", "  // note", "x", "", " "},
+    };
+    for (const auto& c : cases) {
+        for (const std::string end : {"", "\n", "\r\n"}) {
+            SCOPED_TRACE(PrintToString(c.line + end));
+            const auto sections =
+                StringsDocument("\n\nQVLANG=en\n// note\n" + c.line + end).Sections();
+            ASSERT_EQ(sections.size(), 1U);
+            EXPECT_EQ(sections[0].line, 2U);
+            EXPECT_EQ(sections[0].name, "en");
+            ASSERT_EQ(sections[0].entries.size(), 1U);
+            const StringsDocument::Entry& entry = sections[0].entries[0];
+            EXPECT_EQ(entry.line, 4U);
+            EXPECT_EQ(entry.key, c.key);
+            EXPECT_EQ(entry.value, c.value);
+            EXPECT_EQ(entry.beforeQuote, c.beforeQuote);
+            EXPECT_EQ(entry.afterQuote, c.afterQuote);
+        }
+    }
+}
+
+TEST(StringsDocument, KnowsTheWholeNameOfASection) {
+    const std::string longName(1000, 'n');
+    for (const std::string& name : {""s, "en"s, " en "s, "\"en\" ; note"s, "a=b"s, "a\\nb"s,
+                                    "a\rb"s, "a\0b"s, "QVLANG=en"s, "\xC3\xA4"s, longName}) {
+        const auto sections = StringsDocument("QVLANG=" + name + "\r\nABCD=1\nQVLANG=x").Sections();
+        ASSERT_EQ(sections.size(), 2U);
+        EXPECT_EQ(sections[0].name, name);
+        EXPECT_EQ(sections[0].entries.size(), 1U) << name;
+        EXPECT_EQ(sections[1].line, 2U);
+    }
+}
+
+TEST(StringsDocument, KnowsThePartsOfALineNearAProtectedEntry) {
+    const StringsDocument document(
+        "// note\n"
+        "// IDE_A = a \"x\\ny\" b\n"
+        "IDE_B=\"x\"\n"
+        "ide_c: \"y\" ; note\r\n"
+        "\n"
+        "note\r\t\"IDE_D\"=\"\" z");
+    const auto near = document.NearProtected();
+    ASSERT_EQ(near.size(), 3U);
+    EXPECT_EQ(near[0].line, 1U);
+    EXPECT_EQ(near[0].key, "IDE_A");
+    EXPECT_EQ(near[0].value, "x\ny");
+    EXPECT_EQ(near[0].beforeQuote, " a ");
+    EXPECT_EQ(near[0].afterQuote, " b");
+    EXPECT_EQ(near[1].line, 3U);
+    EXPECT_EQ(near[1].key, "ide_c");
+    EXPECT_EQ(near[1].value, "y");
+    EXPECT_EQ(near[1].beforeQuote, "");
+    EXPECT_EQ(near[1].afterQuote, " ; note");
+    EXPECT_EQ(near[2].line, 5U);
+    EXPECT_EQ(near[2].key, "IDE_D\"");
+    EXPECT_EQ(near[2].value, "");
+    EXPECT_EQ(near[2].beforeQuote, "");
+    EXPECT_EQ(near[2].afterQuote, " z");
+}
+
+TEST(StringsDocument, KnowsWhatIsNotReadAndWhy) {
+    using Obstacle = StringsDocument::Obstacle;
+    const StringsDocument document(
+        "\n"
+        "IDE_A=1\n"
+        "// note\rIDE_B=2\rQVLANG=de\n"
+        "QVLANG=en\r\n"
+        "IDE_C=3\n"
+        "\xEF\xBB\xBFIDE_D=4\n"
+        "\n"
+        "x\r\xEF\xBB\xBFQVLANG=fr\r\n");
+    const struct {
+        std::size_t line;
+        const char* key;
+        Obstacle obstacle;
+    } expected[] = {
+        {1, "IDE_A", Obstacle::kNoSectionYet},    {2, "IDE_B", Obstacle::kCarriageReturn},
+        {2, "QVLANG", Obstacle::kCarriageReturn}, {5, "IDE_D", Obstacle::kByteOrderMark},
+        {7, "QVLANG", Obstacle::kByteOrderMark},
+    };
+    const auto misplaced = document.MisplacedLines();
+    ASSERT_EQ(misplaced.size(), std::size(expected));
+    for (std::size_t i = 0; i < misplaced.size(); ++i) {
+        EXPECT_EQ(misplaced[i].line, expected[i].line) << i;
+        EXPECT_EQ(misplaced[i].key, expected[i].key) << i;
+        EXPECT_EQ(misplaced[i].obstacle, expected[i].obstacle) << i;
+    }
 }
 
 TEST(StringsDocument, WritesAValueWhereTheOldOneStood) {

@@ -26,6 +26,7 @@ std::vector<std::pair<const char*, Bytes>> SecretsOf(const Bytes& material,
         {"the key material", material},
         {"the derived keys", derived},
         {"the material's round keys", RoundKeys(nettle_aes256_set_encrypt_key, material.data())},
+        {"the encryption's round keys", RoundKeys(nettle_aes256_set_encrypt_key, encryptionKey)},
         {"the decryption's round keys", RoundKeys(nettle_aes256_set_decrypt_key, encryptionKey)},
         {"the tag's round keys", RoundKeys(nettle_aes256_set_encrypt_key, tagKey)},
         {"the text", Bytes(text.begin(), text.end())}};

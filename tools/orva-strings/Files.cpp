@@ -12,6 +12,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "platform/ClearedArray.h"
 #include "tools/orva-strings/AccessList.h"
 #include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/SignalsHeld.h"
@@ -135,15 +136,19 @@ int OpenFolderOf(const std::string& path) {
     return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
+constexpr std::size_t kPiece = 65536;
+
 void ReadInPieces(const File& file, const std::function<void(std::string_view)>& take) {
-    char buffer[65536];
-    while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
-        take({buffer, count});
+    const ClearedArray buffer(kPiece);  // the file may hold a key
+    auto* const bytes = reinterpret_cast<char*>(buffer.Get());
+    while (const std::size_t count = file.Read(bytes, buffer.Size())) {
+        take({bytes, count});
     }
 }
 
 std::string ReadAll(const File& file) {
     std::string bytes;
+    bytes.reserve(kPiece);  // a key that comes in parts must not move, and leave a copy
     ReadInPieces(file, [&](std::string_view piece) { bytes += piece; });
     return bytes;
 }

@@ -5,14 +5,17 @@
 #include <cstdint>
 #include <string>
 
-// Bytes as upper-case hexadecimal digits.
-inline std::string ToHexDigits(const std::uint8_t* bytes, std::size_t length) {
-    std::string digits;
-    digits.reserve(2 * length);
+// Writes bytes as upper-case hexadecimal digits, two for each.
+inline void WriteHexDigits(const std::uint8_t* bytes, std::size_t length, char* digits) {
     for (std::size_t i = 0; i < length; ++i) {
-        digits += "0123456789ABCDEF"[bytes[i] >> 4U];
-        digits += "0123456789ABCDEF"[bytes[i] & 0xFU];
+        *digits++ = "0123456789ABCDEF"[bytes[i] >> 4U];
+        *digits++ = "0123456789ABCDEF"[bytes[i] & 0xFU];
     }
+}
+
+inline std::string ToHexDigits(const std::uint8_t* bytes, std::size_t length) {
+    std::string digits(2 * length, '\0');
+    WriteHexDigits(bytes, length, digits.data());
     return digits;
 }
 

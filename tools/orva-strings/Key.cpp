@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <iterator>
 #include <stdexcept>
+#include <string_view>
 #include <sys/random.h>
 #include <system_error>
 #include <unistd.h>
@@ -11,6 +12,8 @@
 #include "KeyFingerprints.h"
 #include "api/KeyMaterial.h"
 #include "platform/ClearMemory.h"
+#include "platform/ClearRegisters.h"
+#include "platform/ClearedArray.h"
 #include "platform/Sha256.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Hex.h"
@@ -83,17 +86,25 @@ Key::~Key() {
     ClearMemory(m_bytes, sizeof m_bytes);
 }
 
-std::string Key::FileText() const {
-    return ToHexDigits(m_bytes, sizeof m_bytes) + '\n';
+ProtectionKeys Key::Derive() const {
+    const struct AtEnd {
+        ~AtEnd() { ClearRegisters(); }  // of round keys
+    } atEnd;
+    return ProtectionKeys(m_bytes);
+}
+
+void Key::WriteFileText(char* text) const {
+    WriteHexDigits(m_bytes, sizeof m_bytes, text);
+    text[kDigits] = '\n';
 }
 
 std::string Key::Fingerprint() const {
-    std::string digits = ToHexDigits(m_bytes, sizeof m_bytes);
-    std::string text = "libOrvaLanguage key fingerprint " + digits;
+    constexpr std::string_view kLabel = "libOrvaLanguage key fingerprint ";
+    const ClearedArray text(kLabel.size() + kDigits);
+    auto* const chars = reinterpret_cast<char*>(text.Get());
+    WriteHexDigits(m_bytes, sizeof m_bytes, std::copy(kLabel.begin(), kLabel.end(), chars));
     std::uint8_t digest[kSha256Digest];
-    Sha256(text, digest);
-    ClearMemory(digits.data(), digits.size());
-    ClearMemory(text.data(), text.size());
+    Sha256({chars, text.Size()}, digest);
     return ToHexDigits(digest, kFingerprint / 2);
 }
 

@@ -29,10 +29,14 @@ public:
     Key& operator=(const Key&) = default;
     ~Key();
 
-    ProtectionKeys Derive() const { return ProtectionKeys(m_bytes); }
+    ProtectionKeys Derive() const;
 
-    // As it stands in a key file, the line end included.
-    std::string FileText() const;
+    // The length of a key file's text, in bytes.
+    static constexpr std::size_t kFileText = 2 * kProtectedKey + 1;
+
+    // Writes the key as it stands in a key file, the line end included: kFileText bytes, which are the
+    // caller's to clear.
+    void WriteFileText(char* text) const;
 
     // The length of a fingerprint, in digits.
     static constexpr std::size_t kFingerprint = 16;

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "crypt/CCryptAES.h"
+#include "platform/ClearRegisters.h"
 #include "platform/ClearedArray.h"
 #include "tools/orva-strings/Hex.h"
 
@@ -20,6 +21,7 @@ std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& t
     std::copy(std::begin(tag), std::end(tag), data.Get());
 
     EncryptBlocks(keys.EncryptionKey(), keys.IV(), CRYPT_MODE_CBC, data.Get(), data.Size());
+    ClearRegisters();  // of round keys
     // Byte after byte is the same as the big-endian groups.
     return ToHexDigits(data.Get(), data.Size());
 }
@@ -28,8 +30,10 @@ std::optional<std::string> DecodeProtectedText(const ProtectionKeys& keys,
                                                const std::string& stored) {
     const ClearedArray data(stored.size() / 2);
     std::size_t length = 0;
-    if (!ReadStoredDigits(stored.data(), stored.size(), data.Get()) ||
-        !DecryptStored(keys, data.Get(), data.Size(), &length)) {
+    const bool isDecoded = ReadStoredDigits(stored.data(), stored.size(), data.Get()) &&
+                           DecryptStored(keys, data.Get(), data.Size(), &length);
+    ClearRegisters();  // of round keys
+    if (!isDecoded) {
         return std::nullopt;
     }
     return std::string(reinterpret_cast<const char*>(data.Get()) + kProtectedBlock, length);

@@ -15,6 +15,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/ClearedArray.h"
 #include "tools/orva-strings/Commands.h"
 #include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Finding.h"
@@ -298,7 +299,10 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
 }
 
 int Run::NewKey() const {
-    const std::string text = Key::Random().FileText();
+    const ClearedArray array(Key::kFileText);
+    auto* const chars = reinterpret_cast<char*>(array.Get());
+    Key::Random().WriteFileText(chars);
+    const std::string_view text(chars, array.Size());
     if (m_options.keyFile == "-") {
         m_out << text;
     } else {
