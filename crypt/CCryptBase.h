@@ -23,9 +23,9 @@ public:
     //
     // Throws CCryptLibException. Checks the arguments, in the order NULL_DATA, NULL_LENGTH,
     // LENGTH_OVER_CAPACITY, then the parameters, in the order IV_LENGTH, KEY_LENGTH, MODE, PADDING;
-    // after these nothing has changed. If the cipher call fails, bytes and length are as it left
-    // them: after BUFFER_TOO_SMALL the length is the one needed, after ALIGNMENT and DECODE the
-    // bytes up to it are done. The object never changes.
+    // if one is wrong, nothing has changed. If the cipher call fails, bytes and length are as it
+    // left them: after BUFFER_TOO_SMALL the length is the one needed, after ALIGNMENT and DECODE
+    // the bytes up to it are done. The object never changes.
     virtual void Encrypt(std::uint8_t* pData, std::size_t* pnLength,
                          std::size_t nCapacity) const = 0;
 
@@ -42,8 +42,8 @@ public:
 
     // Returns the length that nLength bytes at pData have once decrypted, in the same way.
     //
-    // Throws only CRYPT_ERROR_NULL_DATA. Any other failure, out of memory included, still returns a
-    // number: the length that the cipher call reported, written or needed, or nLength if it
+    // Throws only CRYPT_ERROR_NULL_DATA. Any other failure, lack of memory included, still returns
+    // a number: the length that the cipher call reported, written or needed, or nLength if it
     // reported none. So a number does not promise that Decrypt succeeds.
     virtual std::size_t GetDecryptedSize(const std::uint8_t* pData, std::size_t nLength) const = 0;
 

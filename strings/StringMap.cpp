@@ -88,7 +88,7 @@ void StringMap::ForgetOrder() noexcept {
 void* StringMap::Memory::Take(std::size_t size) {
     const std::size_t aligned = (size + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry);
     if (aligned > kMaxBlock / 4) {
-        return AddBlock(aligned);  // of its own: the room in the shared one is kept
+        return AddBlock(aligned);  // its own block; the shared one keeps its room
     }
     if (aligned > m_nFree) {
         const std::size_t next = std::clamp(2 * m_nLastBlock, kFirstBlock, kMaxBlock);

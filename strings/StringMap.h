@@ -106,7 +106,7 @@ private:
     public:
         Index() noexcept = default;
 
-        // The number of slots is a power of two. Throws std::bad_alloc.
+        // slots must be a power of two. Throws std::bad_alloc.
         explicit Index(std::size_t slots);
 
         const Entry* Find(std::string_view key, std::size_t hash) const noexcept {
