@@ -13,9 +13,9 @@ namespace {
 constexpr std::int32_t kDecoded = 0;
 constexpr std::int32_t kNotDecoded = 1;
 
-// The key-building step: decrypts and checks the cipher bytes with the library's own key, which
-// exists only meanwhile. It takes the lock and keeps its exceptions by itself, so that nothing about
-// the key depends on who calls it.
+// Decrypts and checks the cipher bytes with the library's own key, which exists only during this
+// call. It takes the lock and handles exceptions itself, so that the key's handling does not depend
+// on the caller.
 bool BuildKeyAndDecrypt(std::uint8_t* data, std::size_t length, std::size_t* textLength) {
     const std::lock_guard<std::recursive_mutex> lock(gDecodeMutex);
     try {
@@ -27,10 +27,10 @@ bool BuildKeyAndDecrypt(std::uint8_t* data, std::size_t length, std::size_t* tex
     }
 }
 
-// The whole work of DecodeProtectedString; the status is its result.
+// Does the work of DecodeProtectedString and returns its status.
 std::int32_t Decode(std::int32_t nLength, const char* pText, std::int32_t* pOutputLength,
                     char* pOutput) {
-    // Before anything is allocated, as a length from a broken caller may be huge.
+    // Check before allocating: a broken caller's length may be huge.
     if (nLength < 0 || !IsStoredLength(static_cast<std::size_t>(nLength))) {
         return kNotDecoded;
     }

@@ -4,20 +4,21 @@
 #include <cstdint>
 #include <mutex>
 
-// Held by the decoder and again by the step of it that builds the key. Outside gCryptMutex.
+// Held by the decoder, and again by its step that builds the key. Taken before gCryptMutex.
 extern std::recursive_mutex gDecodeMutex;
 
 // Decodes a protected text from its stored form (ProtectedForm.h).
 //
-// pStatus        gets 0 if the stored text decodes, else a nonzero value. Null: nothing is done.
-// nLength        the stored text's characters.
+// pStatus        receives 0 if the stored text decodes, otherwise a nonzero value. If it is null,
+//                nothing is done.
+// nLength        the stored text's length in bytes.
 // pText          the stored text.
-// pOutputLength  gets the number of bytes written to pOutput.
-// pOutput        room for nLength bytes, which is more than the text needs; no NUL is added. Null,
-//                the sizing call: only the status is told, and it is that of the filling call.
+// pOutputLength  receives the number of bytes written to pOutput.
+// pOutput        room for nLength bytes, more than the text needs; no NUL is added. If it is null
+//                (the sizing call), only the status is written, the same as the filling call's.
 //
-// With a nonzero status nothing is written but that. Throws nothing: memory running out is a
-// failure too. Any number of threads may decode at once; they take turns.
+// With a nonzero status nothing else is written. Throws nothing: running out of memory is a failure
+// too. Any number of threads may call it at once; they take turns.
 void DecodeProtectedString(std::int32_t* pStatus, std::int32_t nLength, const char* pText,
                            std::int32_t* pOutputLength, char* pOutput) noexcept;
 

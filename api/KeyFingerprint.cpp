@@ -2,8 +2,8 @@
 
 #include "KeyFingerprints.h"
 
-// Code never reads it, so the compiler ("used") and the linker ("retain") are told to keep it. Mach-O
-// has the one attribute for both.
+// No code reads it, so the compiler ("used") and the linker ("retain") must be made to keep it. On
+// Mach-O, "used" does both.
 #if __has_attribute(retain)
 #define ORVA_KEEP __attribute__((used, retain))
 #else

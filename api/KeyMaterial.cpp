@@ -7,7 +7,7 @@
 
 namespace {
 
-// Volatile, so that the compiler does not put them together itself.
+// Volatile, so that the compiler cannot combine them itself.
 const volatile std::uint8_t kFirstShare[kProtectedKey] = ORVA_FIRST_KEY_SHARE;
 const volatile std::uint8_t kSecondShare[kProtectedKey] = ORVA_SECOND_KEY_SHARE;
 

@@ -5,9 +5,9 @@
 
 #include "api/ProtectedForm.h"
 
-// The library's own key material, put together from its two shares; cleared when destroyed. The
-// build chooses it (ORVA_KEY_FILE). It is in memory only for as long as one of these lives, and
-// nowhere in the binary.
+// The library's own key material, combined from its two shares; cleared when destroyed. The build
+// chooses it (ORVA_KEY_FILE). It is in memory only while one of these lives, and nowhere in the
+// binary.
 class KeyMaterial {
 public:
     KeyMaterial() noexcept;

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// What the last ZuLoadStrings returned; 0 before the first. Only ZuLoadStrings writes it: a host
-// that calls KorLoadStrings itself leaves it as it was.
+// What the last ZuLoadStrings returned; 0 before the first. Only ZuLoadStrings writes it: a host's
+// own call of KorLoadStrings leaves it unchanged.
 extern std::int32_t gLoadedCount;
 
 #endif

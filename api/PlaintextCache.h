@@ -3,8 +3,8 @@
 
 #include "strings/StringMap.h"
 
-// The protected texts decoded so far, by key. Entries are only ever added, by ZuGetLocalizedString:
-// a text that was handed out stays valid to the end of the process, over reloads too.
+// The protected texts decoded so far, by key. ZuGetLocalizedString adds entries and nothing removes
+// them: a text that was handed out stays valid until the process exits, across reloads too.
 extern StringMap gMapDecodedStrings;
 
 #endif

@@ -19,8 +19,8 @@ void WriteBlock(std::uint8_t* block, std::uint64_t number) {
     }
 }
 
-// Whether all are upper-case hexadecimal digits. Without branches: which of them are letters is
-// random, so a processor would guess wrong at many, and lose more time there than on the rest.
+// Whether all are upper-case hexadecimal digits. Without branches: letters come at random, so a
+// processor would mispredict many, and lose more time there than on the rest.
 bool AreStoredDigits(const char* digits, std::size_t length) {
     unsigned wrong = 0;
     for (std::size_t i = 0; i < length; ++i) {
@@ -31,8 +31,8 @@ bool AreStoredDigits(const char* digits, std::size_t length) {
     return wrong == 0;
 }
 
-// The length of the padding at the end of whole blocks, or 0 if it is bad. Every byte of the last
-// block is looked at.
+// The length of the padding at the end of whole blocks, or 0 if it is bad. Always checks every byte
+// of the last block.
 std::size_t PaddingOf(const std::uint8_t* padded, std::size_t length) {
     const std::size_t padding = padded[length - 1];
     auto wrong = static_cast<unsigned>(padding == 0 || padding > kProtectedBlock);
@@ -42,7 +42,7 @@ std::size_t PaddingOf(const std::uint8_t* padded, std::size_t length) {
     return wrong == 0 ? padding : 0;
 }
 
-// Whether two tags are the same. It takes as long for tags that differ at once as for equal ones.
+// Whether two tags are equal. Takes the same time wherever they differ.
 bool EqualTags(const std::uint8_t* a, const std::uint8_t* b) {
     unsigned difference = 0;
     for (std::size_t i = 0; i < kProtectedBlock; ++i) {
@@ -65,12 +65,12 @@ ProtectionKeys::~ProtectionKeys() {
 }
 
 bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* bytes) {
-    // All of them before "%x" sees one: by itself it would take blanks, signs and 0x, too.
+    // Validate first: "%x" alone also accepts spaces, signs and 0x.
     if (!IsStoredLength(length) || !AreStoredDigits(digits, length)) {
         return false;
     }
-    // Each group as a text of its own: on the whole text sscanf would look for its end every time.
-    // Its answer needs no look: eight digits are always a number.
+    // Copy each group: sscanf scans its whole input every time. Its result needs no check: eight
+    // digits are always a number.
     char group[kGroupDigits + 1] = {};
     for (std::size_t i = 0; i < length; i += kGroupDigits) {
         std::memcpy(group, digits + i, kGroupDigits);
@@ -85,13 +85,13 @@ bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* byte
 
 bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t length,
                    std::size_t* textLength) {
-    // The cipher's own padding stays off: a system's cipher call may let bad padding pass.
+    // The cipher's own padding stays off: some systems' cipher calls accept bad padding.
     CCryptAES aes;
     aes.SetKey(keys.EncryptionKey(), kProtectedKey);
     aes.SetIV(keys.IV(), kProtectedBlock);
     aes.SetMode(CRYPT_MODE_CBC);
     aes.SetPadding(CRYPT_PADDING_NONE);
-    // As with any padding the size is asked for first, though without one it can only be this.
+    // Ask for the size first, as with any padding; without padding it can only be length.
     if (aes.GetDecryptedSize(data, length) != length) {
         return false;
     }

@@ -1,5 +1,6 @@
-// The library's static objects, in one source: they are made in the order of their definitions when
-// the library is loaded, and destroyed in reverse at exit, whatever order a linker takes sources in.
+// The library's static objects, in one source to fix their order: they are constructed in the order
+// of their definitions when the library is loaded, and destroyed in reverse at exit, whatever the
+// order in which a linker takes the sources.
 #include <OrvaLanguage/KorString.h>
 
 #include "api/DecodeProtectedString.h"
@@ -19,6 +20,6 @@ constexpr StringMapView kLocalizedStringsView(gMapLocalizedStrings);
 
 }  // namespace
 
-// A reference, constant-initialised: a program that takes a copy of it, as ELF lets it, has the same
-// table, and may ask for its size or for a key before the library's initialisers have run.
+// A constant-initialised reference: a program's copy of it, which ELF allows, refers to the same
+// table, and the program may ask for its size or a key before the library's initialisers have run.
 const KorStringMap& KorString::gMapLocalizedStrings = kLocalizedStringsView;

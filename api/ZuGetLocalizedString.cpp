@@ -14,17 +14,17 @@
 
 namespace {
 
-// What a buffer for so many bytes asks for. A length of 2 to 4 GiB has come out negative and asks
-// for the impossible.
+// The size to allocate for this length. A length of 2 to 4 GiB has wrapped to negative; the maximum
+// makes the allocation fail.
 std::size_t BufferSize(std::int32_t length) {
     return length < 0 ? std::numeric_limits<std::size_t>::max() : static_cast<std::size_t>(length);
 }
 
-// The text of a protected entry, whose key and stored text these are, or null. Not inline, so that
-// a plain look-up does not save the registers that this takes.
+// The text of the protected entry with this key and stored text, or null. Not inlined, so that a
+// plain lookup does not save the registers that this uses.
 [[gnu::noinline]] const char* GetDecodedString(const char* key, const char* stored) {
-    // The stored text is not looked at any more once a key has been decoded: what a host was given
-    // first stays, over reloads too.
+    // Once a key has been decoded, its stored text no longer matters: the first text stays, across
+    // reloads too.
     if (const StringMap::Entry* const cached = gMapDecodedStrings.Find(key)) {
         return cached->Value().data();
     }
@@ -37,17 +37,16 @@ std::size_t BufferSize(std::int32_t length) {
     }
     try {
         char* const output = new char[BufferSize(length)];
-        // Its status is not asked: the sizing call has decided, with the same text and key.
+        // The status is ignored: the sizing call already decided, with the same text and key.
         DecodeProtectedString(&status, length, stored, &outputLength, output);
         output[outputLength] = '\0';
         gMapDecodedStrings.Insert(key, output);
         ClearMemory(output, static_cast<std::size_t>(length));
         delete[] output;
-        ClearRegisters();  // of the text
+        ClearRegisters();  // they held the text
     } catch (...) {
-        // The buffer is left unreleased on purpose: it may hold plaintext, which the heap would
-        // hand on uncleared, and with memory at its end the process has little time left to miss
-        // it.
+        // The buffer is leaked on purpose: it may hold plaintext, which the heap would pass on
+        // uncleared, and a process that is out of memory hardly misses it.
         return nullptr;
     }
     const StringMap::Entry* const entry = gMapDecodedStrings.Find(key);

@@ -26,13 +26,13 @@ public:
     const std::string& Folder() const { return m_folder; }
     std::string File(const char* name) const { return m_folder + '/' + name; }
 
-    // The folder's own name; that of the gettext catalog in it too.
+    // The folder's own name, which is also that of its gettext catalog.
     std::string Size() const { return m_folder.substr(m_folder.rfind('/') + 1); }
 
-    // The section of the strings file, and what the other formats hold.
+    // The section of the strings file to load; the other formats hold only this language.
     const std::string& Language() const { return m_language; }
 
-    // Every key, in the order of the file.
+    // Every key, in file order.
     const std::vector<std::string>& Keys() const { return m_keys; }
 
 private:
@@ -41,16 +41,16 @@ private:
     std::vector<std::string> m_keys;
 };
 
-// Keys to look up one after the other, drawn at random; the same ones at every run. So many that no
-// processor learns their order, as it does with a thousand that are looked up in turns: a search
-// down a tree would then seem three times as fast as it is. They lie side by side in memory in the
-// order of their use, since a host's own keys are at hand, and to fetch them is no part of a look-up.
+// Random keys to look up in turn, the same in every run. There are enough that no processor learns
+// their order, as it does with a thousand repeated keys: a tree search would then seem three times
+// as fast as it is. They are side by side in memory in order of use, since a host's own keys are at
+// hand, and fetching them is no part of a lookup.
 class KeySequence {
 public:
-    // With an ending, each key is lengthened by it, so that a table has none of them.
+    // The ending is appended to each key: with one, no table has the key.
     explicit KeySequence(const std::vector<std::string>& keys, const char* ending = "") {
         constexpr int kDraws = 1 << 18;
-        std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same ones at every run
+        std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same in every run
         std::uniform_int_distribution<std::size_t> draw(0, keys.size() - 1);
         std::vector<std::size_t> starts;
         for (int i = 0; i < kDraws; ++i) {

@@ -1,5 +1,5 @@
-// A load: this library's, and that of what a host would use instead; then what it costs to pass over
-// the sections before the one that is wanted, and how a load's time grows with the table.
+// Loads: this library's, and those of what a host would use instead; then the cost of skipping the
+// sections before the wanted one, and how the time of a load grows with the table.
 //
 // Usage: load_bench CORPUS… [OPTION…]    CORPUS: a folder that make_corpora.py wrote; options are
 // Google Benchmark's.
@@ -69,7 +69,7 @@ void LoadSection(benchmark::State& state) {
             state.SkipWithError("the load failed");
         }
     }
-    // How many bytes lie before the section.
+    // How many bytes precede the section.
     state.counters["skipped"] = static_cast<double>(file.find("QVLANG=" + section));
 }
 BENCHMARK(LoadSection)->Args({10'000, 0})->Args({10'000, kSections - 1});

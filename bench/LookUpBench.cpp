@@ -1,7 +1,7 @@
-// A look-up of keys in random order: this library's, and that of what a host would use instead.
+// Lookups of keys in random order: this library's, and those of what a host would use instead.
 //
-// Usage: look_up_bench CORPUS [OPTION…]    CORPUS: a folder that make_corpora.py wrote, only one, as
-// gettext keeps all that it ever found in one tree; options are Google Benchmark's.
+// Usage: look_up_bench CORPUS [OPTION…]    CORPUS: a folder that make_corpora.py wrote, only one,
+// since gettext keeps all that it has found in one tree; options are Google Benchmark's.
 #include <cstdio>
 
 #include <benchmark/benchmark.h>
@@ -22,7 +22,7 @@ template <typename Source>
 void LookUp(benchmark::State& state, const Corpus& corpus, bool isHit) {
     const Source source(corpus);
     const KeySequence keys(corpus.Keys(), isHit ? "" : "~");
-    // What a source does at the first look-up of a key is not measured.
+    // What a source does at the first lookup of a key is not measured.
     for (const char* const key : keys) {
         if (Source::IsFound(source.LookUp(key), key) != isHit) {
             state.SkipWithError("a wrong answer");

@@ -1,5 +1,5 @@
-// What a look-up of a protected text costs: the first one against its floor, every later one against
-// a look-up of a plain text in the same table; and protecting a file of 10,000 texts.
+// What looking up a protected text costs: the first time compared with its floor, every later time
+// with a plain text in the same table. Also what protecting a file of 10,000 texts costs.
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -18,8 +18,8 @@
 
 namespace {
 
-constexpr int kLookUps = 2000;  // in a run; each key has only one first look-up
-constexpr int kEntries = 1000;  // the first ones: they are looked up again and again
+constexpr int kLookUps = 2000;  // per run; each key has only one first lookup
+constexpr int kEntries = 1000;  // the first ones, which are looked up repeatedly
 constexpr std::size_t kTextLength = 64;
 
 std::string KeyOf(int i) {
@@ -67,8 +67,8 @@ void LookUpFirst(benchmark::State& state) {
 }
 BENCHMARK(LookUpFirst)->Name("LookUp/First")->Iterations(kLookUps);
 
-// Twice the reading of the digits by "%x" and the cipher calls, and nothing else. The digits are
-// those of real entries: random ones take longer to read than a text of all the same.
+// The floor: reading the digits with "%x" and the cipher calls, each twice, and nothing else. The
+// digits are those of real entries: random ones take longer to read than equal ones.
 void LookUpFirstFloor(benchmark::State& state) {
     const Key builtIn = Key::BuiltIn();
     const ProtectionKeys keys = builtIn.Derive();
@@ -114,7 +114,7 @@ void LookUp(benchmark::State& state, bool isProtected) {
     }
     const KeySequence sequence(keys);
     for (const char* const each : sequence) {
-        if (ZuGetLocalizedString(each) == nullptr) {  // and now it is cached
+        if (ZuGetLocalizedString(each) == nullptr) {  // now it is cached
             state.SkipWithError("no answer");
             return;
         }

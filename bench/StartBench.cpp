@@ -1,8 +1,8 @@
-// What a program costs at its start, in processor time and memory: one that does nothing, without
-// this library and with it; and hosts that load 1,000 texts, look a hundred of them up, and exit.
+// What a program's start costs in processor time and memory: a program that does nothing, without
+// and with this library; and hosts that load 1,000 texts, look up a hundred of them, and exit.
 //
 // Usage: start_bench CORPUS LARGE [OPTION…]    CORPUS: the folder of 1,000 entries that
-// make_corpora.py wrote; LARGE: the one that memory is measured with; options are Google Benchmark's.
+// make_corpora.py wrote; LARGE: the one for measuring memory; options are Google Benchmark's.
 #include <cstdio>
 #include <spawn.h>
 #include <string>
@@ -21,8 +21,8 @@ double Seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
 }
 
-// The time is the processor's, the system's part included: one that waits for its turn on a busy
-// machine would seem to start slowly.
+// The time is the processor's, including the system's part: by the clock, a program that waits for
+// its turn on a busy machine would seem to start slowly.
 void Start(benchmark::State& state, const char* program, std::string argument) {
     std::string path = Program(program);
     char* arguments[] = {path.data(), argument.empty() ? nullptr : argument.data(), nullptr};

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Counts the instructions of a load and of look-ups, and fails where there are many more than there
-were: unlike times, they repeat from run to run, so that a change for the worse is seen.
+"""Counts the instructions of a load and of lookups, and fails if there are many more than recorded.
+Unlike times, they are the same in every run, so that a change for the worse shows.
 
 Usage: count_instructions.py PROGRAM CORPORA [--update]
 
-PROGRAM is host_orvalanguage; CORPORA is what make_corpora.py wrote, the size 1000. What there was is
-in instructions.json, beside this script; --update writes it anew.
+PROGRAM is host_orvalanguage; CORPORA is what make_corpora.py wrote, with the size 1000. The record
+is instructions.json, beside this script; --update rewrites it.
 """
 
 import json
@@ -16,11 +16,11 @@ import sys
 import tempfile
 
 RECORD = pathlib.Path(__file__).with_name("instructions.json")
-MOST = 1.1  # times what there was
+MOST = 1.1  # times the record
 
 COUNTED = {
     "a load of 1,000 entries": "ZuLoadStrings",
-    "1,000 look-ups": "ZuGetLocalizedString",
+    "1,000 lookups": "ZuGetLocalizedString",
 }
 
 
@@ -47,9 +47,9 @@ def main():
     is_slower = False
     for what, count in counts.items():
         share = count / recorded[what]
-        print(f"Instructions of {what}: {count:,}, {share:.3f} of what there were")
+        print(f"Instructions of {what}: {count:,}, {share:.3f} times the record")
         is_slower |= count == 0 or share > MOST
-    sys.exit(f"More than {MOST} times as many, or none at all" if is_slower else 0)
+    sys.exit(f"More than {MOST} times the record, or none at all" if is_slower else 0)
 
 
 if __name__ == "__main__":

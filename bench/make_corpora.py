@@ -3,16 +3,16 @@
 
 Usage: make_corpora.py FOLDER SIZE…    SIZE: a number of generated entries, or "installed"
 
-"installed" are the translations of the packages on this machine: every message catalog (.mo) of
-every language, in one strings file; the language with most entries is the one that is looked up.
+"installed" is the translations of the packages on this machine: every message catalog (.mo) of
+every language, in one strings file. The language with the most entries is looked up.
 
-A corpus is a folder of FOLDER, named by its size; one that is newer than this script is kept, since
-ICU's compiler takes minutes for 100,000 entries. It holds
+A corpus is a folder in FOLDER, named after its size; one that is newer than this script is kept,
+since ICU's compiler takes minutes for 100,000 entries. It holds
 
     texts.strings       for the library
-    language            its section, and the language that the others are made of
-    keys.txt            its keys, in the order of the file
-    note                of the installed ones: what they are
+    language            the section to load, and the one language of the other formats
+    keys.txt            its keys, in file order
+    note                for "installed": what the entries are
     texts.ini .json .qm LANGUAGE.res LANGUAGE/LC_MESSAGES/SIZE.mo
 """
 
@@ -30,14 +30,14 @@ from xml.sax.saxutils import escape
 LANGUAGE = "de"
 CATALOGS = (pathlib.Path("/usr/share/locale"), pathlib.Path("/usr/share/locale-langpack"))
 
-# A key that every format can carry: ICU's have these characters alone, a GKeyFile's no blank at
-# either end, and "=" ends the library's.
+# A key that every format can hold: ICU allows only these characters, a GKeyFile no space at either
+# end, and "=" ends the library's.
 KEY = re.compile(r"""(?! )[A-Za-z0-9 "%&'()*+,./:;<>?_-]{4,}(?<! )""")
 PROTECTED = "IDE"
 OF_KEY_FILES = "Encoding"
 
-# What a text can't hold in one format or other: a control character, and the two bytes of "\n",
-# which would come out as a line feed.
+# What a text can't hold in some format: a control character, and the two bytes of "\n", which would
+# become a line feed.
 UNSUITABLE_TEXT = re.compile(r"\\n|[\0-\x08\x0b-\x1f\x7f\ufffe\uffff]")
 
 WORDS = (
@@ -48,7 +48,7 @@ WORDS = (
 
 
 def generated_entries(size):
-    """Keys of 21 to 26 bytes, texts of 1 to 9 words; the same ones for a size at every run."""
+    """Keys of 21 to 26 bytes, texts of 1 to 9 words; the same for a size in every run."""
     numbers = random.Random(size)
     kinds = ("MENU", "BUTTON", "DIALOG", "TOOLTIP", "LABEL", "STATUS")
     parts = ("TEXT", "TITLE", "HINT", "SHORT", "LONG")
@@ -60,27 +60,27 @@ def generated_entries(size):
 
 
 def is_suitable(key, text):
-    """Whether every format can carry an entry."""
+    """Whether every format can hold an entry."""
     return (
         isinstance(key, str)
         and KEY.fullmatch(key) is not None
         and not key.startswith(PROTECTED)
         and key != OF_KEY_FILES
-        and text not in ("", key)  # some answer the key where there is no text
+        and text not in ("", key)  # some return the key if there is no text
         and UNSUITABLE_TEXT.search(text) is None
     )
 
 
 def installed_entries():
-    """The entries of each language, and how many there were that not every format can carry."""
+    """The entries of each language, and how many were left out, as some format can't hold them."""
     sections = {}
     unsuitable = 0
     for path in sorted(path for folder in CATALOGS for path in folder.glob("*/LC_MESSAGES/*.mo")):
         try:
             with path.open("rb") as file:
-                catalog = gettext.GNUTranslations(file)._catalog  # the only way to all of them
+                catalog = gettext.GNUTranslations(file)._catalog  # the only way to get all of them
         except (OSError, ValueError, LookupError, struct.error):
-            print(f"make_corpora.py: passed over, not readable: {path}", file=sys.stderr)
+            print(f"make_corpora.py: skipped, as it can't be read: {path}", file=sys.stderr)
             continue
         section = sections.setdefault(path.parts[-3], {})
         for key, text in catalog.items():
@@ -116,7 +116,7 @@ def run(*command):
 
 
 def write_peers(folder, size, language, entries):
-    """The formats of the others; those that are compiled by their own tools."""
+    """Writes the other libraries' formats; those that are compiled, with their own tools."""
     items = entries.items()
     (folder / "texts.ini").write_text(
         "[texts]\n" + "".join(f"{key}={key_file_value(text)}\n" for key, text in items))
@@ -146,7 +146,7 @@ def write_peers(folder, size, language, entries):
 
 
 def write_corpus(folder, sections, language):
-    # Under another name first: what has this one is whole.
+    # Under another name first, so that a corpus with the final name is complete.
     unfinished = folder.with_suffix(".new")
     shutil.rmtree(unfinished, ignore_errors=True)
     unfinished.mkdir(parents=True)
@@ -173,13 +173,13 @@ def main():
             continue
         sections, unsuitable = installed_entries()
         if not sections:
-            print("none: the machine has no message catalogs")
+            print("skipped: this machine has no message catalogs")
             continue
         language = max(sections, key=lambda name: len(sections[name]))
         write_corpus(folder, sections, language)
         total = sum(len(entries) for entries in sections.values())
-        note = (f"{total:,} entries of {len(sections)} languages; {unsuitable:,} more, which not every "
-                f"format can carry, are left out")
+        note = (f"{total:,} entries of {len(sections)} languages; {unsuitable:,} more are left "
+                f"out, as some format can't hold them")
         (folder / "note").write_text(note)
         print(note)
 

@@ -5,11 +5,11 @@ Usage: report.py RESULTS DOCUMENT NOTE
        report.py RESULTS
 
 RESULTS is a folder of Google Benchmark's JSON. The table is printed, and written to DOCUMENT, a
-Markdown file, with every figure and a plot beside it (.svg); every benchmark must be among the
-results then. NOTE is a file that says what the installed entries are. Without a document, the
-figures that are there are printed, and no goals: a short run shows that the benchmarks run, no more.
+Markdown file, with every figure and a plot (.svg) beside it; the results must then include every
+benchmark. NOTE is a file that says what the installed entries are. Without a document, the available
+figures are printed without goals: a short run only shows that the benchmarks run.
 
-Times are the processor's and the medians of their repetitions.
+Times are processor times, the medians of their repetitions.
 """
 
 import json
@@ -26,7 +26,7 @@ LOAD_PEERS = ("GLib", "nlohmann-json")
 SIZES = ("100", "1000", "10000", "100000", "installed")
 PACKAGES = ("g++", "libc6", "libicu-dev", "libboost-locale-dev", "qt6-base-dev", "libglib2.0-dev",
             "nlohmann-json3-dev")
-MEMORY = ("Heap/", "Resident/")  # what is measured once
+MEMORY = ("Heap/", "Resident/")  # measured once
 
 
 class Results:
@@ -43,7 +43,7 @@ class Results:
                 name = re.sub(r"/(iterations|repeats):\d+|/manual_time", "", run["run_name"])
                 if run.get("error_occurred"):
                     sys.exit(f"report.py: {name}: {run['error_message']}")
-                # What was set by hand stands as the real time: the processor's, of another process.
+                # A manual time is in real_time: the processor time of another process.
                 is_manual = "/manual_time" in run["run_name"]
                 samples.setdefault(name, []).append(run["real_time" if is_manual else "cpu_time"])
                 self.counters[name] = run
@@ -62,7 +62,7 @@ class Results:
 
 
 class Goal:
-    """A row of the table: two figures, how they are compared, and what that should come to."""
+    """A row of the table: two figures, how they are compared, and the goal for the result."""
 
     def __init__(self, what, unit, ours, theirs, compare, relation, limit, other=""):
         self.what, self.relation, self.limit = what, relation, limit
@@ -107,14 +107,14 @@ def goals(results, sizes):
         for size in sizes:
             peers = {peer: time(f"LookUp/{kind}/{peer}/{size}") for peer in LOOK_UP_PEERS}
             fastest = min(peers, key=peers.get)
-            yield Goal(f"Look-up, {kind}, {entries_of(results, size)} entries: times as fast",
+            yield Goal(f"Lookup, {kind}, {entries_of(results, size)} entries: times as fast",
                        NANOSECONDS, time(f"LookUp/{kind}/{OURS}/{size}"), peers[fastest], speed_up,
                        "≥", 3, fastest)
-    yield Goal("Look-up, protected and cached, to a plain one", NANOSECONDS, time("LookUp/Cached"),
+    yield Goal("Lookup, protected and cached, to a plain one", NANOSECONDS, time("LookUp/Cached"),
                time("LookUp/Plain"), share, "≤", 2.5)
-    yield Goal("Look-up, 100,000 entries to 1,000", NANOSECONDS, time(f"LookUp/hit/{OURS}/100000"),
+    yield Goal("Lookup, 100,000 entries to 1,000", NANOSECONDS, time(f"LookUp/hit/{OURS}/100000"),
                time(f"LookUp/hit/{OURS}/1000"), share, "<", 8)
-    yield Goal("First look-up of a protected text, to its floor", MICROSECONDS,
+    yield Goal("First lookup of a protected text, to its floor", MICROSECONDS,
                time("LookUp/First"), time("LookUp/FirstFloor"), share, "≤", 1.5)
 
     for size in ("1000", "10000"):
@@ -122,7 +122,7 @@ def goals(results, sizes):
             yield Goal(f"Load, {int(size):,} entries", MILLISECONDS, time(f"Load/{OURS}/{size}"),
                        time(f"Load/{peer}/{size}"), share, "<", 1, peer)
     skipped = counter("LoadSection/10000/9", "skipped")
-    yield Goal("Load, last of ten sections: GB/s over those before", MILLISECONDS,
+    yield Goal("Load, last of ten sections: GB/s through those before", MILLISECONDS,
                time("LoadSection/10000/9"), time("LoadSection/10000/0"),
                lambda last, first: skipped / (last - first), "≥", 0.6, "the first")
     for size in (10_000, 100_000, 1_000_000):
@@ -186,11 +186,11 @@ def processor():
 
 def document_text(results, sizes, summary, plot, note):
     loads = (OURS, *LOAD_PEERS, "std::map")
-    installed = f"\n\n\"Installed\" are the translations of the packages on the machine, in the language that has\nmost: {note}." if note else ""
+    installed = f"\n\n\"Installed\" is the translations of the packages on the machine, in the language with the\nmost: {note}." if note else ""
     return f"""# Performance
 
-`scripts/bench` measures this library beside what a host would use instead, and writes this page.
-Every time is the processor's, and the median of {results.repetitions} repetitions or more within one run, ours and
+`scripts/bench` compares this library with what a host would use instead, and writes this page.
+Every time is processor time, the median of at least {results.repetitions} repetitions within one run, ours and
 the others' in random order. Compare the ratios: the times are those of one machine.
 
 {processor()}, {results.context["num_cpus"]} cores, {results.context["date"][:10]}, load {results.context["load_avg"][0]:.1f}; {versions()}.
@@ -198,43 +198,43 @@ the others' in random order. Compare the ratios: the times are those of one mach
 ## Goals
 
 {summary}
-![Look-ups, loads and starts, ours and the others']({plot})
+![Lookups, loads and starts, ours and the others']({plot})
 
-## Look-ups
+## Lookups
 
 In nanoseconds, of keys drawn at random, 23 bytes long on average in the generated tables.{installed}
 
 The calls are `ures_getStringByKey`, `boost::locale::gettext`, `QTranslator::translate`,
 `g_key_file_get_string` and `dgettext`; a `std::map` of strings, filled through the library's line
-functions, for comparison. Those of Boost, Qt and GLib make a text of its own for each answer. Boost's
-facet, which does not, was seen to take half the time of its `gettext`.
+functions, for comparison. Those of Boost, Qt and GLib return a new text each time. Boost's facet,
+which does not, was seen to take half the time of its `gettext`.
 
 Hits:
 
 {figures(results, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), sizes, 1)}
-Misses; ICU and GLib look further before they give up:
+Misses; ICU and GLib search further before they give up:
 
 {figures(results, "LookUp/miss", (OURS, *LOOK_UP_PEERS, "std::map"), sizes, 1)}
 ## Loads
 
-In milliseconds. The installed translations of all languages are one strings file for this library and
-`std::map`, which pass over the languages before the one they load; the others have that language in a
+In milliseconds. For this library and `std::map`, the installed translations of all languages are one
+strings file, and they skip the languages before the one they load. The others have that language in a
 file of its own.
 
 {figures(results, "Load", loads, sizes, MILLISECONDS[0])}
 Protecting a file of 10,000 texts takes the companion command {results.time("ProtectFile") / 1e6:.0f} ms.
 
-What a host's start takes beyond any C++ program's is, for this library, to link two shared libraries,
-itself and Nettle, about 0.1 ms each, and to read 1,000 lines of text. ICU, Qt and gettext map catalogs
+Compared with any C++ program, a host's start with this library also links two shared libraries,
+itself and Nettle, about 0.1 ms each, and reads 1,000 lines of text. ICU, Qt and gettext map catalogs
 that were compiled beforehand, and have next to nothing to load.
 
-## Again
+## Reproducing these figures
 
     scripts/bench    # the table and this page
     scripts/bench --short
     bench/count_instructions.py build/release/bench/{{host_orvalanguage,short-corpora}}
 
-The last counts the instructions of loads and look-ups, which repeat from run to run, and compares
+The last counts the instructions of loads and lookups, which are the same in every run, and compares
 them with [bench/instructions.json](../bench/instructions.json).
 """
 
@@ -262,7 +262,7 @@ def draw(results, sizes, path):
             axis.set_major_formatter("{x:,g}")
         axes.legend(frameon=False, fontsize=7, loc="center left", bbox_to_anchor=(1, 0.5))
 
-    lines(look_ups, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), 1, "A look-up that hits, ns")
+    lines(look_ups, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), 1, "A lookup that hits, ns")
     lines(loads, "Load", (OURS, *LOAD_PEERS, "std::map"), MILLISECONDS[0], "A load, ms")
     hosts = {OURS: "host_orvalanguage", "gettext": "host_gettext", "ICU": "host_icu", "Qt": "host_qt"}
     starts.barh(list(hosts), [results.time(f"Start/{program}") / MILLISECONDS[0]

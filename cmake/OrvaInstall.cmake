@@ -1,6 +1,7 @@
-# What `cmake --install` puts in place, in three components: runtime, the library that a host loads;
-# development, its headers and how a build finds both, with CMake's find_package(OrvaLanguage) or with
-# pkg-config; tools, the command and its manual page.
+# What `cmake --install` installs, in three components:
+# - runtime: the library that a host loads;
+# - development: its headers, and what CMake's find_package(OrvaLanguage) and pkg-config need;
+# - tools: the command and its manual page.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -23,14 +24,14 @@ install(FILES packaging/OrvaLanguageConfig.cmake
     "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
     DESTINATION "${orva_package_dir}" COMPONENT development)
 
-# Relative to the file itself, so that the installed tree may be moved.
+# Relative to the file itself, so that the installed tree can be moved.
 file(RELATIVE_PATH orva_pc_prefix
     "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 set(orva_pc_libdir "\${prefix}")
 cmake_path(APPEND orva_pc_libdir "${CMAKE_INSTALL_LIBDIR}")
 set(orva_pc_includedir "\${prefix}")
 cmake_path(APPEND orva_pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
-# Not Requires.private: a host links the shared library alone, and needs no package of Nettle for it.
+# Not Requires.private: a host links only the shared library and needs no Nettle package.
 if(APPLE)
     set(orva_pc_libs_private "-framework CoreFoundation")
 else()

@@ -1,16 +1,17 @@
-# The key material for protected texts: ORVA_KEY_FILE, or else a development key that everybody can
-# read in this folder. The build writes it as two shares into its own folder, never the source tree.
+# The key material for protected texts: ORVA_KEY_FILE, or by default the public development key in
+# this folder. The build writes it as two shares to its own folder, never to the source tree.
 set(ORVA_KEY_FILE "" CACHE FILEPATH
     "File of 64 hexadecimal digits, the key for protected texts; empty: the development key")
 
-# orva_read_key(FILE DIGITS): the upper-case digits of a key file; 64 digits of either case, and at most
-# one line feed, or carriage return and line feed, after them. `orva-strings` accepts the same.
+# orva_read_key(FILE DIGITS): sets DIGITS to the upper-case digits of a key file. It must hold 64
+# digits of either case, followed by at most one line feed, or carriage return and line feed.
+# `orva-strings` accepts the same.
 function(orva_read_key file digits)
     if(NOT EXISTS "${file}" OR IS_DIRECTORY "${file}")
         message(FATAL_ERROR "ORVA_KEY_FILE: there is no file ${file}.")
     endif()
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
-    # As hexadecimal of its bytes, since CMake's texts do not show a NUL byte.
+    # Read as hexadecimal, since CMake's strings lose a NUL byte.
     file(SIZE "${file}" size)
     file(READ "${file}" hex LIMIT 1024 HEX)
     string(REGEX REPLACE "(0d)?0a$" "" hex "${hex}")
@@ -28,7 +29,7 @@ function(orva_read_key file digits)
     set(${digits} "${text}" PARENT_SCOPE)
 endfunction()
 
-# orva_key_fingerprint(DIGITS FINGERPRINT): what tells keys apart and tells nothing about the key.
+# orva_key_fingerprint(DIGITS FINGERPRINT): identifies a key without revealing anything about it.
 # `orva-strings` computes the same.
 function(orva_key_fingerprint digits fingerprint)
     string(SHA256 hash "libOrvaLanguage key fingerprint ${digits}")
@@ -37,8 +38,9 @@ function(orva_key_fingerprint digits fingerprint)
     set(${fingerprint} "${hash}" PARENT_SCOPE)
 endfunction()
 
-# orva_write_key_shares(FOLDER): KeyShares.h for the library; KeyFingerprints.h for it and for the tool,
-# which tells whether a key is the development key. Sets orva_key_file to the file of the key.
+# orva_write_key_shares(FOLDER): writes KeyShares.h for the library, and KeyFingerprints.h for it
+# and for the tool, which reports whether a key is the development key. Sets orva_key_file to the
+# key's file.
 function(orva_write_key_shares folder)
     set(development_key "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/development.key")
     set(file "${ORVA_KEY_FILE}")
@@ -49,13 +51,13 @@ function(orva_write_key_shares folder)
     orva_read_key("${file}" upper_digits)
     orva_key_fingerprint("${upper_digits}" fingerprint)
     if(ORVA_KEY_FILE STREQUAL "")
-        message(STATUS "Protected texts: development key, known to everybody (set ORVA_KEY_FILE)")
+        message(STATUS "Protected texts: development key, which is public (set ORVA_KEY_FILE)")
     else()
         message(STATUS "Protected texts: key with fingerprint ${fingerprint}")
     endif()
     set(orva_key_file "${file}" PARENT_SCOPE)
 
-    # The mask comes from the material, so that a build repeats.
+    # The mask is derived from the key, so that a build is reproducible.
     string(TOLOWER "${upper_digits}" digits)
     string(SHA256 mask "libOrvaLanguage key mask ${digits}")
     set(first "")

@@ -1,5 +1,4 @@
-# What is built, and what for. Inside another project only the library is, unless that project asks
-# for more.
+# What is built. Inside another project only the library is, unless that project asks for more.
 
 if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
     message(FATAL_ERROR
@@ -13,22 +12,22 @@ if(PROJECT_IS_TOP_LEVEL AND NOT orva_has_many_configurations AND "${CMAKE_BUILD_
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release, RelWithDebInfo or MinSizeRel" FORCE)
 endif()
 
-# orva_part(OPTION TEXT DEFAULT LACK)
+# orva_part(OPTION TEXT DEFAULT UNAVAILABLE)
 #
-# A switch for a part of the build: ON, OFF, or empty for DEFAULT. The default is not cached, so that
-# an explicit ON can be told from it. LACK is empty, or a sentence that says why the part can't be
-# built: a part that is on by default is then left out, and an explicit ON is an error.
-function(orva_part option text default lack)
+# A switch for a part of the build: ON, OFF, or empty for DEFAULT. The default is not cached, so
+# that an explicit ON can be distinguished from it. UNAVAILABLE is empty, or says why the part can't
+# be built: a part that is on by default is then left out, and an explicit ON is an error.
+function(orva_part option text default unavailable)
     set(${option} "" CACHE STRING "${text} (ON, OFF, or empty for the default)")
     set_property(CACHE ${option} PROPERTY STRINGS "" ON OFF)
     set(value "${${option}}")
-    if(value AND NOT lack STREQUAL "")
-        message(FATAL_ERROR "${option}=${value}: ${lack}")
+    if(value AND NOT unavailable STREQUAL "")
+        message(FATAL_ERROR "${option}=${value}: ${unavailable}")
     endif()
     if(value STREQUAL "")
         set(value "${default}")
-        if(default AND NOT lack STREQUAL "")
-            message(STATUS "${option} is off: ${lack}")
+        if(default AND NOT unavailable STREQUAL "")
+            message(STATUS "${option} is off: ${unavailable}")
             set(value OFF)
         endif()
     endif()
@@ -39,30 +38,31 @@ option(ORVA_INSTALL "Add install rules" ${PROJECT_IS_TOP_LEVEL})
 option(ORVA_BUILD_TOOLS "Build the orva-strings command" ${PROJECT_IS_TOP_LEVEL})
 option(ORVA_WARNINGS_AS_ERRORS "Make every compiler warning an error" OFF)
 set(ORVA_STRINGS_EXECUTABLE "" CACHE FILEPATH
-    "orva-strings to protect the sample host's texts with; empty: the one that is built")
+    "orva-strings that protects the sample host's texts; empty: the one built here")
 if(NOT ORVA_STRINGS_EXECUTABLE STREQUAL "" AND NOT EXISTS "${ORVA_STRINGS_EXECUTABLE}")
     message(FATAL_ERROR
         "ORVA_STRINGS_EXECUTABLE: there is no file ${ORVA_STRINGS_EXECUTABLE}.")
 endif()
 
-set(orva_tools_lack "")
+set(orva_tools_unavailable "")
 if(NOT ORVA_BUILD_TOOLS)
-    set(orva_tools_lack "it needs ORVA_BUILD_TOOLS.")
+    set(orva_tools_unavailable "it needs ORVA_BUILD_TOOLS.")
 endif()
-set(orva_tests_lack "${orva_tools_lack}")
-set(orva_examples_lack "")
+set(orva_tests_unavailable "${orva_tools_unavailable}")
+set(orva_examples_unavailable "")
 if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
-    set(orva_tests_lack "what a cross-build makes does not run here; set CMAKE_CROSSCOMPILING_EMULATOR.")
-    set(orva_examples_lack
-        "the orva-strings of a cross-build does not run here; set ORVA_STRINGS_EXECUTABLE to one that does.")
+    set(orva_tests_unavailable
+        "cross-built programs do not run here; set CMAKE_CROSSCOMPILING_EMULATOR.")
+    set(orva_examples_unavailable
+        "a cross-built orva-strings does not run here; set ORVA_STRINGS_EXECUTABLE to one that does.")
 elseif(NOT ORVA_BUILD_TOOLS)
-    set(orva_examples_lack "it needs ORVA_BUILD_TOOLS or ORVA_STRINGS_EXECUTABLE.")
+    set(orva_examples_unavailable "it needs ORVA_BUILD_TOOLS or ORVA_STRINGS_EXECUTABLE.")
 endif()
 if(NOT ORVA_STRINGS_EXECUTABLE STREQUAL "")
-    set(orva_examples_lack "")
+    set(orva_examples_unavailable "")
 endif()
-orva_part(ORVA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL} "${orva_tests_lack}")
+orva_part(ORVA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL} "${orva_tests_unavailable}")
 orva_part(ORVA_BUILD_EXAMPLES "Build the sample host" ${PROJECT_IS_TOP_LEVEL}
-    "${orva_examples_lack}")
-orva_part(ORVA_BUILD_BENCHMARKS "Build the benchmarks (Linux)" OFF "${orva_tools_lack}")
-orva_part(ORVA_BUILD_FUZZERS "Build the fuzzers (clang++)" OFF "${orva_tools_lack}")
+    "${orva_examples_unavailable}")
+orva_part(ORVA_BUILD_BENCHMARKS "Build the benchmarks (Linux)" OFF "${orva_tools_unavailable}")
+orva_part(ORVA_BUILD_FUZZERS "Build the fuzzers (clang++)" OFF "${orva_tools_unavailable}")

@@ -57,8 +57,8 @@ std::size_t CCryptAES::GetDecryptedSize(const std::uint8_t* pData, std::size_t n
     try {
         CryptCopy(pData, &n, kCCDecrypt);
     } catch (...) {
-        // Unlike its twin it answers in every case: whoever asks for the size of damaged data goes
-        // on to decrypt it, and learns there what is wrong.
+        // Unlike GetEncryptedSize, returns a number even so: the caller goes on to decrypt, which
+        // reports what is wrong.
     }
     return n;
 }
@@ -82,7 +82,7 @@ void CCryptAES::CryptCopy(const std::uint8_t* pData, std::size_t* pnLength,
     if (*pnLength > std::numeric_limits<std::size_t>::max() - m_nIVLength) {
         throw std::bad_array_new_length();
     }
-    // Room for padding: an operation runs only with an IV of one block.
+    // Room for padding: a valid operation has an IV of one block.
     const std::size_t nCapacity = *pnLength + m_nIVLength;
     const ClearedArray scratch(nCapacity);
     std::copy_n(pData, *pnLength, scratch.Get());
@@ -106,8 +106,7 @@ void CCryptAES::Crypt(std::uint8_t* pData, std::size_t* pnLength, std::size_t nC
 
 void CCryptAES::GetCryptParams(CCAlgorithm* pAlgorithm, CCOptions* pModeOption,
                                CCOptions* pPaddingOption) const {
-    // In ECB mode too, which uses none: the sizes are measured with room for one block more, and
-    // that room is the IV's length.
+    // In ECB mode too, which uses none: CryptCopy takes the IV's length as the room for padding.
     if (m_nIVLength != kCCBlockSizeAES128) {
         throw CCryptLibException(CRYPT_ERROR_IV_LENGTH);
     }
@@ -115,7 +114,7 @@ void CCryptAES::GetCryptParams(CCAlgorithm* pAlgorithm, CCOptions* pModeOption,
         m_nKeyLength != kCCKeySizeAES256) {
         throw CCryptLibException(CRYPT_ERROR_KEY_LENGTH);
     }
-    *pAlgorithm = kCCAlgorithmAES128;  // the key's length chooses among the three
+    *pAlgorithm = kCCAlgorithmAES128;  // the key's length selects the variant
 
     switch (m_nMode) {
         case CRYPT_MODE_ECB:

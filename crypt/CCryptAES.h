@@ -6,12 +6,12 @@
 #include "crypt/CCryptAESBase.h"
 #include "platform/CommonCryptor.h"
 
-// Held during every cipher call of the library, so that no two ever run at once and nobody has to
-// know how a system's call behaves then; and during the parameter checks before it, so that what
-// was checked is what is used. The innermost lock: nothing else is taken while it is held.
+// Held during every cipher call, so that none depends on how a system's call behaves on several
+// threads, and during the parameter checks before it, so that what was checked is what is used. The
+// innermost lock: no other is taken while it is held.
 extern std::mutex gCryptMutex;
 
-// AES over the system's cipher call. The error codes are those of the operations in CCryptBase.
+// AES over the system's cipher call. The error codes are those of CCryptBase's operations.
 class CCryptAES : public CCryptAESBase {
 public:
     CCryptAES() noexcept = default;
@@ -23,8 +23,8 @@ public:
     std::size_t GetDecryptedSize(const std::uint8_t* pData, std::size_t nLength) const override;
 
 private:
-    // The one place where the cipher call is made: nCapacity bytes of room at pData, in place, the
-    // length read before and written after.
+    // The only place that makes the cipher call. Works in place, with room for nCapacity bytes at
+    // pData; the length is read before and written after.
     void Crypt(std::uint8_t* pData, std::size_t* pnLength, std::size_t nCapacity,
                CCOperation nOperation) const;
 
@@ -32,12 +32,12 @@ private:
     void CryptChecked(std::uint8_t* pData, std::size_t* pnLength, std::size_t nCapacity,
                       CCOperation nOperation) const;
 
-    // Runs Crypt on a copy of the bytes at pData. *pnLength is as Crypt, or a failure before it,
-    // leaves it.
+    // Runs Crypt on a copy of the bytes at pData. *pnLength is as Crypt leaves it, or unchanged if
+    // a failure comes before it.
     void CryptCopy(const std::uint8_t* pData, std::size_t* pnLength, CCOperation nOperation) const;
 
-    // The object's parameters as the cipher call wants them. Throws the code of the first that is
-    // wrong: IV length, key length, mode, padding.
+    // Converts the object's parameters for the cipher call. Throws the code of the first wrong one,
+    // in the order IV length, key length, mode, padding.
     void GetCryptParams(CCAlgorithm* pAlgorithm, CCOptions* pModeOption,
                         CCOptions* pPaddingOption) const;
 };

@@ -3,20 +3,21 @@
 
 #include "crypt/CCryptBase.h"
 
-// The codes of SetMode and SetPadding. No other is valid; 4 for PKCS#7 is this interface's own.
+// The codes for SetMode and SetPadding; no others are valid. 4 for PKCS#7 is this interface's own.
 enum : std::uint32_t { CRYPT_MODE_ECB = 1, CRYPT_MODE_CBC = 2 };
 enum : std::uint32_t { CRYPT_PADDING_NONE = 0, CRYPT_PADDING_PKCS7 = 4 };
 
-// What an AES operation runs with besides the key. The operations check it, the setters do not.
+// The parameters of an AES operation besides the key. The operations check them, the setters do
+// not.
 class CCryptAESBase : public CCryptBase {
 public:
     ~CCryptAESBase() override;
 
-    // Keeps a copy of nLength bytes as the IV, in place of the one before. An operation wants 16,
-    // in ECB mode too, which has no use for them. Null is fine with a length of 0.
+    // Keeps a copy of nLength bytes as the IV, replacing the previous one. An operation requires
+    // 16, even in ECB mode, which does not use them. Null is allowed with a length of 0.
     //
-    // Throws std::bad_alloc; then there is no IV, though the length is set, and the cipher call
-    // takes 16 zero bytes for it.
+    // If it throws std::bad_alloc, there is no IV but its length is set: the cipher call then uses
+    // 16 zero bytes.
     void SetIV(const std::uint8_t* pIV, std::uint32_t nLength);
 
     void SetMode(std::uint32_t nMode) noexcept { m_nMode = nMode; }

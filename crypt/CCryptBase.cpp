@@ -15,8 +15,8 @@ void CCryptBase::SetKey(const std::uint8_t* pKey, std::uint32_t nLength) {
 void CCryptBase::ReplaceBytes(std::uint8_t*& pOwned, std::uint32_t& nOwned,
                               const std::uint8_t* pNew, std::uint32_t nNew) {
     FreeBytes(pOwned, nOwned);
-    // The length first: an object that got no memory for its bytes then shows what was asked of it,
-    // and not the length of bytes that are gone.
+    // The length first: if there is no memory for the bytes, the object has the requested length,
+    // not that of bytes that are gone.
     nOwned = nNew;
     pOwned = new std::uint8_t[nNew];
     std::copy_n(pNew, nNew, pOwned);

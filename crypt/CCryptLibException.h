@@ -4,31 +4,31 @@
 #include <cstdint>
 #include <exception>
 
-// What went wrong in a cipher operation. The numbers are the interface's own.
+// Why a cipher operation failed. The numbers are this interface's own.
 enum : std::int32_t {
-    // Of the arguments.
+    // Wrong arguments.
     CRYPT_ERROR_LENGTH_OVER_CAPACITY = 12,
     CRYPT_ERROR_NULL_DATA = 401,
     CRYPT_ERROR_NULL_LENGTH = 402,
 
-    // Of the object's parameters.
+    // Wrong parameters of the object.
     CRYPT_ERROR_PADDING = 451,
     CRYPT_ERROR_IV_LENGTH = 452,
     CRYPT_ERROR_MODE = 453,
     CRYPT_ERROR_KEY_LENGTH = 454,
 
-    // Of the cipher call, by its status.
-    CRYPT_ERROR_PARAM = 203,  // there is no key, for want of memory
+    // A failed cipher call, by its status.
+    CRYPT_ERROR_PARAM = 203,  // no key: there was no memory for it
     CRYPT_ERROR_BUFFER_TOO_SMALL = 204,
     CRYPT_ERROR_MEMORY_FAILURE = 205,
-    CRYPT_ERROR_ALIGNMENT = 206,  // no whole blocks
+    CRYPT_ERROR_ALIGNMENT = 206,  // not whole blocks
     CRYPT_ERROR_DECODE = 207,     // bad padding
     CRYPT_ERROR_UNIMPLEMENTED = 208,
     CRYPT_ERROR_OTHER_STATUS = 209
 };
 
-// The one exception of the cipher classes. The code is all that it tells: what() is
-// std::exception's own. Thrown by value, to be caught by reference.
+// The only exception that the cipher classes define. It carries only the code: what() is
+// std::exception's own. Thrown by value; catch it by reference.
 class CCryptLibException : public std::exception {
 public:
     explicit CCryptLibException(std::int32_t nErrorCode) noexcept;

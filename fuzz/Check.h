@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Ends the run, which keeps the input, unless what is promised holds.
+// Ends the run unless the promise holds. The fuzzer then keeps the input.
 inline void Check(bool holds, const char* promise) {
     if (!holds) {
         std::fprintf(stderr, "broken: %s\n", promise);

@@ -1,4 +1,4 @@
-// The cipher call: it answers as OpenSSL does, and writes nothing behind its buffer.
+// The cipher call: it agrees with OpenSSL and writes nothing past its buffer.
 //
 // Input: eight bytes of parameters, the key and the IV, the message.
 #include <algorithm>
@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t capacity = message.size() + data[3] % 33;
     const bool isInPlace = data[4] % 2 == 0;
 
-    // Exactly as large as it is said to be, so that the address sanitizer sees a byte too many.
+    // Exactly the stated capacity, so that the address sanitizer catches an overrun.
     Bytes out(capacity, 0x5A);
     if (isInPlace) {
         std::copy(message.begin(), message.end(), out.begin());
@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Bytes expected;
     const bool isGood = CipherPeer().Crypt(p, message, expected);
     if (status == kCCBufferTooSmall) {
-        Check(moved > capacity && isGood && moved == expected.size(), "the length that is needed");
+        Check(moved > capacity && isGood && moved == expected.size(), "the needed length");
         return 0;
     }
     Check((status == kCCSuccess) == isGood, "success and failure");

@@ -1,4 +1,4 @@
-// The decoder: what it accepts is what the encoder makes, and one changed digit is noticed.
+// The decoder: it accepts only what the encoder makes, and notices one changed digit.
 //
 // Input: a text, both to decode and to encode; its first two bytes choose the digit.
 #include <algorithm>
@@ -36,7 +36,7 @@ Decoded Decode(const std::string& stored) {
           "the text is shorter than what is stored");
     Check(std::all_of(buffer.begin() + textLength, buffer.end(),
                       [](char c) { return c == kUntouched; }),
-          "nothing is written behind the text");
+          "nothing is written after the text");
     return {filling == 0, buffer.substr(0, written)};
 }
 

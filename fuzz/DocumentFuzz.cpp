@@ -1,7 +1,7 @@
-// The tool's document: a file that is read and written is the same, and a value that is changed
-// reads back the same, with every byte of the other lines as it was.
+// The tool's document: a file that is read and written back is the same; a changed value reads back
+// the same, and every other line keeps its bytes.
 //
-// Input: which entry (a byte), a new value, a NUL, the file.
+// Input: a byte that chooses the entry, a new value, a NUL, the file.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -21,7 +21,7 @@ std::vector<StringsDocument::Entry> Entries(const StringsDocument& document) {
     return entries;
 }
 
-// The place of a line's first byte.
+// The offset of a line's first byte.
 std::size_t StartOf(const std::string& bytes, std::size_t line) {
     std::size_t start = 0;
     for (; line > 0; --line) {
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Check(changed.compare(0, start, file, 0, start) == 0, "the lines before");
     Check(changed.size() >= start + rest.size() &&
               changed.compare(changed.size() - rest.size(), rest.size(), rest) == 0,
-          "the lines behind");
+          "the lines after");
     const std::vector<StringsDocument::Entry> after = Entries(StringsDocument(changed));
     Check(after.size() == before.size(), "the number of entries");
     for (std::size_t i = 0; i < after.size(); ++i) {

@@ -1,4 +1,4 @@
-// The five line functions: each answers as a plain reading does.
+// The five line functions: each agrees with a naive reading.
 //
 // Input: a name, a line feed, a file.
 #include <cstddef>

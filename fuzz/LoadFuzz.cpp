@@ -1,4 +1,4 @@
-// A load of any file in any language: the table is the one that a plain reading makes.
+// A load of any file in any language: the table is the same as that of a naive reading.
 //
 // Input: the language, a line feed, the file.
 #include <cstddef>
@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ++entry;
     }
     for (const auto& [key, value] : expected) {
-        ZuGetLocalizedString(key.c_str());  // protected ones too: hardly any decodes
+        ZuGetLocalizedString(key.c_str());  // protected ones too, though hardly any decodes
     }
     return 0;
 }

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-// The strings file once more, byte by byte and as plainly as can be: what the library's own reading
-// of it is held against. It shares nothing with it.
+// A second reader of strings files, byte by byte and as simple as possible, to compare the library
+// with. It shares no code with the library.
 namespace naive {
 
 inline std::vector<std::string> Lines(const std::string& bytes) {
@@ -46,7 +46,8 @@ inline std::string Lower(std::string text) {
     return text;
 }
 
-// Whether a line is the header of this name ("": of any). Names end at a NUL, as C texts do.
+// Whether a line is the header of the section with this name ("": any section). Names end at a NUL,
+// as C strings do.
 inline bool IsHeader(const std::string& line, const std::string& keyword, const std::string& name) {
     if (line.size() < keyword.size() || line.substr(0, keyword.size()) != keyword) {
         return false;

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-// An input that is a name, a line feed and a file; the name ends at a NUL, as C texts do.
+// An input that is a name, a line feed and a file; the name ends at a NUL, as C strings do.
 struct NamedFile {
     NamedFile(const std::uint8_t* data, std::size_t size) {
         const std::string input(reinterpret_cast<const char*>(data), size);

@@ -1,4 +1,4 @@
-// The tool's commands: what is protected reveals to the same texts, under another key too.
+// The tool's commands: protected texts reveal to the original ones, under another key too.
 //
 // Input: the file.
 #include <cstddef>
@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string file(reinterpret_cast<const char*>(data), size);
 
     StringsDocument document(file);
-    // By force, so that a value which looks stored is taken for a text.
+    // Forced, so that a value that looks stored is treated as a text.
     if (HasError(Protect(document, keys, true))) {
         return 0;
     }
@@ -49,10 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const std::string protectedBytes = document.Bytes();
     Check(!HasError(Protect(document, keys, false)) && document.Bytes() == protectedBytes,
-          "protected ones stay");
+          "protected values stay");
     Check(Rekey(document, keys, otherKeys).empty() && Rekey(document, otherKeys, keys).empty() &&
               document.Bytes() == protectedBytes,
-          "there and back again is the same");
+          "rekeying there and back changes nothing");
     Check(Rekey(document, keys, otherKeys).empty() && Reveal(document, otherKeys).empty(),
           "what was protected can be revealed");
     Check(Texts(document) == Texts(StringsDocument(file)), "the texts are the same");

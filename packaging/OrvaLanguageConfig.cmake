@@ -2,7 +2,7 @@ include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageTargets.cmake")
 # OrvaLanguage::orva-strings, if the component "tools" is installed.
 include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageTools.cmake" OPTIONAL)
 
-# What find_package(OrvaLanguage COMPONENTS ...) may ask for.
+# The components that find_package(OrvaLanguage COMPONENTS ...) may request.
 set(OrvaLanguage_runtime_FOUND TRUE)
 set(OrvaLanguage_development_FOUND TRUE)
 if(TARGET OrvaLanguage::orva-strings)

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <strings.h>
 
-// Fills memory with zero bytes, also where the compiler can see that nobody reads it any more: it
-// must assume that the empty statement does. Length in bytes; null with a length of 0 is fine.
+// Zeroes memory even if the stores look dead: the empty asm counts as a read. Length in bytes; null
+// is allowed with a length of 0.
 inline void ClearMemory(void* memory, std::size_t length) noexcept {
     bzero(memory, length);
     __asm__ __volatile__("" : : "r"(memory) : "memory");

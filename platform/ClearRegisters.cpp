@@ -20,10 +20,10 @@ namespace {
 constexpr unsigned kAvx = 1U << 2U;
 constexpr unsigned kAvx512 = 7U << 5U;
 
-// Which vector registers the system lets programs use. Asked each time, as macOS enables the largest
-// at their first use.
+// The vector registers that the system has enabled. Read each time, as macOS enables the largest
+// ones at their first use.
 unsigned EnabledVectors() noexcept {
-    static const bool canAsk = [] {  // kept, since a virtual machine takes long to answer
+    static const bool hasXgetbv = [] {  // kept: CPUID is slow in a virtual machine
         unsigned eax = 0;
         unsigned ebx = 0;
         unsigned ecx = 0;
@@ -32,7 +32,7 @@ unsigned EnabledVectors() noexcept {
     }();
     unsigned low = 0;
     unsigned high = 0;
-    if (canAsk) {
+    if (hasXgetbv) {
         __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
     }
     return low;
@@ -41,8 +41,9 @@ unsigned EnabledVectors() noexcept {
 }  // namespace
 #endif
 
-// Every register is named as changed: link-time optimisation may put this function into its caller, or
-// tell the caller what it changes, and then the caller keeps something in whatever is not named.
+// Every register is declared as changed: link-time optimisation may inline this function, or tell
+// the caller what it changes, and the caller would then keep data in a register that is not
+// declared.
 void ClearVectorRegisters() noexcept {
 #ifdef __x86_64__
     __asm__ volatile(
@@ -57,11 +58,11 @@ void ClearVectorRegisters() noexcept {
         : ORVA_LOWER_VECTORS);
     const unsigned enabled = EnabledVectors();
     if ((enabled & kAvx) != 0) {
-        // The upper parts of those.
+        // Their upper halves.
         __asm__ volatile("vzeroall" : : : ORVA_LOWER_VECTORS);
     }
     if ((enabled & kAvx512) == kAvx512) {
-        // The sixteen more that vzeroall leaves alone.
+        // The sixteen that vzeroall leaves alone.
         __asm__ volatile(  // GCOVR_EXCL_LINE: few processors have them
             "vpxorq %%zmm16, %%zmm16, %%zmm16\n\tvpxorq %%zmm17, %%zmm17, %%zmm17\n\t"
             "vpxorq %%zmm18, %%zmm18, %%zmm18\n\tvpxorq %%zmm19, %%zmm19, %%zmm19\n\t"

@@ -4,11 +4,12 @@
 [[gnu::noinline]] void ClearVectorRegisters() noexcept;
 [[gnu::noinline]] void ClearGeneralRegisters() noexcept;
 
-// Clears every general and vector register that a function may leave data of its own in: a caller's
-// next lazily bound call would save them to its stack. Does nothing on processors other than x86-64.
+// Clears every general and vector register in which a function may leave its data: the caller's
+// next lazily bound call would save them to the stack. Does nothing on processors other than
+// x86-64.
 //
-// The general ones come last, in a function that calls none: one that does may save a register around
-// the call, to keep the stack aligned, and so put back what was in it.
+// The general ones come last, in a function that calls no other: one that does may save a register
+// around the call, to keep the stack aligned, and so restore its old content.
 inline void ClearRegisters() noexcept {
     ClearVectorRegisters();
     ClearGeneralRegisters();

@@ -6,8 +6,8 @@
 
 #include "platform/ClearMemory.h"
 
-// An owned array for bytes that nobody is to find in memory later: cleared before it is freed. Its
-// bytes are not set at first. Throws std::bad_alloc if memory runs out.
+// An owned array for bytes that must not be left in memory: cleared before it is freed,
+// uninitialised at first. Throws std::bad_alloc if memory runs out.
 class ClearedArray {
 public:
     explicit ClearedArray(std::size_t size) : m_bytes(new std::uint8_t[size]), m_size(size) {}

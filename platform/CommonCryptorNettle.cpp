@@ -26,14 +26,14 @@ const nettle_cipher* CipherOf(std::size_t keyLength) {
     }
 }
 
-// Some bytes that are cleared at the end of their scope.
+// Bytes that are cleared at the end of their scope.
 template <typename Bytes>
 struct Cleared {
     ~Cleared() { ClearMemory(&bytes, sizeof bytes); }
     Bytes bytes;
 };
 
-// One operation under way: the key's schedule and where the chain of blocks stands.
+// One operation in progress: the key schedule and the chaining value.
 class BlockChain {
 public:
     BlockChain(const nettle_cipher& cipher, CCOperation op, CCOptions options, const void* key,
@@ -48,7 +48,7 @@ public:
         }
     }
 
-    // The next whole blocks, in place or not.
+    // Processes the next whole blocks, in place or not.
     void Run(std::uint8_t* out, const std::uint8_t* in, std::size_t length) {
         const auto function = m_isEncryption ? m_cipher.encrypt : m_cipher.decrypt;
         if (m_isEcb) {
@@ -56,8 +56,8 @@ public:
         } else if (m_isEncryption) {
             cbc_encrypt(&m_schedule.bytes, function, kBlock, m_iv.bytes, length, out, in);
         } else {
-            // From a copy, piece by piece: in place, Nettle decrypts into memory of its own, which
-            // it does not clear. The copy is of what is encrypted.
+            // Decrypt from a copy, piece by piece: in place, Nettle leaves plaintext in its own
+            // buffer. The copy holds only ciphertext.
             std::uint8_t piece[kPiece];
             for (std::size_t done = 0; done < length; done += kPiece) {
                 const std::size_t size = std::min(kPiece, length - done);
@@ -78,7 +78,7 @@ private:
     const nettle_cipher& m_cipher;
     const bool m_isEncryption;
     const bool m_isEcb;
-    // Aligned, since CBC encryption takes a fifth longer where they are not.
+    // Aligned: otherwise CBC encryption takes a fifth longer.
     alignas(16) Cleared<Schedule> m_schedule;
     alignas(16) Cleared<std::uint8_t[kBlock]> m_iv = {};
 };
@@ -116,7 +116,7 @@ extern "C" CCCryptorStatus CCCrypt(CCOperation op, CCAlgorithm alg, CCOptions op
         needed = op == kCCEncrypt ? whole + kBlock : dataInLength;
     }
     *dataOutMoved = needed;
-    if (needed > dataOutAvailable || needed < whole) {  // less: more than a size can say
+    if (needed > dataOutAvailable || needed < whole) {  // less: it overflowed
         return kCCBufferTooSmall;
     }
 

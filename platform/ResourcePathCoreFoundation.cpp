@@ -6,7 +6,7 @@
 
 namespace {
 
-// One owned CoreFoundation object, or null; released at the end of its scope.
+// An owned CoreFoundation object, or null; released at the end of its scope.
 template <typename Ref>
 class Owned {
 public:
@@ -26,11 +26,11 @@ private:
     Ref m_ref;
 };
 
-// CoreFoundation crashes on a null argument, so this stops before a call that would get one. A file
-// name that is not UTF-8 is what makes a null in practice: there is no name string then.
+// CoreFoundation crashes on a null argument, so this stops before a call that would get one. In
+// practice only the name string is ever null, for a file name that is not UTF-8.
 void WritePath(CFURLRef bundleURL, CFURLRef resourcesURL, const char* fileName,
                char (&path)[kResourcePathCapacity]) {
-    // Relative to the bundle's URL: the way from the bundle to its resources.
+    // Relative to the bundle's URL: the path from the bundle to its resources.
     const CFStringRef resources = CFURLGetString(resourcesURL);
     if (resources == nullptr) {
         return;
@@ -51,8 +51,8 @@ void WritePath(CFURLRef bundleURL, CFURLRef resourcesURL, const char* fileName,
     if (!pathString) {
         return;
     }
-    // Its result is not asked: whatever stands in the buffer decides. A buffer filled to its end
-    // without a NUL holds no path that could be read.
+    // The result is ignored: the buffer decides. Filled to its end without a NUL, it holds no
+    // usable path.
     CFStringGetFileSystemRepresentation(pathString.Get(), path, kResourcePathCapacity);
     if (std::memchr(path, '\0', kResourcePathCapacity) == nullptr) {
         path[0] = '\0';
@@ -69,7 +69,7 @@ void GetResourcePath(__CFBundle* bundle, const char* fileName,
     if (bundle == nullptr) {
         return;
     }
-    // Both are always asked for, and the first is released first; so no Owned holds them.
+    // Always get both, and release the first one first. That is why no Owned holds them.
     const CFURLRef bundleURL = CFBundleCopyBundleURL(bundle);
     const CFURLRef resourcesURL = CFBundleCopyResourcesDirectoryURL(bundle);
     if (bundleURL != nullptr && resourcesURL != nullptr) {

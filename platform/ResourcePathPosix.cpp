@@ -1,4 +1,4 @@
-// A bundle without CoreFoundation: a folder laid out as one.
+// Bundles without CoreFoundation: folders laid out like one.
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -31,18 +31,18 @@ bool IsFolder(const fs::path& path) {
     return fs::is_directory(path, error);
 }
 
-// The number of bytes that the UTF-8 character at text takes, or 0 if there is none: overlong
-// forms, surrogates and what lies above U+10FFFF are none. The text's NUL ends a cut-off one.
+// The length in bytes of the UTF-8 character at text, or 0 if it is invalid: overlong, a surrogate
+// or above U+10FFFF. The text's NUL makes a truncated one invalid.
 std::size_t CharacterLength(const unsigned char* text) {
     if (text[0] < 0x80) {
         return 1;
     }
     constexpr unsigned char kLowest = 0x80;
     constexpr unsigned char kHighest = 0xBF;
-    // The second byte's range is narrower after the lead bytes at which the three errors begin.
+    // The second byte's range is narrower after the lead bytes where these errors can occur.
     unsigned char lowest = kLowest;
     unsigned char highest = kHighest;
-    std::size_t length = 0;  // stays 0 for a byte that leads no character
+    std::size_t length = 0;  // stays 0 for a byte that begins no character
     if (text[0] >= 0xC2 && text[0] <= 0xDF) {
         length = 2;
     } else if (text[0] >= 0xE0 && text[0] <= 0xEF) {
@@ -97,19 +97,19 @@ fs::path MainBundleFolder() {
     if (error) {
         return {};
     }
-    // What the system says of an executable that was replaced or removed while it runs, as an
-    // upgrade does.
+    // The system adds this ending if the executable was replaced or removed while it runs, as by an
+    // upgrade.
     if (EndsWith(executableName, kDeletedEnding) && !fs::exists(executableName, error)) {
         executableName.resize(executableName.size() - kDeletedEnding.size());
     }
     const fs::path executable = executableName;
     fs::path folder = executable.parent_path();
-    const fs::path above = folder.parent_path();
-    if (above.filename() == "Contents") {
-        return above.parent_path();
+    const fs::path parent = folder.parent_path();
+    if (parent.filename() == "Contents") {
+        return parent.parent_path();
     }
     if (folder.filename() == "bin") {
-        fs::path share = above / "share" / executable.filename();
+        fs::path share = parent / "share" / executable.filename();
         if (IsFolder(share)) {
             return share;
         }
@@ -126,7 +126,7 @@ __CFBundle* ZuOpenBundle(const char* path) {
     std::error_code error;
     fs::path folder = fs::absolute(path, error);
     if (!folder.has_filename()) {
-        folder = folder.parent_path();  // without the slashes at its end
+        folder = folder.parent_path();  // without trailing slashes
     }
     return error ? nullptr : new __CFBundle{std::move(folder)};
 }
@@ -146,8 +146,8 @@ void GetResourcePath(__CFBundle* bundle, const char* fileName,
     }
     std::string found = ResourcesFolder(folder).string();
 
-    // Slashes around the name are dropped: an absolute name stays inside the resources folder, and
-    // a name of nothing else is that folder.
+    // Drop slashes around the name: an absolute name stays inside the resources folder, and a name
+    // of slashes alone is that folder.
     std::string_view name = fileName;
     name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
     name = name.substr(0, name.find_last_not_of('/') + 1);

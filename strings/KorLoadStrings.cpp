@@ -7,8 +7,8 @@
 
 namespace {
 
-// A stream that gives the file's bytes as they are: the host's global locale, which a new stream
-// takes over, may convert them.
+// A stream that reads bytes unconverted: a new stream takes the host's global locale, which may
+// convert them.
 std::ifstream OpenBytes(const char* path) {
     std::ifstream stream;
     stream.imbue(std::locale::classic());
@@ -16,7 +16,7 @@ std::ifstream OpenBytes(const char* path) {
     return stream;
 }
 
-// Reads on to the header line of the section of this name ("": of any) and leaves it in line.
+// Reads up to the header of the section with this name ("": any section) and leaves it in line.
 bool FindSection(std::ifstream& stream, std::string& line, const char* name) {
     while (KorString::GetLine(stream, line)) {
         if (KorString::SearchLanguageKey(line, name)) {
@@ -26,8 +26,8 @@ bool FindSection(std::ifstream& stream, std::string& line, const char* name) {
     return false;
 }
 
-// Puts a line that is an element into the table; any other is passed over.
-void InsertElement(const std::string& line) {
+// Adds a line that is an entry to the table; skips any other.
+void InsertEntry(const std::string& line) {
     std::string key;
     std::string value;
     if (KorString::GetLocalizedElement(line, &key, &value)) {
@@ -46,8 +46,8 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
     if (path[0] == '\0') {
         return 0;
     }
-    // A host may name the section by a text of the very table that goes now ("QVLANG", to load
-    // another file in the same language). Copied before the file is open, so that a copy that fails
+    // language may be a text of the very table that is cleared below (that of "QVLANG", to load
+    // another file in the same language). Copy it before opening the file, so that a failed copy
     // leaves the table alone.
     const std::string section = language;
     std::ifstream stream = OpenBytes(path);
@@ -55,24 +55,24 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
         return 0;
     }
 
-    // Not earlier: as long as the file is not open, the host keeps the texts it has.
+    // Not earlier: until the file is open, the host keeps the texts it has.
     gMapLocalizedStrings.Clear();
 
     std::string line;
     if (!FindSection(stream, line, section.c_str())) {
-        // From the start again, for the first section of any name. If the file can't be opened any
-        // more, no line is found and the table stays empty. The stream is made anew: one of libc++
-        // that read a pipe, which can't seek back as its close would, crashes when it reads again.
+        // Again from the start, for the first section of any name. If the file can no longer be
+        // opened, no line is found and the table stays empty. Use a fresh stream: after close() on
+        // a pipe, libc++'s stream crashes on its next read.
         stream.close();
         stream = OpenBytes(path);
         if (!FindSection(stream, line, "")) {
             return 0;
         }
     }
-    // The header line too: it becomes the entry that tells which section is loaded.
-    InsertElement(line);
+    // The header is an entry too: it says which section is loaded.
+    InsertEntry(line);
     while (KorString::GetLine(stream, line) && !KorString::SearchLanguageKey(line, "")) {
-        InsertElement(line);
+        InsertEntry(line);
     }
     return static_cast<int>(gMapLocalizedStrings.Size());
 }

@@ -6,15 +6,15 @@ namespace {
 
 constexpr char kEscape[] = "\\n";
 constexpr std::size_t kEscapeLength = 2;
-constexpr std::size_t kShortestKey = 4;
+constexpr std::size_t kMinKeyLength = 4;
 
 char LowerAscii(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// Whether two texts differ in the case of ASCII letters at most. strcasecmp would follow the host's
-// locale: after setlocale to a Turkish one, "Italiano" would not find ITALIANO.
-bool EqualButForCase(const char* a, const char* b) {
+// Whether two texts are equal, ignoring the case of ASCII letters. strcasecmp would follow the
+// host's locale: in a Turkish one, "Italiano" would not match ITALIANO.
+bool EqualIgnoringCase(const char* a, const char* b) {
     while (*a != '\0' && LowerAscii(*a) == LowerAscii(*b)) {
         ++a;
         ++b;
@@ -31,7 +31,7 @@ bool SearchKey(const std::string& line, const char* keyword, const char* name) {
     if (line.compare(0, length, keyword, length) != 0) {
         return false;
     }
-    return name[0] == '\0' || EqualButForCase(line.c_str() + length, name);
+    return name[0] == '\0' || EqualIgnoringCase(line.c_str() + length, name);
 }
 
 }  // namespace
@@ -58,9 +58,9 @@ bool KorString::SearchRegionKey(std::string line, const char* region) {
 }
 
 std::string KorString::ConvertNewLine(const std::string* text) {
-    // One pass from left to right: replacing in place would move the rest of the text each time.
+    // One pass: replacing in place would move the rest of the text each time.
     std::string converted;
-    converted.reserve(text->size());  // growing with the text, it would take twice as much
+    converted.reserve(text->size());  // growing step by step would take twice as much
     std::size_t from = 0;
     for (std::size_t found = text->find(kEscape); found != std::string::npos;
          found = text->find(kEscape, from)) {
@@ -74,9 +74,9 @@ std::string KorString::ConvertNewLine(const std::string* text) {
 
 bool KorString::GetLocalizedElement(std::string line, std::string* key, std::string* value) {
     const std::size_t equals = line.find('=');
-    // A key of fewer than four bytes is refused on purpose, so that short scraps of text which
-    // happen to hold "=" do not become entries.
-    if (equals == std::string::npos || equals < kShortestKey) {
+    // Keys of fewer than four bytes are rejected so that short scraps of text that happen to hold
+    // "=" do not become entries.
+    if (equals == std::string::npos || equals < kMinKeyLength) {
         return false;
     }
     *key = line.substr(0, equals);
@@ -85,8 +85,8 @@ bool KorString::GetLocalizedElement(std::string line, std::string* key, std::str
         *value = line.substr(equals + 1);
         return true;
     }
-    // What lies between the quotes is what is left of the line, a copy of the caller's. One quote
-    // alone is the first: a value whose closing quote was forgotten is read to the end of its line.
+    // Cut the line, our own copy, down to what is between the quotes. If the closing quote was
+    // forgotten, the value runs to the end of the line.
     const std::size_t last = line.rfind('"');
     if (last != first) {
         line.erase(last);

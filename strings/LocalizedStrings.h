@@ -3,8 +3,8 @@
 
 #include "strings/StringMap.h"
 
-// The table of the loaded section, which a host sees as KorString::gMapLocalizedStrings. The library
-// itself never goes by that name: it may be bound to another copy of the library.
+// The table of the loaded section, which a host sees as KorString::gMapLocalizedStrings. The
+// library itself never uses that name: it may be bound to another copy of the library.
 extern StringMap gMapLocalizedStrings;
 
 #endif

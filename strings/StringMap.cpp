@@ -8,12 +8,12 @@
 namespace {
 
 constexpr std::size_t kFirstSlots = 64;
-// The blocks grow from one size to the other, each to twice the one before: a small map takes little
+// Each block is twice as large as the one before, between these limits: a small map takes little
 // memory, and a large one few blocks.
 constexpr std::size_t kFirstBlock = std::size_t{4} * 1024;
-constexpr std::size_t kLargestBlock = std::size_t{256} * 1024;
+constexpr std::size_t kMaxBlock = std::size_t{256} * 1024;
 
-// Copies a text and its NUL to the place given and returns the place behind it.
+// Copies a text, adds a NUL and returns the place after it.
 char* CopyText(char* to, std::string_view text) noexcept {
     if (!text.empty()) {
         std::memcpy(to, text.data(), text.size());
@@ -39,7 +39,7 @@ bool StringMap::Insert(std::string_view key, std::string_view value) {
     if (m_index.Find(key, hash) != nullptr) {
         return false;
     }
-    // Half of the slots stay free, so that a search is short.
+    // Half of the slots stay free to keep searches short.
     if (m_nSize >= m_index.Slots() / 2) {
         Grow();
     }
@@ -75,7 +75,7 @@ const StringMap::Entry* const* StringMap::Ordered() const {
     m_index.ForEach([&](const Entry* entry, std::size_t) { sorted[count++] = entry; });
     std::sort(sorted.get(), sorted.get() + count,
               [](const Entry* a, const Entry* b) { return a->Key() < b->Key(); });
-    // Reading threads may sort at the same time: the first one's order is kept.
+    // Several reading threads may sort at once: the first one's order is kept.
     return m_pOrdered.compare_exchange_strong(ordered, sorted.get(), std::memory_order_acq_rel)
                ? sorted.release()
                : ordered;
@@ -87,11 +87,11 @@ void StringMap::ForgetOrder() noexcept {
 
 void* StringMap::Memory::Take(std::size_t size) {
     const std::size_t aligned = (size + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry);
-    if (aligned > kLargestBlock / 4) {
-        return AddBlock(aligned);  // of its own: what is free in the last one stays so
+    if (aligned > kMaxBlock / 4) {
+        return AddBlock(aligned);  // its own block; the shared one keeps its room
     }
     if (aligned > m_nFree) {
-        const std::size_t next = std::clamp(2 * m_nLastBlock, kFirstBlock, kLargestBlock);
+        const std::size_t next = std::clamp(2 * m_nLastBlock, kFirstBlock, kMaxBlock);
         m_pFree = AddBlock(std::max(aligned, next));
         m_nFree = m_nLastBlock = std::max(aligned, next);
     }
@@ -108,12 +108,12 @@ char* StringMap::Memory::AddBlock(std::size_t size) {
 StringMap::Index::Index(std::size_t slots) : m_slots(new Slot[slots]()), m_nSlots(slots) {}
 
 void StringMap::Index::Add(const Entry* entry, std::size_t hash) {
-    for (std::size_t i = 0; i < kMostProbes; ++i) {
+    for (std::size_t i = 0; i < kMaxProbes; ++i) {
         Slot& slot = m_slots[(hash + i) & (m_nSlots - 1)];
         if (slot.pEntry == nullptr) {
             slot = {hash, entry};
             return;
         }
     }
-    m_crowded.emplace(entry->Key(), entry);
+    m_overflow.emplace(entry->Key(), entry);
 }

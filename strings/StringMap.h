@@ -10,11 +10,11 @@
 #include <string_view>
 #include <vector>
 
-// The library's own map from key to value; a host sees it as a KorStringMap. Keys and values are byte
-// strings of any content. A key is there once: its first value stays. An entry never moves, so its
-// texts are valid until the map is cleared or destroyed.
+// The library's own map from key to value; a host sees it as a KorStringMap. Keys and values are
+// byte strings of any content. Keys are unique, and the first value stays. An entry never moves, so
+// its texts are valid until the map is cleared or destroyed.
 //
-// Any number of threads may read a map at once; none may while another changes it.
+// Any number of threads may read a map at once, but not while one changes it.
 class StringMap {
 public:
     // One key with its value. Both texts are NUL-terminated, and may hold NUL bytes of their own.
@@ -44,12 +44,12 @@ public:
 
     std::size_t Size() const noexcept { return m_nSize; }
 
-    // The entry of exactly this key, or null.
+    // The entry with exactly this key, or null.
     const Entry* Find(std::string_view key) const noexcept { return m_index.Find(key, Hash(key)); }
 
-    // Walks the entries by key, ordered by unsigned bytes, a prefix before what it begins. The first
-    // call after a change sorts them and throws std::bad_alloc if memory runs out; the order is kept
-    // until the next change.
+    // All entries in key order: by unsigned bytes, a prefix first. The first call after a change
+    // sorts them and throws std::bad_alloc if memory runs out; the order is kept until the next
+    // change.
     const Entry* const* begin() const { return Ordered(); }
     const Entry* const* end() const { return Ordered() + m_nSize; }
 
@@ -57,19 +57,19 @@ public:
     const Entry* const* LowerBound(std::string_view key) const;
 
     // Adds an entry with copies of both texts. Returns false, and changes nothing, if the key is
-    // there already. Throws std::bad_alloc if memory runs out; then the entries are as before, though
-    // what was got of it may be kept for the next one.
+    // present already. If it throws std::bad_alloc, the entries are unchanged; memory already
+    // obtained may be kept.
     bool Insert(std::string_view key, std::string_view value);
 
-    // Removes every entry and gives its memory back.
+    // Removes every entry and frees its memory.
     void Clear() noexcept;
 
-    // Sixteen bytes at a time, the last ones together with some of those before: then keys of 17 to
-    // 32 bytes, as most are, take the same way through it, which the processor learns. std::hash goes
-    // by each byte of the rest, a way that is guessed wrong at most look-ups. Who knows the numbers
-    // can make keys that all have one hash; Index copes.
+    // Consumes 16 bytes at a time; the tail overlaps bytes already read, so keys of 17 to 32 bytes,
+    // as most are, take the same predictable path. std::hash branches on each byte of the tail and
+    // mispredicts at most lookups. Not keyed: an attacker can make colliding keys; Index bounds the
+    // cost.
     static std::size_t Hash(std::string_view key) noexcept {
-        // Any that are odd and have about half of their bits set.
+        // Any odd constants with about half their bits set.
         constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15;
         constexpr std::uint64_t kSecond = 0xD1B54A32D192ED03;
         const char* text = key.data();
@@ -99,18 +99,18 @@ public:
     }
 
 private:
-    // Built for the look-up, which is most of what is ever done with a map: one hash leads to the
-    // entry, whose texts lie side by side. The order of the keys is made when somebody walks them. A
-    // tree would keep it at all times, at some fifteen comparisons a look-up.
+    // Built for lookups, by far the most frequent operation: one hash leads to the entry, whose
+    // texts are side by side. The key order is made only for a walk. A tree would always keep it,
+    // at some fifteen comparisons per lookup.
     class Index {
     public:
         Index() noexcept = default;
 
-        // With so many slots, a power of two. Throws std::bad_alloc.
+        // slots must be a power of two. Throws std::bad_alloc.
         explicit Index(std::size_t slots);
 
         const Entry* Find(std::string_view key, std::size_t hash) const noexcept {
-            for (std::size_t i = 0; i < kMostProbes && m_nSlots != 0; ++i) {
+            for (std::size_t i = 0; i < kMaxProbes && m_nSlots != 0; ++i) {
                 const Slot& slot = m_slots[(hash + i) & (m_nSlots - 1)];
                 if (slot.pEntry == nullptr) {
                     return nullptr;
@@ -119,8 +119,8 @@ private:
                     return slot.pEntry;
                 }
             }
-            const auto found = m_crowded.find(key);
-            return found == m_crowded.end() ? nullptr : found->second;
+            const auto found = m_overflow.find(key);
+            return found == m_overflow.end() ? nullptr : found->second;
         }
 
         // Calls visit for every entry, with the entry and its hash.
@@ -131,12 +131,12 @@ private:
                     visit(m_slots[i].pEntry, m_slots[i].nHash);
                 }
             }
-            for (const auto& crowded : m_crowded) {
-                visit(crowded.second, Hash(crowded.first));
+            for (const auto& item : m_overflow) {
+                visit(item.second, Hash(item.first));
             }
         }
 
-        // Adds an entry whose key is not there. Throws std::bad_alloc, and then has not.
+        // Adds an entry whose key is absent. If it throws std::bad_alloc, nothing was added.
         void Add(const Entry* entry, std::size_t hash);
 
         std::size_t Slots() const noexcept { return m_nSlots; }
@@ -147,31 +147,31 @@ private:
             const Entry* pEntry;  // null: the slot is free
         };
 
-        // An entry stands in the first free slot of those that its hash names and that follow it.
-        // Where so many are taken, which a good hash never makes happen, it goes to an ordered map:
-        // then a file made of keys that all have one hash can't make a load take quadratic time.
-        static constexpr std::size_t kMostProbes = 64;
+        // Linear probing from the hash's slot. After kMaxProbes full slots, which a good hash never
+        // meets, the entry goes to an ordered map, so that colliding keys cannot make a load
+        // quadratic.
+        static constexpr std::size_t kMaxProbes = 64;
 
         std::unique_ptr<Slot[]> m_slots;
         std::size_t m_nSlots = 0;  // a power of two, or 0
-        std::map<std::string_view, const Entry*> m_crowded;
+        std::map<std::string_view, const Entry*> m_overflow;
     };
 
-    // What the entries lie in: blocks that are filled one after the other and freed as a whole; a
-    // large entry has one of its own. An allocation for each entry, and its release, would be a good
-    // part of a load, and of a host's exit.
+    // Holds the entries, in blocks that are filled one after the other and freed as a whole; a
+    // large entry has a block of its own. Allocating and freeing each entry would be a good part of
+    // a load and of a host's exit.
     class Memory {
     public:
-        // A place for so many bytes, aligned for an entry. Throws std::bad_alloc.
+        // Returns size bytes, aligned for an entry. Throws std::bad_alloc.
         void* Take(std::size_t size);
 
     private:
         char* AddBlock(std::size_t size);
 
         std::vector<std::unique_ptr<char[]>> m_blocks;
-        std::size_t m_nLastBlock = 0;  // the size of the last that is shared
-        char* m_pFree = nullptr;       // in the last of those, with so many bytes behind it
-        std::size_t m_nFree = 0;
+        std::size_t m_nLastBlock = 0;  // size of the last shared block
+        char* m_pFree = nullptr;       // its next free byte
+        std::size_t m_nFree = 0;       // bytes left there
     };
 
     template <typename Integer>
@@ -181,7 +181,7 @@ private:
         return value;
     }
 
-    // Both halves of the product together, so that no bit of a factor is lost to the result.
+    // XORs both halves of the product, so that no bit of a factor is lost.
     static std::uint64_t Fold(std::uint64_t a, std::uint64_t b) noexcept {
         static_assert(sizeof(std::size_t) == 8, "the library is for 64-bit systems");
         __extension__ using Product = unsigned __int128;

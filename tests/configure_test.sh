@@ -114,15 +114,15 @@ set(CMAKE_C_COMPILER "$CC")
 set(CMAKE_CXX_COMPILER "$CXX")
 END
 accepts -DCMAKE_TOOLCHAIN_FILE="$work/toolchain.cmake" -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_FLAGS="$CXXFLAGS"
-says "-- ORVA_BUILD_TESTS is off: what a cross-build makes does not run here; set CMAKE_CROSSCOMPILING_EMULATOR."
-says "-- ORVA_BUILD_EXAMPLES is off: the orva-strings of a cross-build does not run here; set ORVA_STRINGS_EXECUTABLE to one that does."
+says "-- ORVA_BUILD_TESTS is off: cross-built programs do not run here; set CMAKE_CROSSCOMPILING_EMULATOR."
+says "-- ORVA_BUILD_EXAMPLES is off: a cross-built orva-strings does not run here; set ORVA_STRINGS_EXECUTABLE to one that does."
 has_target orva-strings || fail "a cross-build has no orva-strings"
 if has_target SampleHost; then
     fail "a cross-build has a sample host whose texts it can't protect"
 fi
-refuses "ORVA_BUILD_TESTS=ON: what a cross-build makes does not run here; set CMAKE_CROSSCOMPILING_EMULATOR." \
+refuses "ORVA_BUILD_TESTS=ON: cross-built programs do not run here; set CMAKE_CROSSCOMPILING_EMULATOR." \
     -DORVA_BUILD_TESTS=ON
-refuses "ORVA_BUILD_EXAMPLES=ON: the orva-strings of a cross-build does not run here; set ORVA_STRINGS_EXECUTABLE to one that does." \
+refuses "ORVA_BUILD_EXAMPLES=ON: a cross-built orva-strings does not run here; set ORVA_STRINGS_EXECUTABLE to one that does." \
     -DORVA_BUILD_EXAMPLES=ON
 accepts -DCMAKE_CROSSCOMPILING_EMULATOR=env
 does_not_say "is off"

@@ -17,7 +17,7 @@ public:
         m_locale = generator(corpus.Language() + ".UTF-8");
     }
 
-    // The key itself if there is none.
+    // Returns the key itself if the text is missing.
     std::string LookUp(const char* key) const { return boost::locale::gettext(key, m_locale); }
 
     static bool IsFound(const std::string& text, const char* key) { return text != key; }

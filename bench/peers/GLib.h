@@ -23,7 +23,7 @@ public:
     GLib(const GLib&) = delete;
     GLib& operator=(const GLib&) = delete;
 
-    // A copy, or null if there is none.
+    // Returns a copy, or null if the text is missing.
     std::unique_ptr<char, Free> LookUp(const char* key) const {
         return std::unique_ptr<char, Free>(g_key_file_get_string(m_file, "texts", key, nullptr));
     }

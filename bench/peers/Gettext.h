@@ -7,8 +7,8 @@
 
 #include "bench/Corpus.h"
 
-// GNU gettext, the one in the C library. It maps the catalog, and keeps every translation that it
-// found once in a tree.
+// GNU gettext, the one in the C library. It maps the catalog and keeps in a tree every translation
+// that it has found.
 class Gettext {
 public:
     static constexpr char kName[] = "gettext";
@@ -20,7 +20,7 @@ public:
         bind_textdomain_codeset(m_domain.c_str(), "UTF-8");
     }
 
-    // The key itself if there is none.
+    // Returns the key itself if the text is missing.
     const char* LookUp(const char* key) const { return dgettext(m_domain.c_str(), key); }
 
     static bool IsFound(const char* text, const char* key) { return text != key; }

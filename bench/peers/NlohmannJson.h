@@ -15,7 +15,7 @@ public:
         m_texts = nlohmann::json::parse(file);
     }
 
-    // Null if there is none.
+    // Null if the text is missing.
     const std::string* LookUp(const char* key) const {
         const auto found = m_texts.find(key);
         return found == m_texts.end() ? nullptr : found->get_ptr<const std::string*>();

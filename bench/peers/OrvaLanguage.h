@@ -16,7 +16,7 @@ public:
         ZuCloseBundle(bundle);
     }
 
-    // Null if there is none. Not static, as the others need their object.
+    // Null if the text is missing. Not static, since the other peers need their object.
     // NOLINTNEXTLINE(readability-convert-member-functions-to-static)
     const char* LookUp(const char* key) const { return ZuGetLocalizedString(key); }
 

@@ -14,7 +14,7 @@ public:
         static_cast<void>(m_translator.load(QString::fromStdString(corpus.File("texts.qm"))));
     }
 
-    // Null if there is none.
+    // Null if the text is missing.
     QString LookUp(const char* key) const { return m_translator.translate("", key); }
 
     static bool IsFound(const QString& text, const char* /*key*/) { return !text.isNull(); }

@@ -7,7 +7,7 @@
 
 #include "bench/Corpus.h"
 
-// A std::map filled from the same strings file through the library's line functions: the plainest
+// A std::map filled from the same strings file through the library's line functions: the simplest
 // way to write this library.
 class StandardMap {
 public:
@@ -28,7 +28,7 @@ public:
         }
     }
 
-    // Null if there is none.
+    // Null if the text is missing.
     const char* LookUp(const char* key) const {
         const auto found = m_texts.find(key);
         return found == m_texts.end() ? nullptr : found->second.c_str();

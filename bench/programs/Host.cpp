@@ -1,7 +1,7 @@
-// A host of one of the peers: loads a corpus, looks its first keys up, and exits.
+// A host that uses one of the peers: loads a corpus, looks up its first keys, and exits.
 //
-// Usage: host_… CORPUS [COUNT | memory]    COUNT: how many keys, 100 unless told. With "memory" it
-// looks all of them up, and prints how many bytes of the heap the loaded texts take.
+// Usage: host_… CORPUS [COUNT | memory]    COUNT: how many keys, 100 by default. With "memory" it
+// looks up all of them, and prints how many bytes of heap the loaded texts take.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>

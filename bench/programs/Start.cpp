@@ -1,5 +1,5 @@
-// Does nothing, but needs the C++ library; and this one too where it is linked with it. With an
-// argument, prints the most memory that was resident, in bytes.
+// Does nothing, but needs the C++ library, and this library if linked with it. With an argument,
+// prints the peak resident memory in bytes.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv) {
 #ifdef WITH_ORVALANGUAGE
-    // A use, so that the linker keeps the library.
+    // Used, so that the linker keeps the library.
     if (ZuGetLocalizedString("KEY") != nullptr) {
         return 1;
     }

@@ -1,4 +1,4 @@
-// A host in small: loads its texts in the language asked for and shows them.
+// A minimal host: loads its texts in the requested language and shows them.
 //
 // Usage: SampleHost [LANGUAGE [FILE]]
 #include <cstdio>

@@ -1,4 +1,4 @@
-/* Marks what leaves the shared library; everything else in it is hidden. */
+/* Marks what the shared library exports; everything else in it is hidden. */
 #ifndef ORVALANGUAGE_EXPORT_H
 #define ORVALANGUAGE_EXPORT_H
 

@@ -11,14 +11,15 @@
 #include <optional>
 #include <string_view>
 
-// A read-only map from key to value, both byte strings of any content. A host neither makes one nor
-// changes it. The section's header is an entry, with the key "QVLANG"; protected texts are as the file
-// has them, undecoded. The map and its texts go when the process exits or the library is unloaded.
+// A read-only map from key to value, both byte strings of any content. A host neither creates nor
+// changes one. The section's header is an entry, with the key "QVLANG"; protected texts are as the
+// file has them, undecoded. The map and its texts are destroyed when the process exits or the
+// library is unloaded.
 //
 // Only the order of the virtual functions and the layout of Texts are compiled into a host, so a
-// host runs with any standard library, whichever the library was built with.
+// host may use any standard library, whichever the library was built with.
 //
-// Any number of threads may read a map at once; none may while a load runs.
+// Any number of threads may read a map at once, but not while a load runs.
 class KorStringMap {
 public:
     // One key with its value, each followed by a NUL byte. The texts belong to the map and are valid
@@ -28,8 +29,8 @@ public:
         std::string_view value;
     };
 
-    // Walks the entries by key, ordered by unsigned bytes, a prefix before what it begins. Valid
-    // until a load opens its file; an entry that it gives, until the iterator is changed.
+    // Walks the entries in key order: by unsigned bytes, a prefix first. Valid until a load opens
+    // its file. The entry that it refers to is valid until the iterator changes.
     class Iterator {
     public:
         using iterator_category = std::input_iterator_tag;
@@ -38,7 +39,7 @@ public:
         using pointer = const Entry*;
         using reference = const Entry&;
 
-        // Of no map: to be assigned to, and nothing else. C++20's ranges ask for it.
+        // Refers to no map and can only be assigned to. C++20's ranges require it.
         Iterator() noexcept = default;
         reference operator*() const noexcept { return m_entry; }
         pointer operator->() const noexcept { return &m_entry; }
@@ -78,7 +79,7 @@ public:
 
     std::size_t Size() const noexcept { return Count(); }
 
-    // The entry of exactly this key, if there is one.
+    // The entry with exactly this key, if there is one.
     std::optional<Entry> Find(std::string_view key) const noexcept {
         Texts texts = {};
         return FindTexts(key.data(), key.size(), &texts) ? std::optional<Entry>(EntryOf(texts))
@@ -111,11 +112,12 @@ private:
     }
 
     virtual std::size_t Count() const noexcept = 0;
-    // Returns false, and leaves texts alone, if no entry has this key.
+    // Returns false and leaves texts unchanged if no entry has this key.
     virtual bool FindTexts(const char* key, std::size_t length, Texts* texts) const noexcept = 0;
     // How many keys are less than this one.
     virtual std::size_t LowerRank(const char* key, std::size_t length) const = 0;
-    // Of the entry that this many keys are less than: less than Size(), and after a LowerRank.
+    // The texts of the entry that this many keys are less than. The rank is less than Size(), and
+    // LowerRank has been called before.
     virtual Texts TextsAt(std::size_t rank) const noexcept = 0;
 };
 

@@ -1,20 +1,20 @@
 /*
- * libOrvaLanguage for a host, in C or C++: load one language section of a strings file, then look
- * its texts up by key.
+ * libOrvaLanguage for C and C++ hosts: load one language section of a strings file, then look up
+ * its texts by key.
  *
- * What holds for every call here:
- * - Texts going in are NUL-terminated bytes and are not kept: the caller may free them afterwards.
- * - Texts coming out belong to the library; the caller never frees or changes them. How long one
- *   lives is said at the call that hands it out.
- * - A failure shows in the result alone (0, or null). Nothing is printed or logged, errno means
- *   nothing, and no call ends the process. The one exception that can leave a call is
- *   std::bad_alloc, when memory runs out; a C host ends there.
- * - There is one table for each copy of the library in the process, and it has no lock. Lookups may
- *   run at the same time as lookups, except for the first of a protected key (see
- *   ZuGetLocalizedString). A load must not run at the same time as another load or a lookup, nor any
- *   call while the process exits or the library is unloaded: the table goes then, so a host joins
- *   its threads first, or ends with _exit. No call may come from a signal handler, nor from a static
- *   initialiser that may run before the library's; a forked process has a table of its own.
+ * For every call here:
+ * - Texts passed in are NUL-terminated bytes and are not kept: the caller may free them afterwards.
+ * - Texts returned belong to the library; the caller never frees or changes them. Each call says
+ *   how long its text lives.
+ * - Only the result (0, or null) shows a failure. Nothing is printed or logged, errno means
+ *   nothing, and no call ends the process. The only exception that a call can throw is
+ *   std::bad_alloc, when memory runs out; it ends a C host.
+ * - Each copy of the library in the process has one table, without a lock. Lookups may run
+ *   concurrently, except for the first of a protected key (see ZuGetLocalizedString). A load must
+ *   not run at the same time as another load or a lookup. No call may run while the process exits
+ *   or the library is unloaded, which destroys the table: a host joins its threads first, or ends
+ *   with _exit. No call may come from a signal handler, nor from a static initialiser that may run
+ *   before the library's. A forked process has a table of its own.
  */
 #ifndef ORVALANGUAGE_ORVALANGUAGE_H
 #define ORVALANGUAGE_ORVALANGUAGE_H
@@ -27,35 +27,36 @@ extern "C" {
 
 /*
  * A bundle: a folder that carries an application's resources. On macOS this is CoreFoundation's
- * type, so a CFBundleRef is what to pass; elsewhere ZuOpenBundle makes one.
+ * type: pass a CFBundleRef. Elsewhere, ZuOpenBundle makes one.
  */
 struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own name */
 
 /*
- * Loads one language section of a strings file in place of the table loaded before.
+ * Loads one language section of a strings file, replacing the table.
  *
- * language  the section's name, compared without regard to the case of ASCII letters. "" is the
- *           file's first section, and so is a name that the file does not have.
- * fileName  the file inside the bundle's resources folder, in UTF-8. It may name folders ("a/b",
- *           "../c"). Slashes at its beginning and its end are dropped; "" and "/" are the resources
- *           folder itself, which holds no section.
- * bundle    the bundle, still owned by the caller, who may close it afterwards; null is the
- *           application's main bundle.
+ * language  the section's name, ignoring the case of ASCII letters. "", or a name that the file
+ *           does not have, selects the file's first section.
+ * fileName  the file inside the bundle's resources folder, in UTF-8. It may include folders ("a/b",
+ *           "../c"). Leading and trailing slashes are dropped; "" and "/" are the resources folder
+ *           itself, which holds no section.
+ * bundle    the bundle, owned by the caller, who may close it afterwards; null is the application's
+ *           main bundle.
  *
- * Returns the number of entries in the new table. The section's own header counts as one: its key
- * is "QVLANG", its value the section's name. Returns 0 on failure. ZuGetLocalizedString then answers
+ * Returns the number of entries in the new table. The section's header is one of them: its key is
+ * "QVLANG", its value the section's name. Returns 0 on failure. ZuGetLocalizedString then returns
  * null for every key until a load succeeds, and
- * - the earlier table stays, and with it the texts that were handed out from it, where the file was
- *   not opened: a null language or fileName, a fileName that is not UTF-8, a bundle whose folder is
- *   gone, a path of 1024 bytes or more, a file that is missing or may not be read;
- * - the table is empty where the file was opened but holds no section, as with an empty file or a
+ * - if the file was not opened, the earlier table and the texts handed out from it stay. Causes: a
+ *   null language or fileName, a fileName that is not UTF-8, a bundle whose folder is gone, a path
+ *   of 1024 bytes or more, a file that is missing or unreadable;
+ * - if the file was opened but holds no section, the table is empty. Causes: an empty file, a
  *   folder.
  *
  * A read error, or a line too long for memory, is treated as the end of the file: the entries before
  * it count, and a section not reached counts as missing.
  *
- * Throws std::bad_alloc if memory runs out elsewhere. The table is then the earlier one, if the file
- * was not open yet, or holds the entries read so far, and lookups behave as after the previous load.
+ * Throws std::bad_alloc if memory runs out elsewhere. The table is then the earlier one if the file
+ * was not open yet; otherwise it holds the entries read so far. Lookups behave as after the
+ * previous load.
  *
  * Every text handed out from the table is invalid once a load has opened its file.
  */
@@ -63,50 +64,50 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
                               struct __CFBundle* bundle);
 
 /*
- * Looks a text up in the table.
+ * Looks up a text in the table.
  *
- * key  must not be null. Matched whole and by case.
+ * key  must not be null. The match is exact and case-sensitive.
  *
  * Returns the text, or null if
  * - the last ZuLoadStrings returned 0, or none has run, whatever KorLoadStrings may have loaded;
  * - the table has no such key;
- * - the key is protected, that is, begins with "IDE", and its stored text does not decode: it was
- *   never protected, was damaged, or made with another key. Each lookup tries again.
+ * - the key is protected (it begins with "IDE") and its stored text does not decode: it was never
+ *   protected, is damaged, or was made with another key. Each lookup tries again.
  *
  * An ordinary text is valid until a load opens its file. A protected text is decoded at its first
- * lookup and kept: it is valid until the process exits or the library is unloaded, and every later
- * lookup returns the same, even if a reload has brought another text for its key. After a reload that
- * lacks the key the answer is null. If memory runs out at the first lookup the answer is null, or
+ * lookup and kept. It is valid until the process exits or the library is unloaded, and every later
+ * lookup returns it, even if a reload has brought another text for its key. After a reload that
+ * lacks the key, the answer is null. If memory runs out at the first lookup, the answer is null, or
  * empty from then on.
  *
  * The first successful lookup of a protected key writes to the cache of decoded texts, so it must not
- * run at the same time as another lookup of a protected key. A host with several threads looks each
- * one up before it starts them. Throws nothing.
+ * run at the same time as another lookup of a protected key. A host with several threads looks up
+ * each one before it starts them. Throws nothing.
  */
 ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
 
 #ifndef __APPLE__
 /*
- * Makes a bundle of the folder at path. The resources folder in it is
- * - Resources, if the folder's name ends in ".framework" and Resources is there;
- * - else Contents/Resources, if Contents is there (Contents/Resources need not be);
- * - else Resources, if that is there;
- * - else the folder itself.
- * Which of these holds is asked anew at each load.
+ * Makes a bundle of the folder at path. Its resources folder is the first of these that applies,
+ * checked at each load:
+ * - Resources, if the folder's name ends in ".framework" and Resources exists;
+ * - Contents/Resources, if Contents exists (Contents/Resources need not exist);
+ * - Resources, if it exists;
+ * - the folder itself.
  *
- * A relative path is taken from the folder that is current at this call. The path may be a symbolic
- * link to a folder. Each load follows it anew, so the bundle is the folder that it leads to then,
- * the ".framework" of that folder's name included.
+ * A relative path is resolved against the current folder at this call. The path may be a symbolic
+ * link to a folder. Each load follows it again, so the bundle is the link's target at that time,
+ * and it is the target's name that may end in ".framework".
  *
- * Returns the bundle, to be given to ZuCloseBundle once, or null if path is null or not a folder, or
- * is relative and the current folder is gone. Throws std::bad_alloc if memory runs out.
- * May run on any thread at any time; so may ZuCloseBundle with a bundle that no call is using.
+ * Returns the bundle, to be closed with ZuCloseBundle once, or null if path is null or not a
+ * folder, or is relative and the current folder is gone. Throws std::bad_alloc if memory runs out.
+ * May run on any thread at any time, as may ZuCloseBundle for a bundle that no call is using.
  */
 ORVA_EXPORT struct __CFBundle* ZuOpenBundle(const char* path);
 
 /*
- * Frees a bundle from ZuOpenBundle, which must not be used afterwards; the table stays. Null is
- * fine.
+ * Frees a bundle from ZuOpenBundle. It must not be used afterwards; the table stays. Null is
+ * allowed.
  */
 ORVA_EXPORT void ZuCloseBundle(struct __CFBundle* bundle);
 #endif
