@@ -234,6 +234,7 @@ for answer in en:one FR:deux xx:one; do
     [ "$shown" = "MENU=\"${answer#*:}\"" ] || { echo "shared, ${answer%:*} shows $shown"; exit 1; }
 done
 if ! grep -qa __ubsan_handle "$tool"; then  # which opens files, too, and gives up without them
+    exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # what the test's own parent left open
     for files in $(seq 3 12); do
         shown=no
         if (ulimit -n "$files"; show) >/dev/null 2>&1; then shown=yes; fi
