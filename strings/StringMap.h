@@ -147,8 +147,8 @@ private:
             const Entry* pEntry;  // null: the slot is free
         };
 
-        // Linear probing from the hash's slot. After kMaxProbes full slots, which a good hash never
-        // meets, the entry goes to an ordered map, so that colliding keys cannot make a load
+        // Linear probing from the hash's slot. After kMaxProbes full slots, which a good hash hardly
+        // ever meets, the entry goes to an ordered map, so that colliding keys cannot make a load
         // quadratic.
         static constexpr std::size_t kMaxProbes = 64;
 

@@ -689,7 +689,7 @@ TEST_F(HostileFiles, WhatIsNotOpenedKeepsTheTableAndWhatHoldsNothingEmptiesIt) {
         ASSERT_EQ(Load("en"), 2);
         EXPECT_EQ(Load("en", c.name), 0);
         EXPECT_EQ(LoadedTable(), c.after);
-        // After a load that returned 0 the look-up answers nothing, whatever the table holds.
+        // After a load that returned 0 the lookup answers nothing, whatever the table holds.
         EXPECT_EQ(ZuGetLocalizedString("ABCD"), nullptr);
     }
 }

@@ -114,7 +114,7 @@ protected:
                 EXPECT_EQ(status, 2) << m_err;
                 EXPECT_NE(m_err.find("orva-strings: error: "), std::string::npos) << m_err;
             }
-            // A look-up leaves the buffer that may hold plaintext on purpose.
+            // A lookup leaves the buffer that may hold plaintext on purpose.
             EXPECT_LE(m_left, arguments[0] == "show" ? 1U : 0U) << "allocations not released";
             check(status);
             points += m_hasFailed ? 1 : 0;

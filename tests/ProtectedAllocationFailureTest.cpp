@@ -1,4 +1,4 @@
-// Every allocation of a first look-up fails once, the decoder's included.
+// Every allocation of a first lookup fails once, the decoder's included.
 #include <string>
 #include <thread>
 
@@ -43,7 +43,7 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
                 EXPECT_EQ(left, 0U) << "the sizing call failed, or the buffer";
             }
             EXPECT_LE(left, 2U) << "at most the buffer and the cache's index";
-            EXPECT_EQ(ZuGetLocalizedString(key.c_str()), text) << "the next look-up tries again";
+            EXPECT_EQ(ZuGetLocalizedString(key.c_str()), text) << "the next lookup tries again";
         } else if (*answer == '\0') {
             // The filling call ran out of memory and wrote nothing, and its status is not asked.
             EXPECT_TRUE(failed);

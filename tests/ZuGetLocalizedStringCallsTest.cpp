@@ -1,5 +1,5 @@
-// How the look-up calls the decoder, and what it makes of odd answers, seen by stand-ins for the
-// decoder and the plain look-up.
+// How the lookup calls the decoder, and what it makes of odd answers, seen by stand-ins for the
+// decoder and the plain lookup.
 #include <cstring>
 #include <string>
 #include <sys/mman.h>

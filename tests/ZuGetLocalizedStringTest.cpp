@@ -1,4 +1,4 @@
-// The one look-up call through the built library, protected texts included.
+// The one lookup call through the built library, protected texts included.
 #include <set>
 #include <string>
 #include <unistd.h>

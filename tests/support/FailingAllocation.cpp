@@ -127,7 +127,7 @@ void operator delete[](void* block, std::size_t) noexcept {
     Free(block);
 }
 
-// The buffer that a look-up leaves on purpose where memory runs out is no leak to report.
+// The buffer that a lookup leaves on purpose where memory runs out is no leak to report.
 extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:ZuGetLocalizedString";

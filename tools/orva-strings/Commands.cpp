@@ -111,7 +111,7 @@ std::map<std::string, std::size_t> LinesOf(const StringsDocument::Section& secti
     return lines;
 }
 
-// What a host gets for a key. Throws if that is not what is stored: a look-up that runs out of
+// What a host gets for a key. Throws if that is not what is stored: a lookup that runs out of
 // memory tells nobody, and answers null or an empty text.
 const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
     const char* const text = ZuGetLocalizedString(key.c_str());
