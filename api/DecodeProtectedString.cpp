@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstring>
 
-#include "api/KeyMaterial.h"
-#include "api/ProtectedForm.h"
-#include "platform/ClearRegisters.h"
-#include "platform/ClearedArray.h"
+#include "clearing/ClearRegisters.h"
+#include "clearing/ClearedArray.h"
+#include "protection/KeyMaterial.h"
+#include "protection/ProtectedForm.h"
 
 namespace {
 

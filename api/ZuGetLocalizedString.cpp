@@ -8,9 +8,9 @@
 #include "api/DecodeProtectedString.h"
 #include "api/LoadedCount.h"
 #include "api/PlaintextCache.h"
-#include "api/ProtectedForm.h"
-#include "platform/ClearMemory.h"
-#include "platform/ClearRegisters.h"
+#include "clearing/ClearMemory.h"
+#include "clearing/ClearRegisters.h"
+#include "protection/ProtectedForm.h"
 
 namespace {
 

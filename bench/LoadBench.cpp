@@ -13,7 +13,7 @@
 #include "bench/peers/NlohmannJson.h"
 #include "bench/peers/OrvaLanguage.h"
 #include "bench/peers/StandardMap.h"
-#include "tools/orva-strings/TemporaryBundle.h"
+#include "support/TemporaryBundle.h"
 
 namespace {
 

@@ -11,10 +11,10 @@
 
 #include "bench/Corpus.h"
 #include "platform/CommonCryptor.h"
+#include "support/TemporaryBundle.h"
 #include "tools/orva-strings/Commands.h"
-#include "tools/orva-strings/Key.h"
-#include "tools/orva-strings/ProtectedText.h"
-#include "tools/orva-strings/TemporaryBundle.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+#include "tools/orva-strings/protection/ProtectedText.h"
 
 namespace {
 

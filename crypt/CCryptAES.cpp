@@ -4,8 +4,8 @@
 #include <limits>
 #include <new>
 
+#include "clearing/ClearedArray.h"
 #include "crypt/CCryptLibException.h"
-#include "platform/ClearedArray.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/ClearMemory.h"
+#include "clearing/ClearMemory.h"
 
 CCryptBase::~CCryptBase() {
     FreeBytes(m_pKey, m_nKeyLength);

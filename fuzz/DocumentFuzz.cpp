@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fuzz/Check.h"
-#include "tools/orva-strings/StringsDocument.h"
+#include "tools/orva-strings/document/StringsDocument.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "fuzz/Check.h"
 #include "fuzz/NaiveStrings.h"
 #include "fuzz/NamedFile.h"
-#include "tools/orva-strings/TemporaryBundle.h"
+#include "support/TemporaryBundle.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const TemporaryBundle bundle;

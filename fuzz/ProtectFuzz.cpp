@@ -8,8 +8,8 @@
 
 #include "fuzz/Check.h"
 #include "tools/orva-strings/Commands.h"
-#include "tools/orva-strings/Key.h"
-#include "tools/orva-strings/ProtectedText.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+#include "tools/orva-strings/protection/ProtectedText.h"
 
 namespace {
 

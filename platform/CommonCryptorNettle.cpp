@@ -5,7 +5,7 @@
 #include <nettle/cbc.h>
 #include <nettle/nettle-meta.h>
 
-#include "platform/ClearMemory.h"
+#include "clearing/ClearMemory.h"
 #include "platform/CommonCryptor.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <nettle/sha2.h>
 
-#include "platform/ClearMemory.h"
+#include "clearing/ClearMemory.h"
 #include "platform/Sha256.h"
 
 void Sha256(std::string_view bytes, std::uint8_t (&digest)[kSha256Digest]) noexcept {

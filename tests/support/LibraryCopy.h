@@ -9,7 +9,7 @@
 #include <OrvaLanguage/KorString.h>
 #include <gtest/gtest.h>
 
-#include "tools/orva-strings/TemporaryFolder.h"
+#include "support/TemporaryFolder.h"
 
 // A copy of the library's file, opened by its path as a plug-in does, with its exported names.
 class LibraryCopy {

@@ -11,12 +11,12 @@
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
 
-#include "tools/orva-strings/Files.h"
-#include "tools/orva-strings/Key.h"
-#include "tools/orva-strings/Printable.h"
-#include "tools/orva-strings/ProtectedText.h"
-#include "tools/orva-strings/SignalsHeld.h"
-#include "tools/orva-strings/TemporaryBundle.h"
+#include "support/TemporaryBundle.h"
+#include "tools/orva-strings/cli/Printable.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+#include "tools/orva-strings/protection/ProtectedText.h"
+#include "tools/orva-strings/system/Files.h"
+#include "tools/orva-strings/system/SignalBlock.h"
 
 namespace {
 
@@ -153,7 +153,7 @@ std::set<std::string> KeysOf(const StringsDocument::Section& section) {
 // there: for a missing one the library would read the copy twice.
 void LoadByCopy(const std::string& bytes, const std::string& language) {
     constexpr char kName[] = "strings";
-    const SignalsHeld held;
+    const SignalBlock held;
     const TemporaryBundle bundle;
     const NamelessFile copy(bundle.Resources() / kName, bytes);
     bundle.Link(kName, copy.Path());

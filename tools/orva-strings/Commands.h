@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "api/ProtectedForm.h"
-#include "tools/orva-strings/Finding.h"
-#include "tools/orva-strings/StringsDocument.h"
+#include "protection/ProtectedForm.h"
+#include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/document/StringsDocument.h"
 
 // Each of the three changes the entries of all sections whose key begins with "IDE". With an error
 // among the findings the document may be half changed: it is then of no use any more.

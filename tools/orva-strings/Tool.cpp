@@ -15,12 +15,12 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/ClearedArray.h"
+#include "clearing/ClearedArray.h"
 #include "tools/orva-strings/Commands.h"
-#include "tools/orva-strings/Files.h"
-#include "tools/orva-strings/Finding.h"
-#include "tools/orva-strings/Key.h"
-#include "tools/orva-strings/LibraryFingerprint.h"
+#include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/protection/LibraryFingerprint.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+#include "tools/orva-strings/system/Files.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "tools/orva-strings/Files.h"
 #include "tools/orva-strings/Tool.h"
+#include "tools/orva-strings/system/Files.h"
 
 int main(int argc, char** argv) {
     // A write beyond the limit of a file's size then fails, as one to a full disk does.

@@ -1,0 +1,26 @@
+#ifndef ORVALANGUAGE_SUPPORT_TEMPORARYFOLDER_H
+#define ORVALANGUAGE_SUPPORT_TEMPORARYFOLDER_H
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+// A new folder in the one that TMPDIR names, or in /tmp if it names none; removed with all it holds.
+class TemporaryFolder {
+public:
+    // Throws std::system_error if the system refuses.
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+
+    // Makes a file in the folder, or replaces it.
+    void Write(const std::string& name, std::string_view bytes) const;
+
+private:
+    std::filesystem::path m_path;
+};
+
+#endif

@@ -1,0 +1,105 @@
+#!/usr/bin/env bash
+# Builds the library inside projects whose settings are not its own, runs their hosts, and looks that
+# neither changed the other.
+#
+# Usage: parents_test.sh SOURCE ORVA_STRINGS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build
+#        has them
+set -euo pipefail
+source=$1 tool=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() {
+    printf '%s\n' "$*"
+    cat "$work/log"
+    exit 1
+}
+configure() { # FOLDER ARGUMENT…
+    cmake -S "$source/tests/release/parents" -B "$work/$1" -G "$GENERATOR" -DCMAKE_C_COMPILER="$CC" \
+        -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_C_FLAGS="$CFLAGS" -DSETTINGS="$work/$1.cmake" "${@:2}" \
+        >"$work/log" 2>&1
+}
+build() { # FOLDER OUTPUT: the library and a host, which must print this
+    cmake --build "$work/$1" --target parent_host >"$work/log" 2>&1 || fail "the project $1 does not build:"
+    printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/$1/Host.strings"
+    local printed
+    printed=$("$work/$1/parent_host")
+    [ "$printed" = "$2" ] || fail "the host of the project $1 printed '$printed', not '$2'"
+}
+ours() { # FOLDER: how the library's sources are compiled
+    grep -F '"command": ' "$work/$1/compile_commands.json" | grep -F " $source/" ||
+        fail "the library's sources are not among the commands of the project $1"
+}
+
+# What is shipped still tells its key, whatever the compiler and the linker leave out.
+tells() { # FOLDER KEY: the two lines
+    local library
+    library=$(find "$work/$1" -name 'libOrvaLanguage.so.1')
+    strip -o "$work/stripped" "$library"
+    "$tool" key show --library "$work/stripped" >"$work/log" 2>&1 || true
+    [ "$(cat "$work/log")" = "$2" ] || fail "of the stripped library in the project $1, not '$2':"
+}
+
+# An old standard, GNU extensions, no exceptions and no type information, by variables and by options,
+# no build type, each function and datum in a section that the linker may leave out, and static
+# libraries but for ours.
+cat >"$work/strict.cmake" <<'END'
+set(CMAKE_CXX_STANDARD 14)
+set(CMAKE_CXX_EXTENSIONS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
+add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-std=gnu++14;-fno-exceptions;-fno-rtti>")
+add_compile_options(-ffunction-sections -fdata-sections)
+add_link_options(LINKER:--gc-sections)
+END
+strict=(-DCMAKE_CXX_FLAGS="$CXXFLAGS -std=gnu++11 -fno-exceptions -fno-rtti"
+    -DHOST="$source/tests/release/parents/strict_host.cpp")
+configure strict "${strict[@]}" || fail "the project strict does not configure without the library:"
+settings() { sed -nE '/:(INTERNAL|STATIC)=/d; s/^(CMAKE_[^:]*):[A-Z]*/\1/p' "$work/strict/CMakeCache.txt"; }
+settings >"$work/settings"
+if configure strict "${strict[@]}" -DORVA_SOURCE="$source" -DBUILD_SHARED_LIBS=OFF; then
+    fail "accepted: BUILD_SHARED_LIBS=OFF in a project around the library"
+fi
+grep -qF "BUILD_SHARED_LIBS=OFF: libOrvaLanguage" "$work/log" || fail "it does not say what is wrong:"
+echo 'set(BUILD_SHARED_LIBS ON)' >>"$work/strict.cmake"
+configure strict "${strict[@]}" -DORVA_SOURCE="$source" || fail "the project strict does not configure:"
+if grep -qE "Build type|is off" "$work/log"; then
+    fail "the library decides what is the project's to decide:"
+fi
+diff "$work/settings" <(settings) ||
+    fail "the library changed the project's settings (left) to those on the right"
+ours strict >"$work/commands"
+if grep -F -e -std=gnu++14 "$work/commands"; then
+    fail "the project's -std=gnu++14 reaches the library's sources"
+fi
+if grep -F " $source/tools/" "$work/commands"; then
+    fail "the command is built, for which the project strict did not ask"
+fi
+build strict "2 entries"
+tells strict "$("$tool" key show --key-file "$source/cmake/development.key")"
+cmake --install "$work/strict" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "nothing is installed:"
+[ "$(cd "$work/prefix" && find . ! -type d)" = ./bin/parent_host ] || fail "installed: $(find "$work/prefix")"
+
+# A new standard, every warning an error, link-time optimisation, and a key of its own.
+cat >"$work/modern.cmake" <<'END'
+set(CMAKE_CXX_STANDARD 20)
+include(CheckIPOSupported)
+check_ipo_supported(RESULT has_ipo)
+set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ${has_ipo})
+message(STATUS "Link-time optimisation: ${has_ipo}")
+END
+"$tool" key new "$work/key"
+fingerprint=$("$tool" key show --key-file "$work/key" | sed -n 's/^fingerprint: //p')
+configure modern -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DCMAKE_BUILD_TYPE=MinSizeRel -DORVA_WARNINGS_AS_ERRORS=ON -DORVA_BUILD_TOOLS=ON \
+    -DHOST="$source/tests/release/hosts/host.cpp" -DORVA_SOURCE="$source" -DORVA_KEY_FILE="$work/key" ||
+    fail "the project modern does not configure:"
+grep -qxF -e "-- Protected texts: key with fingerprint $fingerprint" "$work/log" ||
+    fail "it does not name the key's fingerprint, $fingerprint:"
+grep -F -e "Link-time optimisation" "$work/log"
+ours modern >"$work/commands"
+if grep -vF -e -std=c++20 "$work/commands"; then
+    fail "the library is not compiled as the project's C++20"
+fi
+build modern "2 entries, GREETING is Hello"
+tells modern "fingerprint: $fingerprint
+development key: no"
+echo "the library and the projects around it leave each other as they are"

@@ -1,0 +1,48 @@
+// What a key leaves in memory when it is gone.
+#include <algorithm>
+#include <iterator>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FailingAllocation.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+
+namespace {
+
+const char kDigits[] = "0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF";
+
+TEST(KeyCleared, ClearsItsBytesInTheEnd) {
+    alignas(Key) unsigned char memory[sizeof(Key)] = {};
+    const auto isZero = [](unsigned char byte) { return byte == 0; };
+    const Key* const key = new (memory) Key(Key::FromText(kDigits, "key"));
+    ASSERT_FALSE(std::all_of(std::begin(memory), std::end(memory), isZero));
+    key->~Key();
+    EXPECT_TRUE(std::all_of(std::begin(memory), std::end(memory), isZero));
+}
+
+TEST(KeyCleared, ClearsTheTextThatItIsMadeOf) {
+    for (const char* const after : {"", "\n", "\r\n", "0"}) {  // the last is one digit too many
+        std::string text = std::string(kDigits) + after;
+        const FreedMemoryWatch watch(kDigits, sizeof kDigits - 1);
+        try {
+            Key::FromText(std::move(text), "key");
+        } catch (const std::runtime_error&) {
+        }
+        EXPECT_GT(FreedMemoryWatch::Blocks(), 0U);
+        EXPECT_FALSE(FreedMemoryWatch::HasSeen()) << '"' << after << '"';
+    }
+}
+
+TEST(KeyCleared, ClearsTheDigitsThatItsFingerprintIsMadeOf) {
+    const Key key = Key::FromText(kDigits, "key");
+    const FreedMemoryWatch watch(kDigits, sizeof kDigits - 1);
+    EXPECT_EQ(key.Fingerprint().size(), Key::kFingerprint);
+    EXPECT_GE(FreedMemoryWatch::Blocks(), 2U);
+    EXPECT_FALSE(FreedMemoryWatch::HasSeen());
+}
+
+}  // namespace

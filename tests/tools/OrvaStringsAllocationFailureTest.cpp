@@ -1,0 +1,289 @@
+// Every allocation of every command of the tool fails once.
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <ostream>
+#include <set>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "api/PlaintextCache.h"
+#include "strings/LocalizedStrings.h"
+#include "support/TemporaryFolder.h"
+#include "tests/support/FailingAllocation.h"
+#include "tools/orva-strings/Tool.h"
+#include "tools/orva-strings/system/Files.h"
+
+namespace fs = std::filesystem;
+
+int OrvaStringsMain(int argc, char** argv);  // main, under another name
+
+namespace {
+
+// Longer than a string object holds inside itself, as most texts are.
+const char kReadable[] =
+    "QVLANG=English\n"
+    "MENU_OPEN_RECENT=\"Open one of the documents that were open before\"\n"
+    "IDE_REGISTRATION_TITLE=\"Register this copy of the application\\nnow\"\n"
+    "QVLANG=Deutsch\n"
+    "IDE_REGISTRATION_TITLE=\"Diese Kopie des Programms anmelden\"\n";
+
+// Where the tool writes to, which allocates nothing, as standard output does not.
+class Buffer : public std::streambuf {
+public:
+    Buffer() { setp(m_bytes, m_bytes + sizeof m_bytes); }
+    std::string Text() const { return {pbase(), pptr()}; }
+
+private:
+    char m_bytes[65536];
+};
+
+std::size_t OpenFiles() {
+    const fs::directory_iterator files("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
+
+class OrvaStringsAllocationFailure : public ::testing::Test {
+protected:
+    OrvaStringsAllocationFailure() {
+        Run({"key", "new", Path("key")});
+        Run({"key", "new", Path("other.key")});
+        m_folder.Write("readable", kReadable);
+        Run({"protect", "--key-file", Path("key"), Path("readable")});
+        m_folder.Write("protected", m_out);
+    }
+
+    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
+
+    std::size_t FilesInFolder() const {
+        const fs::directory_iterator files(m_folder.Path());
+        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+    }
+
+    // The exit status; the n-th allocation fails, none with 0.
+    int Run(const std::vector<std::string>& arguments, std::size_t n = 0) {
+        Buffer outBuffer;
+        Buffer errBuffer;
+        std::ostream out(&outBuffer);
+        std::ostream err(&errBuffer);
+        const std::size_t live = LiveAllocations();
+        const std::size_t files = OpenFiles();
+        int status = 0;
+        {
+            std::vector<std::string> passed = arguments;
+            const FailingAllocation failing(n);
+            status = RunTool(
+                std::move(passed), [this] { return m_input; }, out, err);
+            m_hasFailed = FailingAllocation::HasFailed();
+        }
+        gMapLocalizedStrings.Clear();
+        gMapDecodedStrings.Clear();
+        m_left = LiveAllocations() - live;
+        EXPECT_EQ(OpenFiles(), files);
+        m_out = outBuffer.Text();
+        m_err = errBuffer.Text();
+        return status;
+    }
+
+    // Runs a command with every allocation failing in turn, from the state that prepare makes, and
+    // has check look at the state that each run leaves, with the run's exit status. Then it must
+    // have been told, and nothing left behind, or have made no difference.
+    void FailAtEach(
+        const std::vector<std::string>& arguments, const std::function<void()>& prepare = [] {},
+        const std::function<void(int status)>& check = [](int) {}) {
+        prepare();
+        ASSERT_EQ(Run(arguments), 0) << m_err;
+        const std::string out = m_out;
+        const std::string err = m_err;
+        std::size_t points = 0;
+        m_hasFailed = true;
+        for (std::size_t n = 1; m_hasFailed; ++n) {
+            SCOPED_TRACE("allocation " + std::to_string(n));
+            prepare();
+            const int status = Run(arguments, n);
+            if (status == 0) {
+                EXPECT_EQ(m_out, out);
+                EXPECT_EQ(m_err, err);
+            } else {
+                EXPECT_TRUE(m_hasFailed);
+                EXPECT_EQ(status, 2) << m_err;
+                EXPECT_NE(m_err.find("orva-strings: error: "), std::string::npos) << m_err;
+            }
+            // A lookup leaves the buffer that may hold plaintext on purpose.
+            EXPECT_LE(m_left, arguments[0] == "show" ? 1U : 0U) << "allocations not released";
+            check(status);
+            points += m_hasFailed ? 1 : 0;
+            if (HasFailure()) {
+                return;
+            }
+        }
+        EXPECT_GT(points, 100U);
+        std::cout << "failed at each of " << points << " allocations\n";
+    }
+
+    TemporaryFolder m_folder;
+    std::string m_input = kReadable;
+    std::string m_out;
+    std::string m_err;
+    std::size_t m_left = 0;
+    bool m_hasFailed = false;
+};
+
+TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
+    const std::string source = ReadFile(Path("readable"));
+    const std::string stored = ReadFile(Path("protected"));
+    const auto fail = [&](const std::vector<std::string>& command, const std::string& before,
+                          const std::string& after) {
+        std::vector<std::string> arguments = command;
+        arguments.insert(arguments.end(), {"--in-place", Path("file")});
+        FailAtEach(
+            arguments, [&] { m_folder.Write("file", before); },
+            [&](int status) {
+                EXPECT_EQ(ReadFile(Path("file")), status == 0 ? after : before);
+                EXPECT_EQ(FilesInFolder(), 5U) << "nothing but the file";
+            });
+    };
+    fail({"protect", "--key-file", Path("key")}, source, stored);
+    fail({"reveal", "--key-file", Path("key")}, stored, source);
+
+    ASSERT_EQ(Run({"protect", "--key-file", Path("other.key"), Path("readable")}), 0);
+    const std::string other = m_out;
+    fail({"rekey", "--from", Path("key"), "--to", Path("other.key")}, stored, other);
+}
+
+TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
+    const std::vector<std::string> arguments = {"protect",        "--key-file", Path("key"),
+                                                Path("readable"), "-o",         Path("out")};
+    const std::string stored = ReadFile(Path("protected"));
+    FailAtEach(
+        arguments, [&] { fs::remove(Path("out")); },
+        [&](int status) {
+            EXPECT_EQ(fs::exists(Path("out")) ? ReadFile(Path("out")) : "none",
+                      status == 0 ? stored : "none");
+            EXPECT_EQ(FilesInFolder(), status == 0 ? 5U : 4U) << "nothing beside it";
+        });
+    FailAtEach(
+        arguments, [&] { m_folder.Write("out", "old"); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("out")), status == 0 ? stored : "old");
+            EXPECT_EQ(FilesInFolder(), 5U) << "nothing beside it";
+        });
+}
+
+TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
+    FailAtEach({"protect", "--key-file", Path("key"), "-"});
+    FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
+    FailAtEach({"sections", Path("protected")});
+    FailAtEach({"key", "show", "--key-file", Path("key")});
+    m_folder.Write("library", std::string(100000, ' ') +
+                                  "libOrvaLanguage key fingerprint: 0123456789ABCDEF" + '\0');
+    FailAtEach({"key", "show", "--library", Path("library")});
+    m_input = ReadFile(Path("key"));
+    FailAtEach({"key", "show", "--key-file", "-"});
+}
+
+TEST_F(OrvaStringsAllocationFailure, CutsNoMessage) {
+    m_folder.Write("bad", "QVLANG=en\nIDE_FIRST_KEY=" + std::string(64, '0') +
+                              "\nIDE_SECOND_KEY=" + std::string(64, '0') + "\n");
+    const std::string why =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
+    const std::string first = Path("bad") + ":2: error: IDE_FIRST_KEY" + why;
+    const std::string second = Path("bad") + ":3: error: IDE_SECOND_KEY" + why;
+    const std::string noFile =
+        "orva-strings: error: " + Path("missing") + ": No such file or directory\n";
+    const std::string noMemory = "orva-strings: error: out of memory\n";
+    const struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string err;
+        std::set<std::string> errsWithoutMemory;
+    } cases[] = {
+        {{"reveal", "--key-file", Path("key"), Path("bad")},
+         1,
+         first + second,
+         {noMemory, first + noMemory}},
+        {{"sections", Path("missing")}, 2, noFile, {noMemory}},
+    };
+    for (const auto& c : cases) {
+        std::set<std::string> errsWithoutMemory;
+        m_hasFailed = true;
+        for (std::size_t n = 1; m_hasFailed; ++n) {
+            const int status = Run(c.arguments, n);
+            EXPECT_EQ(m_left, 0U);
+            EXPECT_EQ(m_out, "");
+            if (m_err == c.err) {
+                EXPECT_EQ(status, c.status);
+            } else {
+                EXPECT_EQ(status, 2);
+                errsWithoutMemory.insert(m_err);
+            }
+        }
+        EXPECT_EQ(m_err, c.err);
+        EXPECT_EQ(errsWithoutMemory, c.errsWithoutMemory);
+    }
+}
+
+TEST_F(OrvaStringsAllocationFailure, LeavesNoPartOfAKey) {
+    FailAtEach(
+        {"key", "new", Path("new.key")}, [&] { fs::remove(Path("new.key")); },
+        [&](int status) { EXPECT_EQ(fs::exists(Path("new.key")), status == 0); });
+}
+
+TEST_F(OrvaStringsAllocationFailure, IsToldByShow) {
+    ASSERT_EQ(Run({"protect", Path("readable")}), 0);
+    m_folder.Write("shipped", m_out);
+    fs::create_directory(Path("tmp"));
+    setenv("TMPDIR", Path("tmp").c_str(), 1);
+    const auto check = [&](int) { EXPECT_TRUE(fs::is_empty(Path("tmp"))); };
+    FailAtEach(
+        {"show", Path("shipped")}, [] {}, check);
+    FailAtEach(
+        {"show", "--language", "Deutsch", "--reveal", Path("shipped"), "IDE_REGISTRATION_TITLE"},
+        [] {}, check);
+    unsetenv("TMPDIR");
+}
+
+// Gives a stream another buffer for the time of a scope.
+class Redirected {
+public:
+    Redirected(std::ostream& stream, std::streambuf* buffer)
+        : m_stream(stream), m_old(stream.rdbuf(buffer)) {}
+    ~Redirected() { m_stream.rdbuf(m_old); }
+    Redirected(const Redirected&) = delete;
+    Redirected& operator=(const Redirected&) = delete;
+
+private:
+    std::ostream& m_stream;
+    std::streambuf* m_old;
+};
+
+TEST_F(OrvaStringsAllocationFailure, IsReportedByMainItself) {
+    std::string arguments[] = {"orva-strings", "sections", Path("missing")};
+    char* const argv[] = {arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
+    const std::string noMemory = "orva-strings: error: out of memory\n";
+    std::size_t points = 0;
+    for (bool hasFailed = true; hasFailed;) {
+        Buffer err;
+        int status = 0;
+        {
+            const Redirected redirected(std::cerr, &err);
+            const FailingAllocation failing(points + 1);
+            status = OrvaStringsMain(3, const_cast<char**>(argv));
+            hasFailed = FailingAllocation::HasFailed();
+        }
+        EXPECT_EQ(status, 2);
+        EXPECT_EQ(err.Text(), hasFailed ? noMemory
+                                        : "orva-strings: error: " + arguments[2] +
+                                              ": No such file or directory\n")
+            << "allocation " << points + 1;
+        points += hasFailed ? 1 : 0;
+    }
+    EXPECT_GT(points, 100U);
+}
+
+}  // namespace

@@ -1,0 +1,241 @@
+#include <cstddef>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tools/orva-strings/document/StringsDocument.h"
+
+using namespace std::string_literals;  // for texts that hold NUL bytes
+using ::testing::PrintToString;
+
+namespace {
+
+TEST(StringsDocument, KeepsEveryByteThatItDoesNotChange) {
+    const std::string files[] = {
+        "",
+        "\n",
+        "\r",
+        "\r\n",
+        "\r\r\n",
+        "no line end",
+        "QVLANG=en\nABCD=\"1\"\nQVLANG=fr\r\nABCD=\"2\"\r",
+        "\xEF\xBB\xBF// \xFF\n\n\n  \t\nQVLANG=en \nABCD = \"x\" ; note\n\0\n"s,
+    };
+    for (const std::string& file : files) {
+        EXPECT_EQ(StringsDocument(file).Bytes(), file) << PrintToString(file);
+    }
+}
+
+TEST(StringsDocument, KnowsItsSectionsAndTheirEntries) {
+    const StringsDocument document(
+        "BEFORE=\"none\"\nQVLANG=en\r\nABCD = \"a\\nb\" ;x\r\nABC=short\nno entry\nABCD =2\n"
+        "QVLANG=\nQVREGION=US\nQVLANG=fr");
+    const auto sections = document.Sections();
+    ASSERT_EQ(sections.size(), 3U);
+    EXPECT_EQ(sections[0].line, 1U);
+    EXPECT_EQ(sections[0].name, "en");
+    ASSERT_EQ(sections[0].entries.size(), 2U);
+    EXPECT_EQ(sections[0].entries[0].line, 2U);
+    EXPECT_EQ(sections[0].entries[0].key, "ABCD ");
+    EXPECT_EQ(sections[0].entries[0].value, "a\nb");
+    EXPECT_EQ(sections[0].entries[1].line, 5U);
+    EXPECT_EQ(sections[0].entries[1].value, "2");
+    EXPECT_EQ(sections[1].name, "");
+    ASSERT_EQ(sections[1].entries.size(), 1U);
+    EXPECT_EQ(sections[1].entries[0].key, "QVREGION");
+    EXPECT_EQ(sections[2].line, 8U);
+    EXPECT_EQ(sections[2].name, "fr");
+    EXPECT_TRUE(sections[2].entries.empty());
+}
+
+TEST(StringsDocument, KnowsThePartsOfAnEntry) {
+    const struct {
+        std::string line;
+        std::string key;
+        std::string value;
+        std::string beforeQuote;
+        std::string afterQuote;
+    } cases[] = {
+        {"ABCD=\"x\"", "ABCD", "x", "", ""},
+        {"ABCD = \"x\" ; note", "ABCD ", "x", " ", " ; note"},
+        {"ABCD=a\"x\"b\"y\"c", "ABCD", "x\"b\"y", "a", "c"},
+        {"ABCD=\"\"", "ABCD", "", "", ""},
+        {"ABCD=\"\" text", "ABCD", "", "", " text"},
+        {"ABCD=\"a\\nb\"", "ABCD", "a\nb", "", ""},
+        {"ABCD=\"a\rb\"\rc", "ABCD", "a\rb", "", "\rc"},
+        {"ABCD=\"a\0b\"c"s, "ABCD", "a\0b"s, "", "c"},
+        {"ABCD==\"x\"", "ABCD", "x", "=", ""},
+        {"ABCD=a=b \"x=y\"=", "ABCD", "x=y", "a=b ", "="},
+        // One quote is the first, and has nothing after it that is not the value.
+        {"ABCD=\"x", "ABCD", "x", "", ""},
+        {"ABCD=a\"x ; note", "ABCD", "x ; note", "a", ""},
+        {"ABCD=a\"", "ABCD", "", "a", ""},
+        // Without any all is value.
+        {"ABCD=x ; note", "ABCD", "x ; note", "", ""},
+        {"ABCD=a\\nb", "ABCD", "a\\nb", "", ""},
+        {"ABCD=", "ABCD", "", "", ""},
+        // Those of the key do not count.
+        {"AB\"CD=x", "AB\"CD", "x", "", ""},
+        {"AB\"CD=x\"y", "AB\"CD", "y", "x", ""},
+        {"\"ABCD\" = \"x\";", "\"ABCD\" ", "x", " ", ";"},
+        {"  // note=\"x\" ", "  // note", "x", "", " "},
+    };
+    for (const auto& c : cases) {
+        for (const std::string end : {"", "\n", "\r\n"}) {
+            SCOPED_TRACE(PrintToString(c.line + end));
+            const auto sections =
+                StringsDocument("\n\nQVLANG=en\n// note\n" + c.line + end).Sections();
+            ASSERT_EQ(sections.size(), 1U);
+            EXPECT_EQ(sections[0].line, 2U);
+            EXPECT_EQ(sections[0].name, "en");
+            ASSERT_EQ(sections[0].entries.size(), 1U);
+            const StringsDocument::Entry& entry = sections[0].entries[0];
+            EXPECT_EQ(entry.line, 4U);
+            EXPECT_EQ(entry.key, c.key);
+            EXPECT_EQ(entry.value, c.value);
+            EXPECT_EQ(entry.beforeQuote, c.beforeQuote);
+            EXPECT_EQ(entry.afterQuote, c.afterQuote);
+        }
+    }
+}
+
+TEST(StringsDocument, KnowsTheWholeNameOfASection) {
+    const std::string longName(1000, 'n');
+    for (const std::string& name : {""s, "en"s, " en "s, "\"en\" ; note"s, "a=b"s, "a\\nb"s,
+                                    "a\rb"s, "a\0b"s, "QVLANG=en"s, "\xC3\xA4"s, longName}) {
+        const auto sections = StringsDocument("QVLANG=" + name + "\r\nABCD=1\nQVLANG=x").Sections();
+        ASSERT_EQ(sections.size(), 2U);
+        EXPECT_EQ(sections[0].name, name);
+        EXPECT_EQ(sections[0].entries.size(), 1U) << name;
+        EXPECT_EQ(sections[1].line, 2U);
+    }
+}
+
+TEST(StringsDocument, KnowsThePartsOfALineNearAProtectedEntry) {
+    const StringsDocument document(
+        "// note\n"
+        "// IDE_A = a \"x\\ny\" b\n"
+        "IDE_B=\"x\"\n"
+        "ide_c: \"y\" ; note\r\n"
+        "\n"
+        "note\r\t\"IDE_D\"=\"\" z");
+    const auto near = document.NearProtected();
+    ASSERT_EQ(near.size(), 3U);
+    EXPECT_EQ(near[0].line, 1U);
+    EXPECT_EQ(near[0].key, "IDE_A");
+    EXPECT_EQ(near[0].value, "x\ny");
+    EXPECT_EQ(near[0].beforeQuote, " a ");
+    EXPECT_EQ(near[0].afterQuote, " b");
+    EXPECT_EQ(near[1].line, 3U);
+    EXPECT_EQ(near[1].key, "ide_c");
+    EXPECT_EQ(near[1].value, "y");
+    EXPECT_EQ(near[1].beforeQuote, "");
+    EXPECT_EQ(near[1].afterQuote, " ; note");
+    EXPECT_EQ(near[2].line, 5U);
+    EXPECT_EQ(near[2].key, "IDE_D\"");
+    EXPECT_EQ(near[2].value, "");
+    EXPECT_EQ(near[2].beforeQuote, "");
+    EXPECT_EQ(near[2].afterQuote, " z");
+}
+
+TEST(StringsDocument, KnowsWhatIsNotReadAndWhy) {
+    using Obstacle = StringsDocument::Obstacle;
+    const StringsDocument document(
+        "\n"
+        "IDE_A=1\n"
+        "// note\rIDE_B=2\rQVLANG=de\n"
+        "QVLANG=en\r\n"
+        "IDE_C=3\n"
+        "\xEF\xBB\xBFIDE_D=4\n"
+        "\n"
+        "x\r\xEF\xBB\xBFQVLANG=fr\r\n");
+    const struct {
+        std::size_t line;
+        const char* key;
+        Obstacle obstacle;
+    } expected[] = {
+        {1, "IDE_A", Obstacle::kNoSectionYet},    {2, "IDE_B", Obstacle::kCarriageReturn},
+        {2, "QVLANG", Obstacle::kCarriageReturn}, {5, "IDE_D", Obstacle::kByteOrderMark},
+        {7, "QVLANG", Obstacle::kByteOrderMark},
+    };
+    const auto misplaced = document.MisplacedLines();
+    ASSERT_EQ(misplaced.size(), std::size(expected));
+    for (std::size_t i = 0; i < misplaced.size(); ++i) {
+        EXPECT_EQ(misplaced[i].line, expected[i].line) << i;
+        EXPECT_EQ(misplaced[i].key, expected[i].key) << i;
+        EXPECT_EQ(misplaced[i].obstacle, expected[i].obstacle) << i;
+    }
+}
+
+TEST(StringsDocument, WritesAValueWhereTheOldOneStood) {
+    const struct {
+        std::string line;
+        std::string value;
+        std::string written;
+    } cases[] = {
+        {"ABCD=\"old\"", "new", "ABCD=\"new\""},
+        {"ABCD=\"old\"\n", "new", "ABCD=\"new\"\n"},
+        {"ABCD=\"old\"\r\n", "new", "ABCD=\"new\"\r\n"},
+        {"ABCD = x\"old\" ; note\r\n", "new", "ABCD = x\"new\" ; note\r\n"},
+        {"ABCD=\"say \"hi\" now\"", "new", "ABCD=\"new\""},
+        {"ABCD=\"old\"", "say \"hi\"", "ABCD=\"say \"hi\"\""},
+        {"ABCD=\"old\"", "a\nb", "ABCD=\"a\\nb\""},
+        {"ABCD=\"old\"", "", "ABCD=\"\""},
+        {"ABCD=\"\"", "new", "ABCD=\"new\""},
+        {"ABCD=\"old\"", "a=b\\t\r", "ABCD=\"a=b\\t\r\""},
+        {"ABCD=\"old\"", "back\\", "ABCD=\"back\\\""},
+        // One quote only.
+        {"ABCD=\"old", "new", "ABCD=\"new"},
+        {"ABCD=\"old\n", "a\nb", "ABCD=\"a\\nb\n"},
+        {"ABCD=\"", "new", "ABCD=\"new"},
+        {"ABCD=\"old", "say \"hi\"", "ABCD=\"say \"hi\"\""},
+        {"ABCD=\"old\n", "ends with a return\r", "ABCD=\"ends with a return\r\"\n"},
+        // None.
+        {"ABCD=old", "new", "ABCD=new"},
+        {"ABCD=old\r\n", "new", "ABCD=new\r\n"},
+        {"ABCD=", "new", "ABCD=new"},
+        {"ABCD=old", "back\\nslash", "ABCD=back\\nslash"},
+        {"ABCD=old", "a\nb", "ABCD=\"a\\nb\""},
+        {"ABCD=old", "say \"hi\"", "ABCD=\"say \"hi\"\""},
+        {"ABCD=old\n", "ends with a return\r", "ABCD=\"ends with a return\r\"\n"},
+        {"ABCD=old\r\n", "ends with a return\r", "ABCD=ends with a return\r\r\n"},
+        // A quote in the key is not the value's.
+        {"AB\"CD=old", "new", "AB\"CD=new"},
+        {"AB\"CD=\"old\"", "new", "AB\"CD=\"new\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE("line " + PrintToString(c.line) + ", value " + PrintToString(c.value));
+        const std::string before = "// first\r\nQVLANG=en\r\n";
+        StringsDocument document(before + c.line);
+        EXPECT_TRUE(document.SetValue(2, c.value));
+        EXPECT_EQ(document.Bytes(), before + c.written);
+        const StringsDocument again(document.Bytes());
+        EXPECT_EQ(again.Sections().at(0).entries.at(0).value, c.value);
+    }
+}
+
+TEST(StringsDocument, RefusesAValueThatWouldNotReadBackTheSame) {
+    const struct {
+        std::string line;
+        std::string value;
+    } cases[] = {
+        {"ABCD=\"old\"", "back\\nslash"},   {"ABCD=\"old\"", "back\\nslash\nline"},
+        {"ABCD=old", "back\\nslash\nline"}, {"ABCD=old", "back\\nslash \"quoted\""},
+        {"ABCD=\"old", "back\\nslash"},     {"ABCD=\"old\"", "back\\\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE("line " + PrintToString(c.line) + ", value " + PrintToString(c.value));
+        StringsDocument document("QVLANG=en\n" + c.line);
+        const bool isWritten = document.SetValue(1, c.value);
+        if (isWritten) {
+            EXPECT_EQ(StringsDocument(document.Bytes()).Sections().at(0).entries.at(0).value,
+                      c.value);
+        } else {
+            EXPECT_EQ(document.Bytes(), "QVLANG=en\n" + c.line);
+        }
+        EXPECT_EQ(isWritten, c.value == "back\\\n") << "backslash, line feed can be written";
+    }
+}
+
+}  // namespace

@@ -1,0 +1,40 @@
+#include "tools/orva-strings/cli/Finding.h"
+
+#include <algorithm>
+
+#include "tools/orva-strings/cli/Printable.h"
+
+namespace {
+
+const char* Name(Severity severity) {
+    switch (severity) {
+        case Severity::kNote:
+            return "note";
+        case Severity::kWarning:
+            return "warning";
+        case Severity::kError:
+            break;
+    }
+    return "error";
+}
+
+}  // namespace
+
+bool HasError(const Findings& findings) {
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const Finding& finding) { return finding.severity == Severity::kError; });
+}
+
+void Print(const Finding& finding, std::string_view subject, std::ostream& err) {
+    std::string line = Printable(subject);
+    if (finding.line) {
+        line += ':';
+        line += std::to_string(*finding.line + 1);
+    }
+    line += ": ";
+    line += Name(finding.severity);
+    line += ": ";
+    line += Printable(finding.text);
+    line += '\n';
+    err.write(line.data(), static_cast<std::streamsize>(line.size()));
+}

@@ -1,0 +1,44 @@
+#include "tools/orva-strings/cli/Printable.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "tools/orva-strings/protection/Hex.h"
+
+namespace {
+
+// Whether the byte at a place belongs to a control character: of ASCII, or of those that are two
+// bytes in UTF-8, U+0080 to U+009F.
+bool IsControl(std::string_view text, std::size_t i) {
+    const auto byteAt = [&](std::size_t at) {
+        return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
+    };
+    const auto isSecond = [&](std::size_t at) {
+        return at > 0 && byteAt(at - 1) == 0xC2 && byteAt(at) >= 0x80 && byteAt(at) <= 0x9F;
+    };
+    const unsigned byte = byteAt(i);
+    return byte < ' ' || byte == 0x7F || isSecond(i) || isSecond(i + 1);
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+    std::string printable;
+    printable.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '\\' || c == '"') {
+            printable += {'\\', c};
+        } else if (c == '\n') {
+            printable += "\\n";
+        } else if (c == '\t') {
+            printable += "\\t";
+        } else if (IsControl(text, i)) {
+            const auto byte = static_cast<std::uint8_t>(c);
+            printable += "\\x" + ToHexDigits(&byte, 1);
+        } else {
+            printable += c;
+        }
+    }
+    return printable;
+}

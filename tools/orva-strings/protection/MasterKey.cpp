@@ -1,0 +1,113 @@
+#include "tools/orva-strings/protection/MasterKey.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+#include <sys/random.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "KeyFingerprints.h"
+#include "clearing/ClearMemory.h"
+#include "clearing/ClearRegisters.h"
+#include "clearing/ClearedArray.h"
+#include "platform/Sha256.h"
+#include "protection/KeyMaterial.h"
+#include "tools/orva-strings/protection/Hex.h"
+#include "tools/orva-strings/system/Files.h"
+
+namespace {
+
+constexpr std::size_t kDigits = 2 * kProtectedKey;
+
+// The value of a hexadecimal digit of either case, or -1.
+int DigitValue(char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    const int letter = c | 0x20;  // in lower case
+    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
+}
+
+}  // namespace
+
+Key Key::BuiltIn() {
+    const KeyMaterial material;
+    Key key;
+    std::copy(std::begin(material.Bytes()), std::end(material.Bytes()), key.m_bytes);
+    return key;
+}
+
+Key Key::FromFile(const std::string& path) {
+    return FromText(ReadFile(path), path);
+}
+
+Key Key::FromText(std::string text, const std::string& name) {
+    const std::size_t size = text.size();
+    if (!text.empty() && text.back() == '\n') {
+        text.pop_back();
+        if (!text.empty() && text.back() == '\r') {
+            text.pop_back();
+        }
+    }
+    Key key;
+    const bool isLongEnough = text.size() == kDigits;
+    bool isGood = isLongEnough;
+    for (std::size_t i = 0; isGood && i < kProtectedKey; ++i) {
+        const int high = DigitValue(text[2 * i]);
+        const int low = DigitValue(text[2 * i + 1]);
+        isGood = high >= 0 && low >= 0;
+        key.m_bytes[i] = static_cast<std::uint8_t>(16 * high + low);
+    }
+    ClearMemory(text.data(), text.size());
+    if (!isGood) {
+        // The build says the same of such a file.
+        throw std::runtime_error(
+            name + (isLongEnough
+                        ? ": must hold 64 hexadecimal digits, and has other characters among "
+                          "them"
+                        : ": must hold 64 hexadecimal digits in one line, and has " +
+                              std::to_string(size) + " bytes"));
+    }
+    return key;
+}
+
+Key Key::Random() {
+    Key key;
+    if (getentropy(key.m_bytes, sizeof key.m_bytes) != 0) {
+        throw std::system_error(errno, std::generic_category(), "the system's random source");
+    }
+    return key;
+}
+
+Key::~Key() {
+    ClearMemory(m_bytes, sizeof m_bytes);
+}
+
+ProtectionKeys Key::Derive() const {
+    const struct AtEnd {
+        ~AtEnd() { ClearRegisters(); }  // of round keys
+    } atEnd;
+    return ProtectionKeys(m_bytes);
+}
+
+void Key::WriteFileText(char* text) const {
+    WriteHexDigits(m_bytes, sizeof m_bytes, text);
+    text[kDigits] = '\n';
+}
+
+std::string Key::Fingerprint() const {
+    constexpr std::string_view kLabel = "libOrvaLanguage key fingerprint ";
+    const ClearedArray text(kLabel.size() + kDigits);
+    auto* const chars = reinterpret_cast<char*>(text.Get());
+    WriteHexDigits(m_bytes, sizeof m_bytes, std::copy(kLabel.begin(), kLabel.end(), chars));
+    std::uint8_t digest[kSha256Digest];
+    Sha256({chars, text.Size()}, digest);
+    return ToHexDigits(digest, kFingerprint / 2);
+}
+
+bool Key::IsOfDevelopmentKey(const std::string& fingerprint) {
+    return fingerprint == ORVA_DEVELOPMENT_KEY_FINGERPRINT;
+}

@@ -1,0 +1,307 @@
+#include "tools/orva-strings/system/Files.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "clearing/ClearedArray.h"
+#include "tools/orva-strings/protection/Hex.h"
+#include "tools/orva-strings/system/AccessList.h"
+#include "tools/orva-strings/system/SignalBlock.h"
+
+namespace {
+
+// This and the next class own what the system has made already, so making them allocates nothing: if
+// that failed, there would be nobody to close the file or to remove it.
+
+// An open file, closed at the end of its scope. Its name, which is for messages, must outlive it.
+class File {
+public:
+    File(int descriptor, const char* name) : m_descriptor(descriptor), m_name(name) {
+        Check(descriptor >= 0);
+    }
+    ~File() {
+        if (m_descriptor >= 0) {
+            close(m_descriptor);
+        }
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    int Get() const { return m_descriptor; }
+
+    // Throws what errno says unless a call succeeded.
+    void Check(bool hasSucceeded) const {
+        if (!hasSucceeded) {
+            throw std::system_error(errno, std::generic_category(), m_name);
+        }
+    }
+
+    // Returns how many bytes it has read, 0 at the end of the file.
+    std::size_t Read(char* buffer, std::size_t size) const {
+        for (;;) {
+            const ssize_t count = read(m_descriptor, buffer, size);
+            Check(count >= 0 || errno == EINTR);
+            if (count >= 0) {
+                return static_cast<std::size_t>(count);
+            }
+        }
+    }
+
+    void Write(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
+            Check(written >= 0 || errno == EINTR);
+            bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+        }
+    }
+
+    void Close() { Check(close(Release()) == 0); }
+
+    // Leaves it to the caller to close the descriptor.
+    int Release() noexcept {
+        const int descriptor = m_descriptor;
+        m_descriptor = -1;
+        return descriptor;
+    }
+
+private:
+    int m_descriptor;
+    const char* m_name;
+};
+
+// Removes a file at the end of its scope, unless it is kept. The path must outlive it.
+class Unfinished {
+public:
+    explicit Unfinished(const char* path) noexcept : m_path(path) {}
+    ~Unfinished() {
+        if (m_path != nullptr) {
+            unlink(m_path);
+        }
+    }
+    Unfinished(const Unfinished&) = delete;
+    Unfinished& operator=(const Unfinished&) = delete;
+
+    void Keep() noexcept { m_path = nullptr; }
+
+private:
+    const char* m_path;
+};
+
+// The mode of a file that gets another group, whose old one are others now: both have left what both
+// had.
+mode_t WithoutGroup(mode_t mode) {
+    const mode_t common = mode & (mode >> 3U) & 0007U;
+    return (mode & 0700U) | (common << 3U) | common;
+}
+
+// Follows the symbolic links at a path's end, even if they lead to nothing.
+std::string EndOfLinks(std::filesystem::path path) {
+    constexpr int kMostLinks = 40;  // another program may make a ring of them
+    for (int i = 0; i < kMostLinks && is_symlink(symlink_status(path)); ++i) {
+        path = path.parent_path() / std::filesystem::read_symlink(path);
+    }
+    return path.string();
+}
+
+// Replaces the path's last six characters so that the name is new, and creates a file there. Returns
+// its descriptor, or -1 with errno set. mkostemp would ignore the mode and with it the folder's
+// default access list.
+int CreateUnderNewName(std::string& path, mode_t mode) {
+    for (;;) {
+        std::uint8_t random[3];
+        if (getentropy(random, sizeof random) != 0) {
+            return -1;
+        }
+        const std::string digits = ToHexDigits(random, sizeof random);
+        path.replace(path.size() - digits.size(), digits.size(), digits);
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (file >= 0 || errno != EEXIST) {
+            return file;
+        }
+    }
+}
+
+int OpenFolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+constexpr std::size_t kPiece = 65536;
+
+void ReadInPieces(const File& file, const std::function<void(std::string_view)>& take) {
+    const ClearedArray buffer(kPiece);  // the file may hold a key
+    auto* const bytes = reinterpret_cast<char*>(buffer.Get());
+    while (const std::size_t count = file.Read(bytes, buffer.Size())) {
+        take({bytes, count});
+    }
+}
+
+std::string ReadAll(const File& file) {
+    std::string bytes;
+    bytes.reserve(kPiece);  // a key that comes in parts must not move, and leave a copy
+    ReadInPieces(file, [&](std::string_view piece) { bytes += piece; });
+    return bytes;
+}
+
+// Whether the rest of a file is these bytes. It does not read on after a difference: another program
+// may be writing faster than this one reads.
+bool Holds(const File& file, std::string_view bytes) {
+    char buffer[65536];
+    while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
+        if (bytes.substr(0, count) != std::string_view(buffer, count)) {
+            return false;
+        }
+        bytes.remove_prefix(count);
+    }
+    return bytes.empty();
+}
+
+bool IsSame(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_mode == b.st_mode &&
+           a.st_uid == b.st_uid && a.st_gid == b.st_gid;
+}
+
+// A file that is to be replaced: what it is, and its bytes if they must be the same until then.
+struct Replaced {
+    struct stat status;
+    std::optional<std::string_view> bytes;
+};
+
+// Gives a new file the owner, the group, the access list and the mode of the one that it replaces,
+// as far as the system allows.
+void CopyRights(const File& file, const char* from, const struct stat& status) {
+    // Without both owner and group the bits that act in their names go.
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
+    const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
+    const bool hasList = CopyAccessList(from, file.Get());
+    const mode_t mode = status.st_mode & (hasBoth ? 07777U : 0777U);
+    file.Check(fchmod(file.Get(), hasGroup && hasList ? mode : WithoutGroup(mode)) == 0);
+}
+
+// Whether the file at target is still the one to be replaced.
+bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
+    struct stat status = {};
+    if (old.bytes) {
+        std::error_code none;  // the calls that follow will say what is wrong
+        const auto written = std::filesystem::last_write_time(target, none);
+        // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
+        File file(open(target, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
+        file.Check(fstat(file.Get(), &status) == 0);
+        if (!IsSame(status, old.status) || !Holds(file, *old.bytes)) {
+            return false;
+        }
+        file.Close();
+        // What was written to a part that had been read already shows by the time.
+        if (std::filesystem::last_write_time(target, none) != written) {
+            return false;
+        }
+    }
+    if (lstat(target, &status) != 0) {
+        throw std::system_error(errno, std::generic_category(), name);
+    }
+    return IsSame(status, old.status);
+}
+
+// Puts a file of these bytes in the place to which path leads: of the old one, or, with null, of
+// whatever is there in the end.
+void PutFile(const std::string& path, std::string_view bytes, const Replaced* old) {
+    if (old != nullptr && !S_ISREG(old->status.st_mode)) {
+        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
+    }
+    const std::string target = EndOfLinks(path);
+    // Open now, so that after the rename there is nothing left to refuse.
+    const File directory(OpenFolderOf(target), path.c_str());
+    std::string newPath = target + ".XXXXXX";
+    const SignalBlock held;
+    File file(CreateUnderNewName(newPath, old != nullptr ? 0600 : 0666), path.c_str());
+    Unfinished unfinished(newPath.c_str());
+    file.Write(bytes);
+    if (old != nullptr) {
+        CopyRights(file, target.c_str(), old->status);
+    }
+    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
+    file.Close();
+    if (old != nullptr && !IsUnchanged(target.c_str(), path.c_str(), *old)) {
+        throw std::runtime_error(path + ": another program has changed it meanwhile");
+    }
+    file.Check(std::rename(newPath.c_str(), target.c_str()) == 0);
+    unfinished.Keep();
+    directory.Check(fsync(directory.Get()) == 0);
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+    return ReadSnapshot(path).bytes;
+}
+
+void ReadFileInPieces(const std::string& path, const std::function<void(std::string_view)>& take) {
+    ReadInPieces(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()), take);
+}
+
+std::string ReadStandardInput() {
+    return ReadAll(File(dup(STDIN_FILENO), "standard input"));
+}
+
+FileSnapshot ReadSnapshot(const std::string& path) {
+    const File file(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str());
+    FileSnapshot snapshot;
+    file.Check(fstat(file.Get(), &snapshot.status) == 0);
+    snapshot.bytes = ReadAll(file);
+    return snapshot;
+}
+
+void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes) {
+    const Replaced old{before.status, before.bytes};
+    PutFile(path, bytes, &old);
+}
+
+void WriteFile(const std::string& path, std::string_view bytes) {
+    Replaced old = {};
+    const bool isThere = stat(path.c_str(), &old.status) == 0;
+    if (!isThere && errno != ENOENT) {
+        throw std::system_error(errno, std::generic_category(), path);
+    }
+    PutFile(path, bytes, isThere ? &old : nullptr);
+}
+
+void CreatePrivateFile(const std::string& path, std::string_view bytes) {
+    const File directory(OpenFolderOf(path), path.c_str());
+    const SignalBlock held;
+    File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
+    Unfinished unfinished(path.c_str());
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the process's mask leaves
+    file.Write(bytes);
+    file.Check(fsync(file.Get()) == 0);
+    file.Close();
+    directory.Check(fsync(directory.Get()) == 0);
+    unfinished.Keep();
+}
+
+NamelessFile::NamelessFile(const std::string& path, std::string_view bytes) {
+    File file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
+    file.Check(unlink(path.c_str()) == 0);
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the mask leaves: it is opened once more
+    file.Write(bytes);
+    file.Check(lseek(file.Get(), 0, SEEK_SET) == 0);
+    m_descriptor = file.Release();
+}
+
+NamelessFile::~NamelessFile() {
+    close(m_descriptor);
+}
+
+std::string NamelessFile::Path() const {
+    return "/dev/fd/" + std::to_string(m_descriptor);
+}
