@@ -874,6 +874,8 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
         {"CR LF", good + "\r\n", true},
         {"upper case", "000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F", true},
         {"empty", "", false},
+        {"a line end alone", "\n", false},
+        {"CR LF alone", "\r\n", false},
         {"two line ends", good + "\n\n", false},
         {"a carriage return alone", good + "\r", false},
         {"short", good.substr(1), false},
