@@ -13,7 +13,8 @@ cmake --install "$build" --prefix "$work/first" >"$work/install.log"
 mv "$work/first" "$work/prefix"  # an installed tree may be moved
 pc=$(find "$work/prefix" -name OrvaLanguage.pc)
 export PKG_CONFIG_PATH=${pc%/*}
-libdir=$(pkg-config --variable=libdir OrvaLanguage)
+libdir='' compile_flags=() link_flags=()
+eval "libdir=$(pkg-config --variable=libdir OrvaLanguage)"  # it quotes its words for the shell
 
 mkdir -p "$work/Host.app/Contents/Any" "$work/Host.app/Contents/Resources"
 printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/Host.app/Contents/Resources/Host.strings"
@@ -29,12 +30,13 @@ run() { # PROGRAM: it must print the text of GREETING
     echo "${1##*/}: $printed"
 }
 
-# shellcheck disable=SC2046,SC2086  # flags are words
+eval "compile_flags=($(pkg-config --cflags OrvaLanguage)) link_flags=($(pkg-config --libs OrvaLanguage))"
+# shellcheck disable=SC2086  # flags are words
 {
-    $CC $CFLAGS -Wall -Wextra -Wpedantic -Werror -std=c99 $(pkg-config --cflags OrvaLanguage) \
-        "$hosts/host.c" -o "$work/c_host" $(pkg-config --libs OrvaLanguage)
-    $CXX $CXXFLAGS -Wall -Wextra -Wpedantic -Werror -std=c++17 $(pkg-config --cflags OrvaLanguage) \
-        "$hosts/host.cpp" -o "$work/cpp_host" $(pkg-config --libs OrvaLanguage)
+    $CC $CFLAGS -Wall -Wextra -Wpedantic -Werror -std=c99 "${compile_flags[@]}" \
+        "$hosts/host.c" -o "$work/c_host" "${link_flags[@]}"
+    $CXX $CXXFLAGS -Wall -Wextra -Wpedantic -Werror -std=c++17 "${compile_flags[@]}" \
+        "$hosts/host.cpp" -o "$work/cpp_host" "${link_flags[@]}"
 }
 run "$work/c_host" "2 entries"
 run "$work/cpp_host" "2 entries, GREETING is Hello"

@@ -29,6 +29,7 @@
 
 #include <gtest/gtest.h>
 
+#include "api/PlaintextCache.h"
 #include "support/TemporaryFolder.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/Secrets.h"
@@ -113,6 +114,7 @@ protected:
 #ifdef ORVA_MEMORY_IS_SHADOWED
         GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
 #endif
+        gMapDecodedStrings.Clear();  // an earlier test may have shown protected texts
         fs::create_directory(Path("tmp"));
         setenv("TMPDIR", Path("tmp").c_str(), 1);
         m_search.LookFor([this] {

@@ -185,6 +185,18 @@ TEST_F(OrvaStrings, ProtectsEveryLineOfARepeatedKey) {
     EXPECT_EQ(m_err, "");
 }
 
+// The library drops it there, too.
+TEST_F(OrvaStrings, KeepsACarriageReturnAtTheEndOfTheFile) {
+    const std::string stored =
+        "QVLANG=en\nIDE_X=" + Stored("without quotes", DevelopmentKey()) + "\r";
+    EXPECT_EQ(
+        Run({"protect", "--key-file", DEVELOPMENT_KEY, "-"}, "QVLANG=en\nIDE_X=without quotes\r"),
+        0);
+    EXPECT_EQ(m_out, stored);
+    EXPECT_EQ(Run({"reveal", "-"}, stored), 0);
+    EXPECT_EQ(m_out, "QVLANG=en\nIDE_X=without quotes\r");
+}
+
 TEST_F(OrvaStrings, RefusesTextBeforeTheFirstQuote) {
     const std::string what =
         "IDE_X: the value begins at the first quote; the text before it stays readable (is the "
@@ -235,7 +247,8 @@ TEST_F(OrvaStrings, WarnsOfTextAfterEmptyQuotes) {
         bool isFound;
     } cases[] = {{"\"\" secret", true},  {"\"\"secret", true},    {"\"\"\tsecret", true},
                  {"\"\"", false},        {"\"\" \t", false},      {"\"\" ; note", false},
-                 {"\"\" # note", false}, {"\"\" // note", false}, {"\"x\" note", false}};
+                 {"\"\" # note", false}, {"\"\" // note", false}, {"\"x\" note", false},
+                 {"\"\", note", false},  {"\"\" * note", false},  {"\"\" -- note", false}};
     for (const auto& c : cases) {
         const std::string bytes = std::string("QVLANG=en\nIDE_A=") + c.rest + "\n";
         EXPECT_EQ(Run({"protect", "-", "--key-file", DEVELOPMENT_KEY}, bytes), 0) << c.rest;
@@ -819,7 +832,8 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
     EXPECT_EQ(Run({"reveal", "-"}, bytes), 1);
     EXPECT_EQ(m_err, errors);
 
-    const std::string shown = "QVLANG=en\nIDE_B=text\nIDE_A=text\n";
+    // Of a repeated key the first line counts.
+    const std::string shown = "QVLANG=en\nIDE_B=text\nIDE_A=text\nIDE_B=other\n";
     const std::string plain = ": the value is not protected, so it has no answer\n";
     EXPECT_EQ(Run({"show", "-"}, shown), 1);
     EXPECT_EQ(m_err, "-:2: error: IDE_B" + plain + "-:3: error: IDE_A" + plain);
@@ -874,6 +888,8 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
         {"CR LF", good + "\r\n", true},
         {"upper case", "000102030405060708090A0B0C0D0E0F101112131415161718191A1B1C1D1E1F", true},
         {"empty", "", false},
+        {"a line end alone", "\n", false},
+        {"CR LF alone", "\r\n", false},
         {"two line ends", good + "\n\n", false},
         {"a carriage return alone", good + "\r", false},
         {"short", good.substr(1), false},
