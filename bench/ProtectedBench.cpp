@@ -38,7 +38,7 @@ std::string Text(int i) {
 
 // A protected entry and a plain one for each number from first to first + count - 1.
 std::string File(int first, int count) {
-    const Key key = Key::BuiltIn();
+    const MasterKey key = MasterKey::BuiltIn();
     const ProtectionKeys keys = key.Derive();
     std::string file = "QVLANG=en\n";
     for (int i = first; i < first + count; ++i) {
@@ -70,7 +70,7 @@ BENCHMARK(LookUpFirst)->Name("LookUp/First")->Iterations(kLookUps);
 // The floor: reading the digits with "%x" and the cipher calls, each twice, and nothing else. The
 // digits are those of real entries: random ones take longer to read than equal ones.
 void LookUpFirstFloor(benchmark::State& state) {
-    const Key builtIn = Key::BuiltIn();
+    const MasterKey builtIn = MasterKey::BuiltIn();
     const ProtectionKeys keys = builtIn.Derive();
     std::vector<std::string> texts;
     for (int i = 0; i < kLookUps; ++i) {
@@ -131,7 +131,7 @@ BENCHMARK_CAPTURE(LookUp, Cached, true);
 BENCHMARK_CAPTURE(LookUp, Plain, false);
 
 void ProtectFile(benchmark::State& state) {
-    const ProtectionKeys keys = Key::BuiltIn().Derive();
+    const ProtectionKeys keys = MasterKey::BuiltIn().Derive();
     std::string file = "QVLANG=en\n";
     for (int i = 0; i < 10'000; ++i) {
         file += KeyOf(i) + "=\"" + Text(i) + "\"\n";

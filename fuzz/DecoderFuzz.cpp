@@ -43,7 +43,7 @@ Decoded Decode(const std::string& stored) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const ProtectionKeys keys = Key::BuiltIn().Derive();
+    static const ProtectionKeys keys = MasterKey::BuiltIn().Derive();
     const std::string input(reinterpret_cast<const char*>(data), size);
 
     const Decoded decoded = Decode(input);

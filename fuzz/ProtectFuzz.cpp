@@ -28,7 +28,7 @@ std::vector<std::string> Texts(const StringsDocument& document) {
 constexpr std::uint8_t kOtherMaterial[kProtectedKey] = {1, 2, 3};
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const ProtectionKeys keys = Key::BuiltIn().Derive();
+    static const ProtectionKeys keys = MasterKey::BuiltIn().Derive();
     static const ProtectionKeys otherKeys(kOtherMaterial);
     const std::string file(reinterpret_cast<const char*>(data), size);
 

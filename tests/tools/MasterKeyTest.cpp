@@ -16,11 +16,11 @@ namespace {
 const char kDigits[] = "0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF";
 
 TEST(KeyCleared, ClearsItsBytesInTheEnd) {
-    alignas(Key) unsigned char memory[sizeof(Key)] = {};
+    alignas(MasterKey) unsigned char memory[sizeof(MasterKey)] = {};
     const auto isZero = [](unsigned char byte) { return byte == 0; };
-    const Key* const key = new (memory) Key(Key::FromText(kDigits, "key"));
+    const MasterKey* const key = new (memory) MasterKey(MasterKey::FromText(kDigits, "key"));
     ASSERT_FALSE(std::all_of(std::begin(memory), std::end(memory), isZero));
-    key->~Key();
+    key->~MasterKey();
     EXPECT_TRUE(std::all_of(std::begin(memory), std::end(memory), isZero));
 }
 
@@ -29,7 +29,7 @@ TEST(KeyCleared, ClearsTheTextThatItIsMadeOf) {
         std::string text = std::string(kDigits) + after;
         const FreedMemoryWatch watch(kDigits, sizeof kDigits - 1);
         try {
-            Key::FromText(std::move(text), "key");
+            MasterKey::FromText(std::move(text), "key");
         } catch (const std::runtime_error&) {
         }
         EXPECT_GT(FreedMemoryWatch::Blocks(), 0U);
@@ -38,9 +38,9 @@ TEST(KeyCleared, ClearsTheTextThatItIsMadeOf) {
 }
 
 TEST(KeyCleared, ClearsTheDigitsThatItsFingerprintIsMadeOf) {
-    const Key key = Key::FromText(kDigits, "key");
+    const MasterKey key = MasterKey::FromText(kDigits, "key");
     const FreedMemoryWatch watch(kDigits, sizeof kDigits - 1);
-    EXPECT_EQ(key.Fingerprint().size(), Key::kFingerprint);
+    EXPECT_EQ(key.Fingerprint().size(), MasterKey::kFingerprint);
     EXPECT_GE(FreedMemoryWatch::Blocks(), 2U);
     EXPECT_FALSE(FreedMemoryWatch::HasSeen());
 }

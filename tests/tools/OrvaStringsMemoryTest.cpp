@@ -305,21 +305,21 @@ void SaveVectorRegisters() {
 
 TEST_F(OrvaStringsMemory, HoldsNoKeyInRegisters) {
     {
-        const Key key = Key::FromFile(Path("first.key"));
+        const MasterKey key = MasterKey::FromFile(Path("first.key"));
         const ProtectionKeys keys = key.Derive();
         SaveVectorRegisters();
     }
     EXPECT_EQ(m_search.Found(), Hits()) << "derived";
     std::string stored;
     {
-        const ProtectionKeys keys = Key::FromFile(Path("first.key")).Derive();
+        const ProtectionKeys keys = MasterKey::FromFile(Path("first.key")).Derive();
         stored = EncodeProtectedText(keys, kText);
         SaveVectorRegisters();
     }
     EXPECT_EQ(m_search.Found(), Hits()) << "used to encode";
     for (const std::string& value : {stored, std::string(64, '0')}) {
         {
-            const ProtectionKeys keys = Key::FromFile(Path("first.key")).Derive();
+            const ProtectionKeys keys = MasterKey::FromFile(Path("first.key")).Derive();
             EXPECT_EQ(DecodeProtectedText(keys, value).has_value(), value == stored);
             SaveVectorRegisters();
         }

@@ -281,7 +281,7 @@ Findings Show(const StringsDocument& document, const ShowRequest& request, std::
         }
     }
     const std::map<std::string, std::size_t> lines = LinesOf(section);
-    const ProtectionKeys protectionKeys = Key::BuiltIn().Derive();
+    const ProtectionKeys protectionKeys = MasterKey::BuiltIn().Derive();
     for (const std::string& key : wanted) {
         const bool canBeAsked = key.find('\0') == std::string::npos;
         const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;

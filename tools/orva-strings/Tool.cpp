@@ -186,7 +186,7 @@ private:
     bool HasOneInput() const;
     bool OverwritesAKey() const;
     FileSnapshot ReadInput() const;
-    Key KeyOf(const std::string& keyFile) const;
+    MasterKey KeyOf(const std::string& keyFile) const;
     StringsDocument ReadDocument() const { return StringsDocument(ReadInput().bytes); }
     int Report(Findings findings) const;
     int Change(const std::function<Findings(StringsDocument&)>& change) const;
@@ -257,11 +257,12 @@ FileSnapshot Run::ReadInput() const {
     return m_options.file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(m_options.file);
 }
 
-Key Run::KeyOf(const std::string& keyFile) const {
+MasterKey Run::KeyOf(const std::string& keyFile) const {
     if (keyFile.empty()) {
-        return Key::BuiltIn();
+        return MasterKey::BuiltIn();
     }
-    return keyFile == "-" ? Key::FromText(m_readInput(), keyFile) : Key::FromFile(keyFile);
+    return keyFile == "-" ? MasterKey::FromText(m_readInput(), keyFile)
+                          : MasterKey::FromFile(keyFile);
 }
 
 // Prints what was found in the file, in the order of its lines, what concerns all of it first.
@@ -299,9 +300,9 @@ int Run::Change(const std::function<Findings(StringsDocument&)>& change) const {
 }
 
 int Run::NewKey() const {
-    const ClearedArray array(Key::kFileText);
+    const ClearedArray array(MasterKey::kFileText);
     auto* const chars = reinterpret_cast<char*>(array.Get());
-    Key::Random().WriteFileText(chars);
+    MasterKey::Random().WriteFileText(chars);
     const std::string_view text(chars, array.Size());
     if (m_options.keyFile == "-") {
         m_out << text;
@@ -327,7 +328,8 @@ int Run::ShowKey() const {
     }
     const std::string& fingerprint = *fingerprints.begin();
     m_out << "fingerprint: " << fingerprint << '\n'
-          << "development key: " << (Key::IsOfDevelopmentKey(fingerprint) ? "yes" : "no") << '\n';
+          << "development key: " << (MasterKey::IsOfDevelopmentKey(fingerprint) ? "yes" : "no")
+          << '\n';
     return kDone;
 }
 
@@ -341,8 +343,8 @@ int Run::Execute(std::vector<std::string> arguments) {
         app, "protect", "Store every readable entry whose key begins with IDE in protected form",
         [this] {
             return Change([this](StringsDocument& document) {
-                const Key key = KeyOf(m_options.keyFile);
-                if (m_options.keyFile.empty() && Key::IsOfDevelopmentKey(key.Fingerprint())) {
+                const MasterKey key = KeyOf(m_options.keyFile);
+                if (m_options.keyFile.empty() && MasterKey::IsOfDevelopmentKey(key.Fingerprint())) {
                     Say(Severity::kNote,
                         "protecting with the development key, which everybody knows", m_err);
                 }

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr std::string_view kLabel = ORVA_KEY_FINGERPRINT_LABEL;
-constexpr std::size_t kMarker = kLabel.size() + Key::kFingerprint + 1;
+constexpr std::size_t kMarker = kLabel.size() + MasterKey::kFingerprint + 1;
 
 bool IsDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
@@ -21,7 +21,7 @@ void Collect(std::string_view text, std::set<std::string>& fingerprints) {
     for (std::size_t at = text.find(kLabel); at != std::string_view::npos;
          at = text.find(kLabel, at + 1)) {
         const std::string_view marker = text.substr(at, kMarker);
-        const std::string_view digits = marker.substr(kLabel.size(), Key::kFingerprint);
+        const std::string_view digits = marker.substr(kLabel.size(), MasterKey::kFingerprint);
         if (marker.size() == kMarker && marker.back() == '\0' &&
             std::all_of(digits.begin(), digits.end(), IsDigit)) {
             fingerprints.emplace(digits);

@@ -33,18 +33,18 @@ int DigitValue(char c) {
 
 }  // namespace
 
-Key Key::BuiltIn() {
+MasterKey MasterKey::BuiltIn() {
     const KeyMaterial material;
-    Key key;
+    MasterKey key;
     std::copy(std::begin(material.Bytes()), std::end(material.Bytes()), key.m_bytes);
     return key;
 }
 
-Key Key::FromFile(const std::string& path) {
+MasterKey MasterKey::FromFile(const std::string& path) {
     return FromText(ReadFile(path), path);
 }
 
-Key Key::FromText(std::string text, const std::string& name) {
+MasterKey MasterKey::FromText(std::string text, const std::string& name) {
     const std::size_t size = text.size();
     if (!text.empty() && text.back() == '\n') {
         text.pop_back();
@@ -52,7 +52,7 @@ Key Key::FromText(std::string text, const std::string& name) {
             text.pop_back();
         }
     }
-    Key key;
+    MasterKey key;
     const bool isLongEnough = text.size() == kDigits;
     bool isGood = isLongEnough;
     for (std::size_t i = 0; isGood && i < kProtectedKey; ++i) {
@@ -74,31 +74,31 @@ Key Key::FromText(std::string text, const std::string& name) {
     return key;
 }
 
-Key Key::Random() {
-    Key key;
+MasterKey MasterKey::Random() {
+    MasterKey key;
     if (getentropy(key.m_bytes, sizeof key.m_bytes) != 0) {
         throw std::system_error(errno, std::generic_category(), "the system's random source");
     }
     return key;
 }
 
-Key::~Key() {
+MasterKey::~MasterKey() {
     ClearMemory(m_bytes, sizeof m_bytes);
 }
 
-ProtectionKeys Key::Derive() const {
+ProtectionKeys MasterKey::Derive() const {
     const struct AtEnd {
         ~AtEnd() { ClearRegisters(); }  // of round keys
     } atEnd;
     return ProtectionKeys(m_bytes);
 }
 
-void Key::WriteFileText(char* text) const {
+void MasterKey::WriteFileText(char* text) const {
     WriteHexDigits(m_bytes, sizeof m_bytes, text);
     text[kDigits] = '\n';
 }
 
-std::string Key::Fingerprint() const {
+std::string MasterKey::Fingerprint() const {
     constexpr std::string_view kLabel = "libOrvaLanguage key fingerprint ";
     const ClearedArray text(kLabel.size() + kDigits);
     auto* const chars = reinterpret_cast<char*>(text.Get());
@@ -108,6 +108,6 @@ std::string Key::Fingerprint() const {
     return ToHexDigits(digest, kFingerprint / 2);
 }
 
-bool Key::IsOfDevelopmentKey(const std::string& fingerprint) {
+bool MasterKey::IsOfDevelopmentKey(const std::string& fingerprint) {
     return fingerprint == ORVA_DEVELOPMENT_KEY_FINGERPRINT;
 }

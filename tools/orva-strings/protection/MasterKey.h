@@ -8,26 +8,26 @@
 #include "protection/ProtectedForm.h"
 
 // Key material for protected texts, as the tool handles it. Its bytes are cleared in the end.
-class Key {
+class MasterKey {
 public:
     // The material that this build of the library holds.
-    static Key BuiltIn();
+    static MasterKey BuiltIn();
 
     // The material in a key file: 64 hexadecimal digits of either case, and at most one line feed, or
     // carriage return and line feed, after them. The build (cmake/OrvaKey.cmake) accepts the same.
     // Throws std::system_error if the file can't be read, std::runtime_error if it holds anything
     // else.
-    static Key FromFile(const std::string& path);
+    static MasterKey FromFile(const std::string& path);
 
     // The material in the text of a key file, whose name is for the message. Throws as FromFile.
-    static Key FromText(std::string text, const std::string& name);
+    static MasterKey FromText(std::string text, const std::string& name);
 
     // New material from the system's random source. Throws std::system_error.
-    static Key Random();
+    static MasterKey Random();
 
-    Key(const Key&) = default;
-    Key& operator=(const Key&) = default;
-    ~Key();
+    MasterKey(const MasterKey&) = default;
+    MasterKey& operator=(const MasterKey&) = default;
+    ~MasterKey();
 
     ProtectionKeys Derive() const;
 
@@ -49,7 +49,7 @@ public:
     static bool IsOfDevelopmentKey(const std::string& fingerprint);
 
 private:
-    Key() = default;
+    MasterKey() = default;
 
     std::uint8_t m_bytes[kProtectedKey] = {};
 };
