@@ -12,7 +12,7 @@
 #include "bench/Corpus.h"
 #include "platform/CommonCryptor.h"
 #include "support/TemporaryBundle.h"
-#include "tools/orva-strings/Commands.h"
+#include "tools/orva-strings/document/ProtectedEntries.h"
 #include "tools/orva-strings/protection/MasterKey.h"
 #include "tools/orva-strings/protection/ProtectedText.h"
 
@@ -138,7 +138,7 @@ void ProtectFile(benchmark::State& state) {
     }
     for (auto _ : state) {
         StringsDocument document(file);
-        if (HasError(Protect(document, keys, false))) {
+        if (HasError(ProtectEntries(document, keys, false))) {
             state.SkipWithError("findings");
         }
         benchmark::DoNotOptimize(document.Bytes());

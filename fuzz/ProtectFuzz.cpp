@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "fuzz/Check.h"
-#include "tools/orva-strings/Commands.h"
+#include "tools/orva-strings/document/ProtectedEntries.h"
 #include "tools/orva-strings/protection/MasterKey.h"
 #include "tools/orva-strings/protection/ProtectedText.h"
 
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     StringsDocument document(file);
     // Forced, so that a value that looks stored is treated as a text.
-    if (HasError(Protect(document, keys, true))) {
+    if (HasError(ProtectEntries(document, keys, true))) {
         return 0;
     }
     for (const StringsDocument::Section& section : document.Sections()) {
@@ -48,12 +48,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     }
     const std::string protectedBytes = document.Bytes();
-    Check(!HasError(Protect(document, keys, false)) && document.Bytes() == protectedBytes,
+    Check(!HasError(ProtectEntries(document, keys, false)) && document.Bytes() == protectedBytes,
           "protected values stay");
-    Check(Rekey(document, keys, otherKeys).empty() && Rekey(document, otherKeys, keys).empty() &&
-              document.Bytes() == protectedBytes,
+    Check(RekeyEntries(document, keys, otherKeys).empty() &&
+              RekeyEntries(document, otherKeys, keys).empty() && document.Bytes() == protectedBytes,
           "rekeying there and back changes nothing");
-    Check(Rekey(document, keys, otherKeys).empty() && Reveal(document, otherKeys).empty(),
+    Check(RekeyEntries(document, keys, otherKeys).empty() &&
+              RevealEntries(document, otherKeys).empty(),
           "what was protected can be revealed");
     Check(Texts(document) == Texts(StringsDocument(file)), "the texts are the same");
     return 0;

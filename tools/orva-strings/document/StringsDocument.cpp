@@ -122,6 +122,14 @@ std::string Escaped(const std::string& text) {
     return escaped;
 }
 
+std::set<std::string> StringsDocument::Section::Keys() const {
+    std::set<std::string> keys = {"QVLANG"};
+    for (const Entry& entry : entries) {
+        keys.insert(entry.key);
+    }
+    return keys;
+}
+
 StringsDocument::StringsDocument(std::string_view bytes) {
     while (!bytes.empty()) {
         const std::size_t lineFeed = bytes.find('\n');

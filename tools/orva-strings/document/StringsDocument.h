@@ -2,6 +2,7 @@
 #define ORVALANGUAGE_TOOLS_DOCUMENT_STRINGSDOCUMENT_H
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,9 @@ public:
         std::size_t line;  // of its header, from 0
         std::string name;
         std::vector<Entry> entries;  // of all its lines, those of a repeated key too; no header
+
+        // The keys that a load makes entries of: each once, and the header's.
+        std::set<std::string> Keys() const;
     };
 
     explicit StringsDocument(std::string_view bytes);

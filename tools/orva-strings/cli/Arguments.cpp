@@ -1,0 +1,111 @@
+#include "tools/orva-strings/cli/Arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "tools/orva-strings/cli/UsageError.h"
+
+namespace {
+
+// Whether the parser would not take an argument as it is, apart from line feeds at its end.
+bool IsSpecial(std::string_view argument) {
+    const std::string_view text = argument.substr(0, argument.find_last_not_of('\n') + 1);
+    return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
+}
+
+// An empty name, from a variable that is not set, does not ask for the key built in.
+std::string NamesAFile(std::string name) {
+    Unmark(name);
+    return name.empty() ? "it names no file" : "";
+}
+
+}  // namespace
+
+std::size_t ValueBegin(std::string_view argument) {
+    if (argument.substr(0, 2) == "--") {
+        return argument.find('=') + 1;
+    }
+    return argument.size() > 2 && argument.front() == '-' ? 2 : 0;
+}
+
+void MarkSpecial(std::vector<std::string>& arguments) {
+    bool areOptions = true;
+    for (std::string& argument : arguments) {
+        areOptions = areOptions && argument != "--";
+        const std::size_t begin = areOptions ? ValueBegin(argument) : 0;
+        if (IsSpecial(std::string_view(argument).substr(begin))) {
+            argument += '\n';
+        }
+    }
+}
+
+void Unmark(std::string& argument) {
+    if (IsSpecial(argument) && !argument.empty() && argument.back() == '\n') {
+        argument.pop_back();
+    }
+}
+
+void Arguments::Add(const Argument& argument, std::string& value) {
+    Declare(argument, *m_command.add_option(argument.name, value, argument.help));
+    m_values.emplace_back(argument.role, &value);
+}
+
+void Arguments::Add(const Argument& argument, std::vector<std::string>& values) {
+    Declare(argument, *m_command.add_option(argument.name, values, argument.help));
+    m_lists.push_back(&values);
+}
+
+void Arguments::AddFlag(const char* name, const char* help, bool& isSet) {
+    m_options[name] = m_command.add_flag(name, isSet, help)->disable_flag_override();
+    m_flags.emplace_back(name);
+}
+
+void Arguments::Declare(const Argument& argument, CLI::Option& option) {
+    option.type_name(argument.value)->required(argument.isRequired);
+    if (argument.role != Role::kText) {
+        option.check(NamesAFile);
+    }
+    if (argument.excludes != nullptr) {
+        option.excludes(m_options.at(argument.excludes));
+    }
+    m_options[argument.name] = &option;
+}
+
+// Whether at most one argument is to be read from standard input, which ends with the first.
+bool Arguments::HasOneInput() const {
+    return std::count_if(m_values.begin(), m_values.end(), [](const auto& value) {
+               const auto& [role, text] = value;
+               return (role == Role::kInput || role == Role::kKey) && *text == "-";
+           }) <= 1;
+}
+
+// The output, if it would replace a key that the result is made with; otherwise null.
+const std::string* Arguments::OutputOverAKey() const {
+    for (const auto& [outputRole, output] : m_values) {
+        for (const auto& [keyRole, key] : m_values) {
+            std::error_code isMissing;
+            if (outputRole == Role::kOutput && keyRole == Role::kKey &&
+                std::filesystem::equivalent(*output, *key, isMissing)) {
+                return output;
+            }
+        }
+    }
+    return nullptr;
+}
+
+void Arguments::Finish() const {
+    for (const auto& [role, text] : m_values) {
+        Unmark(*text);
+    }
+    for (std::vector<std::string>* const list : m_lists) {
+        std::for_each(list->begin(), list->end(), Unmark);
+    }
+    if (!HasOneInput()) {
+        throw UsageError("only one of FILE and the key files can be -, which is standard input");
+    }
+    if (const std::string* const output = OutputOverAKey()) {
+        throw UsageError(*output + ": this is the key file, and would be lost");
+    }
+}

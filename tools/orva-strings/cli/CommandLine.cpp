@@ -1,0 +1,224 @@
+#include "tools/orva-strings/cli/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <numeric>
+#include <string_view>
+#include <utility>
+
+#include "tools/orva-strings/cli/Arguments.h"
+#include "tools/orva-strings/cli/UsageError.h"
+
+namespace {
+
+// How many letters must be inserted, removed or replaced to make one word of the other.
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);  // from the part of a so far to each start of b
+    std::iota(row.begin(), row.end(), 0U);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+// The parser for one run, and the command that it has found.
+class Parser {
+public:
+    explicit Parser(const Commands& commands);
+
+    // As ParseCommandLine.
+    Command* Parse(std::vector<std::string> arguments, std::ostream& out);
+
+private:
+    struct Group {
+        CLI::App* app;
+        std::string prefix;  // of its commands' names: "key ", or nothing for the tool itself
+    };
+
+    Group& GroupOf(const Command& command);
+    void Add(Command& command);
+
+    // Each says what is wrong, or nothing.
+    static std::string UnknownCommand(const Group& group);
+    std::string UnknownOption(const std::vector<std::string>& arguments) const;
+    std::string NeedlessValue(const std::vector<std::string>& arguments) const;
+    static std::string NoCommand(const Group& group);
+    std::string WhatIsWrong(const CLI::ParseError& error,
+                            const std::vector<std::string>& arguments) const;
+
+    CLI::App m_app{"Looks into strings files and keeps their protected entries.", "orva-strings"};
+    std::deque<Group> m_groups;  // the tool itself, then those of several commands
+    std::deque<Arguments> m_arguments;
+    Command* m_command = nullptr;
+    const Arguments* m_found = nullptr;  // the arguments of that command
+};
+
+std::string Footer(const std::vector<const char*>& examples) {
+    std::string footer = "Examples:\n";
+    for (const char* const example : examples) {
+        footer += "  orva-strings ";
+        footer += example;
+        footer += '\n';
+    }
+    return footer;
+}
+
+Parser::Parser(const Commands& commands) {
+    m_app.require_subcommand(1);
+    m_app.set_version_flag("--version", ORVA_VERSION);
+    m_groups.push_back({&m_app, ""});
+    std::vector<const char*> examples;
+    for (const auto& command : commands) {
+        Add(*command);
+        const std::vector<const char*>& own = command->Text().examples;
+        examples.insert(examples.end(), own.begin(), own.end());
+    }
+    m_app.footer(Footer(examples) +
+                 "Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or "
+                 "system error.");
+}
+
+Parser::Group& Parser::GroupOf(const Command& command) {
+    const char* const name = command.Text().group.name;
+    if (name == nullptr) {
+        return m_groups.front();
+    }
+    const std::string prefix = std::string(name) + ' ';
+    const auto found = std::find_if(m_groups.begin(), m_groups.end(),
+                                    [&](const Group& group) { return group.prefix == prefix; });
+    if (found != m_groups.end()) {
+        return *found;
+    }
+    m_groups.push_back({m_app.add_subcommand(name, command.Text().group.summary), prefix});
+    m_groups.back().app->require_subcommand(1);
+    return m_groups.back();
+}
+
+void Parser::Add(Command& command) {
+    const CommandText& text = command.Text();
+    CLI::App* const app = GroupOf(command).app->add_subcommand(text.name, text.summary);
+    if (!text.examples.empty()) {
+        app->footer(Footer(text.examples));
+    }
+    Arguments& arguments = m_arguments.emplace_back(*app);
+    command.Declare(arguments);
+    app->callback([this, &command, &arguments] {
+        m_command = &command;
+        m_found = &arguments;
+    });
+}
+
+// The word in the place of a command, and the command that was probably meant, which takes two changes
+// at most and leaves a letter of the word.
+std::string Parser::UnknownCommand(const Group& group) {
+    const std::vector<std::string> unknown = group.app->remaining();
+    if (unknown.empty() || unknown.front().compare(0, 1, "-") == 0) {  // an option
+        return "";
+    }
+    std::string word = unknown.front();
+    Unmark(word);
+    std::size_t least = std::min<std::size_t>(3, word.size());
+    std::string meant;
+    for (const CLI::App* const command : group.app->get_subcommands({})) {
+        const std::size_t distance = Distance(command->get_name(), word);
+        if (distance < least) {
+            least = distance;
+            meant = "; did you mean '" + group.prefix + command->get_name() + "'?";
+        }
+    }
+    return "unknown command '" + group.prefix + word + '\'' + meant;
+}
+
+// The first option that its command does not have. What follows -- is not an option.
+std::string Parser::UnknownOption(const std::vector<std::string>& arguments) const {
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    for (std::string& word : m_app.remaining(true)) {
+        if (word.size() > 1 && word.front() == '-' &&
+            std::find(arguments.begin(), end, word) != end) {
+            std::string value = word.substr(ValueBegin(word));
+            Unmark(value);
+            word.replace(ValueBegin(word), std::string::npos, value);
+            const bool isLong = word.compare(0, 2, "--") == 0;
+            return "unknown option '" + (isLong ? word.substr(0, word.find('=')) : word) + '\'';
+        }
+    }
+    return "";
+}
+
+// The first option that has a value and takes none.
+std::string Parser::NeedlessValue(const std::vector<std::string>& arguments) const {
+    for (const std::string& word : arguments) {
+        const std::string name = word.substr(0, word.find('='));
+        for (const Arguments& known : m_arguments) {
+            if (name != word && std::count(known.Flags().begin(), known.Flags().end(), name) != 0) {
+                return name + " takes no value";
+            }
+        }
+    }
+    return "";
+}
+
+std::string Parser::NoCommand(const Group& group) {
+    if (!group.app->get_subcommands().empty()) {
+        return "";
+    }
+    const std::string name = group.prefix.substr(0, group.prefix.find(' '));
+    return "a command is required" + (name.empty() ? "" : " after " + name);
+}
+
+std::string Parser::WhatIsWrong(const CLI::ParseError& error,
+                                const std::vector<std::string>& arguments) const {
+    for (const Group& group : m_groups) {
+        if (std::string text = UnknownCommand(group); !text.empty()) {
+            return text;
+        }
+    }
+    if (std::string text = UnknownOption(arguments); !text.empty()) {
+        return text;
+    }
+    for (const Group& group : m_groups) {
+        if (group.app == &m_app || m_app.got_subcommand(group.app)) {
+            if (std::string text = NoCommand(group); !text.empty()) {
+                return text;
+            }
+        }
+    }
+    if (error.get_name() == "ArgumentMismatch") {
+        if (std::string text = NeedlessValue(arguments); !text.empty()) {
+            return text;
+        }
+    }
+    std::string text = error.what();
+    text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());  // marks
+    return text;
+}
+
+Command* Parser::Parse(std::vector<std::string> arguments, std::ostream& out) {
+    MarkSpecial(arguments);
+    try {
+        // Reversed, as the parser takes a vector.
+        m_app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) {  // help or version
+            m_app.exit(error, out, out);
+            return nullptr;
+        }
+        throw UsageError(WhatIsWrong(error, arguments) + " (see --help)");
+    }
+    m_found->Finish();
+    return m_command;
+}
+
+}  // namespace
+
+Command* ParseCommandLine(const Commands& commands, std::vector<std::string> arguments,
+                          std::ostream& out) {
+    return Parser(commands).Parse(std::move(arguments), out);
+}

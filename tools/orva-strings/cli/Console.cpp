@@ -1,0 +1,29 @@
+#include "tools/orva-strings/cli/Console.h"
+
+#include <algorithm>
+#include <optional>
+
+FileSnapshot Console::Read(const std::string& file) const {
+    return file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(file);
+}
+
+MasterKey Console::ReadKey(const std::string& keyFile) const {
+    if (keyFile.empty()) {
+        return MasterKey::BuiltIn();
+    }
+    return keyFile == "-" ? MasterKey::FromText(m_readInput(), keyFile)
+                          : MasterKey::FromFile(keyFile);
+}
+
+void Console::Say(Severity severity, const std::string& text) const {
+    Print({severity, std::nullopt, text}, "orva-strings", m_err);
+}
+
+ExitStatus Console::Report(Findings findings, const std::string& file) const {
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    for (const Finding& finding : findings) {
+        Print(finding, file, m_err);
+    }
+    return HasError(findings) ? kFindings : kDone;
+}

@@ -1,0 +1,12 @@
+#ifndef ORVALANGUAGE_TOOLS_CLI_USAGEERROR_H
+#define ORVALANGUAGE_TOOLS_CLI_USAGEERROR_H
+
+#include <stdexcept>
+
+// The command line asks for something that makes no sense.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+#endif

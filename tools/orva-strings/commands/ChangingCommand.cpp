@@ -1,0 +1,39 @@
+#include "tools/orva-strings/commands/ChangingCommand.h"
+
+#include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/system/Files.h"
+
+void ChangingCommand::Declare(Arguments& arguments) {
+    arguments.Add(kStringsFile, m_file);
+    arguments.AddFlag("--in-place",
+                      "Write the result to FILE, whole or not at all, instead of standard output",
+                      m_isInPlace);
+    arguments.Add({"-o,--output", "OUTPUT",
+                   "Write the result to OUTPUT, whole or not at all; - is standard output",
+                   Role::kOutput, false, "--in-place"},
+                  m_output);
+}
+
+ExitStatus ChangingCommand::Run(const Console& console) {
+    if (m_isInPlace && m_file == "-") {
+        console.Say(Severity::kError, "--in-place needs a file, not -");
+        return kUsageOrSystem;
+    }
+    const FileSnapshot before = console.Read(m_file);
+    StringsDocument document(before.bytes);
+    const ExitStatus status = console.Report(Change(document, console), m_file);
+    if (status != kDone) {
+        return status;
+    }
+    const std::string result = document.Bytes();
+    if (m_isInPlace) {
+        if (result != before.bytes) {
+            ReplaceFile(m_file, before, result);
+        }
+    } else if (m_output.empty() || m_output == "-") {
+        console.Out() << result;
+    } else {
+        WriteFile(m_output, result);
+    }
+    return kDone;
+}

@@ -1,0 +1,19 @@
+#include "tools/orva-strings/commands/Table.h"
+
+// Each is defined in the file of its command.
+std::unique_ptr<Command> MakeKeyNew();
+std::unique_ptr<Command> MakeKeyShow();
+std::unique_ptr<Command> MakeProtect();
+std::unique_ptr<Command> MakeRekey();
+std::unique_ptr<Command> MakeReveal();
+std::unique_ptr<Command> MakeSections();
+std::unique_ptr<Command> MakeShow();
+
+Commands MakeCommands() {
+    Commands commands;
+    for (const auto make :
+         {MakeProtect, MakeReveal, MakeRekey, MakeShow, MakeSections, MakeKeyNew, MakeKeyShow}) {
+        commands.push_back(make());
+    }
+    return commands;
+}

@@ -1,0 +1,13 @@
+#ifndef ORVALANGUAGE_TOOLS_DOCUMENT_NOSECTION_H
+#define ORVALANGUAGE_TOOLS_DOCUMENT_NOSECTION_H
+
+#include <optional>
+
+#include "tools/orva-strings/cli/Finding.h"
+
+// What every command says of a document without a section.
+inline Finding NoSection() {
+    return {Severity::kError, std::nullopt, "there is no section in it"};
+}
+
+#endif
