@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/orva-strings/commands/Command.h"
+#include "tools/orva-strings/cli/Command.h"
 
 // Finds the command that the arguments ask for and sets its variables. Returns null if they asked for
 // help or the version, which is written to out. Throws UsageError if they are wrong.

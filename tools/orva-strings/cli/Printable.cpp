@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "tools/orva-strings/protection/Hex.h"
+#include "tools/orva-strings/Hex.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/orva-strings/commands/Command.h"
+#include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/document/StringsDocument.h"
 
 // A command that makes another strings file of one.

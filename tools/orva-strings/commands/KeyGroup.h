@@ -1,7 +1,7 @@
 #ifndef ORVALANGUAGE_TOOLS_COMMANDS_KEYGROUP_H
 #define ORVALANGUAGE_TOOLS_COMMANDS_KEYGROUP_H
 
-#include "tools/orva-strings/commands/Command.h"
+#include "tools/orva-strings/cli/Command.h"
 
 constexpr CommandGroup kKeyGroup = {"key", "Make keys and tell them apart"};
 

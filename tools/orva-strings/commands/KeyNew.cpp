@@ -2,7 +2,7 @@
 #include <string_view>
 
 #include "clearing/ClearedArray.h"
-#include "tools/orva-strings/commands/Command.h"
+#include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/commands/KeyGroup.h"
 #include "tools/orva-strings/system/Files.h"
 

@@ -2,7 +2,7 @@
 #include <set>
 #include <string>
 
-#include "tools/orva-strings/commands/Command.h"
+#include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/commands/KeyGroup.h"
 #include "tools/orva-strings/protection/LibraryFingerprint.h"

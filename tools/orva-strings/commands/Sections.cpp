@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "protection/ProtectedForm.h"
+#include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/cli/Printable.h"
-#include "tools/orva-strings/commands/Command.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/document/NoSection.h"
 #include "tools/orva-strings/document/StringsDocument.h"

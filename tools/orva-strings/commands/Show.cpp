@@ -11,8 +11,8 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 
 #include "support/TemporaryBundle.h"
+#include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/cli/Printable.h"
-#include "tools/orva-strings/commands/Command.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/document/NoSection.h"
 #include "tools/orva-strings/document/StringsDocument.h"

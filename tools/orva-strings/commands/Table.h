@@ -1,7 +1,7 @@
 #ifndef ORVALANGUAGE_TOOLS_COMMANDS_TABLE_H
 #define ORVALANGUAGE_TOOLS_COMMANDS_TABLE_H
 
-#include "tools/orva-strings/commands/Command.h"
+#include "tools/orva-strings/cli/Command.h"
 
 // Every command, in the order of the help.
 Commands MakeCommands();

@@ -15,7 +15,7 @@
 #include "clearing/ClearedArray.h"
 #include "platform/Sha256.h"
 #include "protection/KeyMaterial.h"
-#include "tools/orva-strings/protection/Hex.h"
+#include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/system/Files.h"
 
 namespace {

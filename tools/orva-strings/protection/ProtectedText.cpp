@@ -8,7 +8,7 @@
 #include "clearing/ClearRegisters.h"
 #include "clearing/ClearedArray.h"
 #include "crypt/CCryptAES.h"
-#include "tools/orva-strings/protection/Hex.h"
+#include "tools/orva-strings/Hex.h"
 
 std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& text) {
     const std::size_t padding = kProtectedBlock - text.size() % kProtectedBlock;

@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "clearing/ClearedArray.h"
-#include "tools/orva-strings/protection/Hex.h"
+#include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/system/AccessList.h"
 #include "tools/orva-strings/system/SignalBlock.h"
 

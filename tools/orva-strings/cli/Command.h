@@ -1,5 +1,5 @@
-#ifndef ORVALANGUAGE_TOOLS_COMMANDS_COMMAND_H
-#define ORVALANGUAGE_TOOLS_COMMANDS_COMMAND_H
+#ifndef ORVALANGUAGE_TOOLS_CLI_COMMAND_H
+#define ORVALANGUAGE_TOOLS_CLI_COMMAND_H
 
 #include <memory>
 #include <utility>
@@ -22,7 +22,7 @@ struct CommandText {
     CommandGroup group = {};
 };
 
-// A command, in a file of its own; Table.cpp lists all.
+// A command: a file of commands/ says everything about it, and Table.cpp there lists it.
 class Command {
 public:
     virtual ~Command() = default;

@@ -1,5 +1,5 @@
-#ifndef ORVALANGUAGE_TOOLS_PROTECTION_HEX_H
-#define ORVALANGUAGE_TOOLS_PROTECTION_HEX_H
+#ifndef ORVALANGUAGE_TOOLS_HEX_H
+#define ORVALANGUAGE_TOOLS_HEX_H
 
 #include <cstddef>
 #include <cstdint>
