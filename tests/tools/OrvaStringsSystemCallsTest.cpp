@@ -543,20 +543,20 @@ TEST_F(OrvaStringsSystemCalls, GiveNobodyElseARightToWhatIsUnfinished) {
         {{"reveal", "-o", "out", "stored"}, "out.A1A2A3", "fchmod out.A1A2A3 664", 0664, 9},
         {{"key", "new", "key"}, "key", "close .", 0, 7},
     };
-    for (const auto& [arguments, made, last, mode, calls] : cases) {
-        SCOPED_TRACE(arguments[0]);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments[0]);
         mode_t expected = 0600;
         std::size_t seen = 0;
-        Run(arguments, [&, &made = made, &last = last, &mode = mode](const std::string& call) {
-            if (std::filesystem::exists(made)) {
-                EXPECT_EQ(ModeOf(made), expected) << "at " << call;
+        Run(c.arguments, [&](const std::string& call) {
+            if (std::filesystem::exists(c.made)) {
+                EXPECT_EQ(ModeOf(c.made), expected) << "at " << call;
                 ++seen;
             }
-            expected = call == last ? mode : expected;
+            expected = call == c.last ? c.mode : expected;
             return 0;
         });
         ExpectTold(kGoesOn);
-        EXPECT_EQ(seen, calls);
+        EXPECT_EQ(seen, c.calls);
     }
     EXPECT_EQ(ModeOf("key"), 0600U);
 }
@@ -591,22 +591,20 @@ TEST_F(OrvaStringsSystemCalls, ReplaceNothingButTheFileThatWasRead) {
     };
     const Texts inPlace = {"reveal", "--in-place", "file"};
     const Texts output = {"reveal", "-o", "file", "stored"};
-    for (const auto& [arguments, call] :
-         {std::pair(inPlace, "fstat file"), std::pair(inPlace, "lstat file"),
-          std::pair(output, "lstat file")}) {
-        for (const auto& [what, change] : changes) {
-            SCOPED_TRACE(std::string("another ") + what + " by the second " + call + " of " +
-                         arguments[1]);
+    for (const auto& c : {std::pair(inPlace, "fstat file"), std::pair(inPlace, "lstat file"),
+                          std::pair(output, "lstat file")}) {
+        for (const auto& change : changes) {
+            SCOPED_TRACE(std::string("another ") + change.first + " by the second " + c.second +
+                         " of " + c.first[1]);
             MakeFiles(m_stored);
             const std::set<std::string> names = Names();
             int count = 0;
-            m_alter = [&, &call = call, &change = change](const std::string& made,
-                                                          struct stat& status) {
-                if (made == call && ++count == 2) {
-                    change(status);
+            m_alter = [&](const std::string& made, struct stat& status) {
+                if (made == c.second && ++count == 2) {
+                    change.second(status);
                 }
             };
-            Run(arguments);
+            Run(c.first);
             EXPECT_EQ(count, 2);
             ExpectTold(kChanged);
             EXPECT_EQ(BytesOf("file"), m_stored);
@@ -647,19 +645,19 @@ TEST_F(OrvaStringsSystemCalls, NarrowTheModeWhereRightsCannotBeCopied) {
         {{{"getxattr file ", ENODATA}, {"fremovexattr ", ENODATA}}, 0664, 0664},
         {{{"getxattr file ", ENOTSUP}, {"fremovexattr ", ENOTSUP}}, 0664, 0664},
     };
-    for (const auto& [refused, before, after] : cases) {
+    for (const auto& c : cases) {
         MakeFiles(m_stored);
-        ASSERT_EQ(chmod("file", before), 0);
-        Run({"reveal", "--in-place", "file"}, [&, &refused = refused](const std::string& call) {
-            const auto found = std::find_if(refused.begin(), refused.end(), [&](const auto& begin) {
-                return Begins(call, begin.first);
-            });
-            return found != refused.end() ? found->second : 0;
+        ASSERT_EQ(chmod("file", c.before), 0);
+        Run({"reveal", "--in-place", "file"}, [&](const std::string& call) {
+            const auto found =
+                std::find_if(c.refused.begin(), c.refused.end(),
+                             [&](const auto& begin) { return Begins(call, begin.first); });
+            return found != c.refused.end() ? found->second : 0;
         });
         ExpectTold(kGoesOn);
         EXPECT_EQ(BytesOf("file"), kPlain);
-        EXPECT_EQ(ModeOf("file"), after)
-            << (refused.empty() ? "" : refused.back().first) << " with " << std::oct << before;
+        EXPECT_EQ(ModeOf("file"), c.after) << (c.refused.empty() ? "" : c.refused.back().first)
+                                           << " with " << std::oct << c.before;
     }
 }
 
