@@ -37,6 +37,7 @@ MasterKey MasterKey::BuiltIn() {
     const KeyMaterial material;
     MasterKey key;
     std::copy(std::begin(material.Bytes()), std::end(material.Bytes()), key.m_bytes);
+    ClearRegisters();  // a later call may save them
     return key;
 }
 
@@ -105,6 +106,7 @@ std::string MasterKey::Fingerprint() const {
     WriteHexDigits(m_bytes, sizeof m_bytes, std::copy(kLabel.begin(), kLabel.end(), chars));
     std::uint8_t digest[kSha256Digest];
     Sha256({chars, text.Size()}, digest);
+    ClearRegisters();  // of the digits
     return ToHexDigits(digest, kFingerprint / 2);
 }
 
