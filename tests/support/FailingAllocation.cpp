@@ -14,6 +14,11 @@ thread_local bool gHasFailed = false;
 thread_local std::size_t gSizeOfFirst = 0;
 std::atomic<std::size_t> gLive = 0;
 
+thread_local const char* gWatched = nullptr;
+thread_local std::size_t gWatchedLength = 0;
+thread_local std::size_t gWatchedBlocks = 0;
+thread_local bool gHasSeen = false;
+
 // Ahead of each block stands its size; the block itself stays aligned for any type.
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 
@@ -33,13 +38,11 @@ void* Allocate(std::size_t size) {
     }
     ++gLive;
     std::memcpy(block, &size, sizeof size);
+    if (gWatched != nullptr) {
+        std::memset(block + kHeader, 0, size);  // all of it will be searched
+    }
     return block + kHeader;
 }
-
-thread_local const char* gWatched = nullptr;
-thread_local std::size_t gWatchedLength = 0;
-thread_local std::size_t gWatchedBlocks = 0;
-thread_local bool gHasSeen = false;
 
 void Free(void* block) noexcept {
     if (block == nullptr) {

@@ -26,8 +26,11 @@ TEST(KeyCleared, ClearsItsBytesInTheEnd) {
 
 TEST(KeyCleared, ClearsTheTextThatItIsMadeOf) {
     for (const char* const after : {"", "\n", "\r\n", "0"}) {  // the last is one digit too many
-        std::string text = std::string(kDigits) + after;
         const FreedMemoryWatch watch(kDigits, sizeof kDigits - 1);
+        std::string text;
+        text.reserve(100);  // so that it does not move as it grows
+        text += kDigits;
+        text += after;
         try {
             MasterKey::FromText(std::move(text), "key");
         } catch (const std::runtime_error&) {
