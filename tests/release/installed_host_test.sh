@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs the build to a folder of its own, then compiles and runs hosts in C and in C++ that have
-# nothing but that: found with pkg-config, and with CMake's find_package; the latter with the installed
-# orva-strings, too, and without. Then looks at what each install component holds.
+# Installs the build to a folder of its own, then compiles and runs C and C++ hosts that have
+# nothing else. They find it with pkg-config and with CMake's find_package, the latter with and
+# without the installed orva-strings. Then checks what each install component holds.
 #
 # Usage: installed_host_test.sh BUILD HOSTS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build has them
 set -euo pipefail
@@ -54,7 +54,7 @@ run "$work/cmake/cmake_cpp_host" "2 entries, GREETING is Hello"
 grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
     { echo "the package's orva-strings protected nothing"; exit 1; }
 
-# What each component brings, versions apart.
+# What each component installs, apart from versions.
 lib=${pc%/pkgconfig/*}
 lib=${lib#"$work/prefix/"}
 holds() { # COMPONENT, and the files on standard input
@@ -91,13 +91,13 @@ LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
 END
 
-# A host needs the first two alone.
+# A host needs only the first two.
 cp -a "$work/runtime/." "$work/development/"
 build_hosts without_tools "$work/development"
 run "$work/without_tools/cmake_c_host" "2 entries"
 [ ! -e "$work/without_tools/Shipped.strings" ] || { echo "the hosts found another orva-strings"; exit 1; }
 
-# Who asks for a component that is not installed is told so.
+# Requesting a component that is not installed is an error.
 mkdir "$work/asking"
 cat >"$work/asking/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.22)
