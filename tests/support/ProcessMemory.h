@@ -25,9 +25,9 @@
 // blocks, and what returned calls left on stacks.
 //
 // The search itself must not put the secrets there. So another process makes them, and this one
-// receives them masked, with some bits of each byte flipped. Until a search ends nothing is
-// allocated, since that could overwrite freed blocks. The search uses a part of the stack far below
-// what its caller's calls left there.
+// receives them masked, with some bits of each byte flipped. From then until a search ends nothing
+// is allocated, since that could overwrite freed blocks. The search uses a part of the stack far
+// below what its caller's calls left there.
 class MemorySearch {
 public:
     using Secrets = std::vector<std::pair<const char*, Bytes>>;
