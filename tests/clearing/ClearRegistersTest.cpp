@@ -87,7 +87,7 @@ TEST(ClearRegisters, LeavesNothingInThem) {
 
 namespace {
 
-// These values are needed afterwards. If registers were left as they are, they would stay in them.
+// Values needed after the call. They would stay in registers if it left those alone.
 template <typename Number>
 [[gnu::noinline]] Number SumAroundIt(Number a, Number b) {
     const Number product = a * b;

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Configures the project with one switch after another and checks what it reports and decides.
 #
-# Usage: configure_test.sh SOURCE ORVA_STRINGS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the
-#        build has them
+# Usage: configure_test.sh SOURCE ORVA_STRINGS,
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 source=$1 tool=$2
 work=$(mktemp -d)

@@ -2,7 +2,7 @@
 # What a C++ host may be: built for another standard, with another kind of standard library, with
 # names of its own. And what it can't do with the library's table.
 #
-# Usage: host_interface_test.sh LIBRARY SOURCE, with CXX and CXXFLAGS as the build has them
+# Usage: host_interface_test.sh LIBRARY SOURCE, with this build's CXX and CXXFLAGS
 set -euo pipefail
 library=$1 source=$2
 work=$(mktemp -d)
@@ -19,7 +19,7 @@ fail() {
 mkdir -p "$work/Host.app/Contents/Any" "$work/Host.app/Contents/Resources"
 printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/Host.app/Contents/Resources/Host.strings"
 
-runs() { # WHAT COMPILER FLAG…: a host built so prints its text
+runs() { # WHAT COMPILER FLAG…: a host built this way prints its text
     local what=$1 compiler=$2 host=$work/Host.app/Contents/Any/host printed
     "$compiler" "${strict[@]}" "${headers[@]}" "${@:3}" "$source/tests/release/hosts/host.cpp" -o "$host" \
         "$library" || fail "A host does not compile: $what"

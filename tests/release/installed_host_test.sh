@@ -3,7 +3,8 @@
 # nothing else. They find it with pkg-config and with CMake's find_package, the latter with and
 # without the installed orva-strings. Then checks what each install component holds.
 #
-# Usage: installed_host_test.sh BUILD HOSTS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build has them
+# Usage: installed_host_test.sh BUILD HOSTS,
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 build=$1 hosts=$2
 work=$(mktemp -d)
@@ -14,12 +15,12 @@ mv "$work/first" "$work/prefix"  # an installed tree may be moved
 pc=$(find "$work/prefix" -name OrvaLanguage.pc)
 export PKG_CONFIG_PATH=${pc%/*}
 libdir='' compile_flags=() link_flags=()
-eval "libdir=$(pkg-config --variable=libdir OrvaLanguage)"  # it quotes its words for the shell
+eval "libdir=$(pkg-config --variable=libdir OrvaLanguage)"  # its output is quoted for the shell
 
 mkdir -p "$work/Host.app/Contents/Any" "$work/Host.app/Contents/Resources"
 printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/Host.app/Contents/Resources/Host.strings"
 
-run() { # PROGRAM: it must print the text of GREETING
+run() { # PROGRAM OUTPUT
     cp "$1" "$work/Host.app/Contents/Any/"
     local printed
     printed=$(LD_LIBRARY_PATH=$libdir "$work/Host.app/Contents/Any/${1##*/}")
@@ -57,7 +58,7 @@ grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
 # What each component installs, apart from versions.
 lib=${pc%/pkgconfig/*}
 lib=${lib#"$work/prefix/"}
-holds() { # COMPONENT, and the files on standard input
+holds() { # COMPONENT; the expected files on standard input
     cmake --install "$build" --prefix "$work/$1" --component "$1" >"$work/install.log"
     local found
     found=$(cd "$work/$1" && find . ! -type d | sed -E "s|^\./$lib/|LIB/|

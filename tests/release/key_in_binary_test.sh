@@ -2,7 +2,7 @@
 # Builds the library with a key of its own and searches it for the key material and everything
 # derived from it. Then checks that a build is repeatable, and tries invalid key files.
 #
-# Usage: key_in_binary_test.sh SOURCE GENERATOR, with CXX as the build has it
+# Usage: key_in_binary_test.sh SOURCE GENERATOR, with this build's CXX
 set -euo pipefail
 source=$1 generator=$2
 work=$(mktemp -d)

@@ -2,8 +2,8 @@
 # Builds the library inside projects with settings of their own, runs their hosts, and checks that
 # neither side changes the other.
 #
-# Usage: parents_test.sh SOURCE ORVA_STRINGS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build
-#        has them
+# Usage: parents_test.sh SOURCE ORVA_STRINGS,
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 source=$1 tool=$2
 work=$(mktemp -d)

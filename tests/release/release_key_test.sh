@@ -3,8 +3,8 @@
 # sample host with it. Another build's command protects texts, which this one's and the host then
 # show. Then the key changes and everything is built again.
 #
-# Usage: release_key_test.sh SOURCE TOOL, TOOL: orva-strings of a build with another key; with
-#        GENERATOR, CC, CXX, CFLAGS and CXXFLAGS as the build has them
+# Usage: release_key_test.sh SOURCE TOOL, TOOL: orva-strings of a build with another key;
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 source=$1 other_tool=$2
 work=$(mktemp -d)

@@ -145,7 +145,7 @@ constexpr std::size_t kTimesPassedOver = 2;
 // For an entry: the line, the copy and the value, then the table's text in place of the copy.
 constexpr std::size_t kTimesKept = 3;
 
-// Checks that during its lifetime the process takes at most this many times the file's size.
+// While it lives, the process may use this many times the file's size in extra memory, no more.
 class BoundedLoad {
 public:
     explicit BoundedLoad(std::size_t times, std::size_t line = kLongLine)

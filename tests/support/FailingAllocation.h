@@ -18,7 +18,7 @@ public:
     static std::size_t SizeOfFirst();
 };
 
-// While it lives, searches every block that is deleted for some bytes. One at a time.
+// While it lives, searches every deleted block for some bytes. One at a time.
 class FreedMemoryWatch {
 public:
     FreedMemoryWatch(const void* bytes, std::size_t length);

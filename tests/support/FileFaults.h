@@ -8,8 +8,8 @@
 // executable must export its symbols, so that the library's calls come here.
 class FileFaults {
 public:
-    // failingOpen: which fopen from now on returns null: 1 for the first, 0 for none. failingClose:
-    // which fclose closes but reports a failure.
+    // failingOpen: which fopen from now on returns null: 1 for the first, 0 for none.
+    // failingClose: which fclose closes but reports a failure.
     explicit FileFaults(int failingOpen = 0, int failingClose = 0);
     ~FileFaults();
     FileFaults(const FileFaults&) = delete;

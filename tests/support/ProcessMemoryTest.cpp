@@ -22,8 +22,7 @@ using Hits = MemorySearch::Hits;
 std::uint8_t gInitialised[kSize] = {1};
 std::uint8_t gZero[kSize];
 
-// A byte of the secret. No two neighbouring bytes are next to each other anywhere but where a test
-// puts them.
+// A byte of the secret. No two of its bytes occur in a row where no test put them.
 std::uint8_t ByteAt(std::size_t i) {
     return static_cast<std::uint8_t>(0x5D * (i + 1) + i * i * 7);
 }

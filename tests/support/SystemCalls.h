@@ -28,8 +28,8 @@ public:
     SystemCalls(const SystemCalls&) = delete;
     SystemCalls& operator=(const SystemCalls&) = delete;
 
-    // The calls so far, each with its name, its file and what else matters, such as "open file
-    // O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600" or "fsync file". A temporary folder is TMP.
+    // The calls so far, each with its name, its file and what else matters, such as
+    // "open file O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600" or "fsync file". A temporary folder is TMP.
     static const std::vector<std::string>& Made();
 
     // The files opened since and not closed, by descriptor.

@@ -315,7 +315,7 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
         {"//ide_x:\t\"x\" = y", "ide_x"},
         {"//IDE_X=\"" + stored.substr(1) + "\"", "IDE_X"},
         {"//IDE_X=\"a text as long as a stored value, though nobody takes it for one.\"", "IDE_X"},
-        // Stored values, empty values, and no entries.
+        // Stored values, empty ones, and lines that are no entries.
         {"//IDE_X=\"" + stored + "\" ; menu", ""},
         {"//IDE_X=" + stored, ""},
         {"//IDE_X=\"" + std::string(64, '0') + "\"", ""},
@@ -1065,8 +1065,8 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
     EXPECT_EQ(EntriesInFolder(), 2) << "nothing else is left in the folder";
 }
 
-// An access list as Linux stores it: the owner's rights, one more user's, the group's, the mask,
-// others'.
+// An access list as Linux stores it: the rights of the owner, one more user, the group, the mask
+// and others.
 std::string AccessList(std::uint16_t user, std::uint16_t group, std::uint16_t mask) {
     struct Entry {
         std::uint16_t tag;

@@ -36,7 +36,7 @@ expect_calls() { # NAMES
     [ "$names" = "$1" ] || { echo "${command[*]} made its calls in this order: $names"; exit 1; }
     calls=$(tail -1 "$work/calls" | cut -d ' ' -f 1)
 }
-number_of() { # NAME: of the first call of the name
+number_of() { # NAME: the first call of that name
     grep -m 1 " $1\$" "$work/calls" | cut -d ' ' -f 1
 }
 
