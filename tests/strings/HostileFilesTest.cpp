@@ -587,7 +587,7 @@ TEST_F(ChangingFiles, AFailedReadEndsTheFile) {
     } cases[] = {{LongFile("text"), ReadFaults::kAll}, {kShortFile, 1}, {kShortFile, 7}};
     for (const auto& c : cases) {
         const auto reading = [&](std::size_t bytes) { return LeftByAFailure(UpTo(c.file, bytes)); };
-        // Once, so that a second reading succeeds; then from there on.
+        // One failure, so that a second reading succeeds; then failures from there on.
         TryAtEveryRead(c.file, c.mostBytes, {[] {}, reading, c.file, 1});
         TryAtEveryRead(c.file, c.mostBytes, {[] {}, reading, "", ReadFaults::kAll});
     }
