@@ -1,5 +1,5 @@
-// Every allocation that a call makes fails once; the results, the table, the heap and the open
-// files are then as promised.
+// Every allocation of a call fails once; the results, the table, the heap and the open files are
+// then as promised.
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -19,12 +19,12 @@
 
 namespace {
 
-// Longer than what a string object holds inside itself, so that each copy allocates.
+// Longer than a string object holds inline, so that each copy allocates.
 const std::string kLong = "a text that is longer than any string object holds inside itself ";
 
 enum class Outcome { kDone, kThrew };
 
-// Runs a call with its n-th allocation failing.
+// Runs a call whose n-th allocation fails.
 template <typename Call>
 Outcome RunWithFailure(std::size_t n, const Call& call) {
     const FailingAllocation failing(n);
@@ -52,7 +52,7 @@ bool TableIs(const std::map<std::string, std::string>& expected) {
     return table.Size() == expected.size();
 }
 
-// The allocations of a load of a file that is missing, each of which failed once.
+// The number of allocations in a load of a missing file, each of which failed once.
 std::size_t AllocationsBeforeTheOpen(const std::string& language) {
     const TemporaryBundle bundle;
     std::size_t n = 0;
@@ -63,7 +63,7 @@ std::size_t AllocationsBeforeTheOpen(const std::string& language) {
     return n - 1;
 }
 
-// A failure after it would leave the earlier table, though the file was open.
+// After the open, a failed copy would leave the earlier table although the file is open.
 TEST(AllocationFailure, ComesBeforeTheOpenInCopyingTheLanguage) {
     EXPECT_EQ(AllocationsBeforeTheOpen(kLong), AllocationsBeforeTheOpen("") + 1);
 }
@@ -107,12 +107,12 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
             EXPECT_TRUE(TableIs(all));
         } else if (outcome == Outcome::kDone && !TableIs({}) &&
                    table.Find("QVLANG")->value == kLong + "skipped") {
-            // Reading a line failed in the search; the file was read anew for its first section.
+            // Reading a line failed in the search; the file was read again for its first section.
             EXPECT_EQ(result, 1);
             ++endedEarly;
         } else {
-            // Reading a line failed, which ends the section; or an exception left. Either way the
-            // table holds the first so many entries.
+            // Reading a line failed, which ends the section, or an exception escaped. Either way
+            // the table holds the entries up to there.
             outcome == Outcome::kThrew ? ++threwAfter : ++endedEarly;
             if (outcome == Outcome::kDone) {
                 EXPECT_EQ(result, static_cast<int>(table.Size()));
@@ -125,7 +125,7 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
     EXPECT_GT(threwAfter, 60U);
     EXPECT_GT(endedEarly, 1U);
 
-    // Nothing is left behind but the table.
+    // A load leaves nothing allocated but the table.
     ASSERT_EQ(ZuLoadStrings("", "new", bundle.Get()), 1);
     const std::size_t live = LiveAllocations();
     failed = true;

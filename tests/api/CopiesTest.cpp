@@ -1,5 +1,5 @@
-// A host that is linked with the library, and plug-ins in it that carry copies of their own: each
-// copy has its tables, cache, locks and loaded count to itself.
+// A host linked with the library, and plug-ins in it that carry copies of their own: each copy has
+// its own tables, cache, locks and loaded count.
 #include <string>
 
 #include <OrvaLanguage/KorString.h>
@@ -28,7 +28,7 @@ const struct {
     {"namespace", [](const char* path) { return dlmopen(LM_ID_NEWLM, path, RTLD_NOW); }, false},
 };
 
-// The address and thread sanitizers refuse both, as they replace malloc for the whole process.
+// The address and thread sanitizers refuse both, since they replace malloc for the whole process.
 constexpr bool kIsSanitized =
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     true;
@@ -43,7 +43,7 @@ protected:
         return ZuLoadStrings("en", "x.strings", m_bundle.Get());
     }
 
-    // Every key and value of the host's table, named as the host's.
+    // Every key and value of the host's table, by the host's name for it.
     static std::string OwnTable() {
         std::string all;
         for (const auto& [key, value] : KorString::gMapLocalizedStrings) {
@@ -61,7 +61,7 @@ TEST_F(Copies, HaveEachTheirOwnState) {
             continue;
         }
         SCOPED_TRACE(way.name);
-        const std::string key = std::string("IDE_") + way.name;  // the host's cache keeps its texts
+        const std::string key = std::string("IDE_") + way.name;  // the host's cache keeps texts
         ASSERT_EQ(LoadOwn("MENU=\"host\"\n" + Line(key, "host's secret")), 3);
         const char* const text = ZuGetLocalizedString("MENU");
 
@@ -80,7 +80,7 @@ TEST_F(Copies, HaveEachTheirOwnState) {
         EXPECT_STREQ(text, "host");
         EXPECT_EQ(ZuGetLocalizedString("MORE"), nullptr);
 
-        // A load that fails closes its own copy alone.
+        // A load that fails affects its own copy only.
         EXPECT_EQ(ZuLoadStrings("en", "missing", m_bundle.Get()), 0);
         EXPECT_EQ(ZuGetLocalizedString("MENU"), nullptr);
         EXPECT_EQ(copy.Text("MENU"), "copy");
@@ -110,7 +110,7 @@ TEST_F(Copies, AreUnloadedInAnyOrder) {
     }
 }
 
-// At exit they are all there, each with a table and a cache to free.
+// At exit they are all loaded, each with a table and a cache to free.
 TEST_F(Copies, LeaveTheProcessInPeace) {
     ASSERT_EQ(LoadOwn("MENU=\"host\"\n" + Line("IDE_EXIT", "host")), 3);
     EXPECT_STREQ(ZuGetLocalizedString("IDE_EXIT"), "host");

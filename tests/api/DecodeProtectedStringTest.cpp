@@ -133,7 +133,7 @@ TEST(DecodeProtectedString, RejectsWhatIsNotStored) {
 }
 
 TEST(DecodeProtectedString, RejectsBadPaddingUnderAGoodTag) {
-    // The tag of each is right, for whatever length could be meant.
+    // Each has the right tag for every length that could be meant.
     const Bytes key = DevelopmentKey();
     const struct {
         const char* what;
@@ -184,7 +184,7 @@ TEST(DecodeProtectedString, RejectsEveryBitOfTheTagTurnedOver) {
 TEST(DecodeProtectedString, RejectsWhatAnotherKeyMade) {
     Bytes key = DevelopmentKey();
     for (std::uint32_t i = 0; i < 10'000; ++i) {
-        // Near keys, one bit away, and far ones.
+        // Near keys, one bit off, and distant ones.
         Bytes wrong = key;
         if (i < 256) {
             wrong[i / 8] = static_cast<std::uint8_t>(wrong[i / 8] ^ (1U << i % 8));
@@ -210,7 +210,7 @@ TEST(DecodeProtectedString, RejectsEveryChangedDigit) {
         ASSERT_EQ(SizingStatus(good), 0);
         for (std::size_t at = 0; at < good.size(); ++at) {
             for (const char digit : "0123456789ABCDEF"s) {
-                // All of some, a tenth of the rest.
+                // Every change of some entries, a tenth of the rest.
                 pick = pick * 1664525U + 1013904223U;
                 if (digit == good[at] || (entry % 40 != 0 && pick >> 16U >= 65536U / 10)) {
                     continue;
@@ -226,7 +226,7 @@ TEST(DecodeProtectedString, RejectsEveryChangedDigit) {
     EXPECT_GT(tried, 50'000);
 }
 
-// Where "%x" stops at a bad byte, seven digits read as eight that begin with 0.
+// If "%x" stops at a bad byte, seven digits read like eight that begin with 0.
 TEST(DecodeProtectedString, RejectsEveryOtherSpellingOfAGroup) {
     const Bytes key = DevelopmentKey();
     int tried = 0;
@@ -289,7 +289,7 @@ TEST(DecodeProtectedString, RunsUnderItsLock) {
     EXPECT_EQ(std::async(std::launch::async, [&] { return SizingStatus(good); }).get(), 0);
 }
 
-// What is on the stack may be overwritten before anyone looks; this memory is not.
+// The stack may be overwritten before the test looks; this memory is not.
 TEST(KeyMaterial, IsClearedWithTheKeysMadeFromIt) {
     alignas(KeyMaterial) std::uint8_t materialMemory[sizeof(KeyMaterial)];
     alignas(ProtectionKeys) std::uint8_t keysMemory[sizeof(ProtectionKeys)];
@@ -311,11 +311,11 @@ TEST(DecodeProtectedString, LeavesNeitherKeysNorTextOnTheStack) {
     const Bytes material = DevelopmentKey();
     const std::string text = "a text that nobody is to find on the stack";
     const std::string stored = Stored(text, material);
-    Decoding result = Fill(stored);  // once before, for what the loader does at the first call
+    Decoding result = Fill(stored);  // warm-up: the loader does more at a first call
     const Bytes stack = StackAfter([&] {
         DecodeProtectedString(&result.status, static_cast<std::int32_t>(stored.size()),
                               stored.data(), &result.outputLength, result.output.data());
-        getpgrp();  // the loader's search for it saves the registers to the stack
+        getpgrp();  // to resolve it, the loader saves the registers to the stack
     });
     EXPECT_EQ(result.status, 0);
     for (const auto& [name, secret] : SecretsOf(material, text)) {

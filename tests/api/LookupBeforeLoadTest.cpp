@@ -1,4 +1,4 @@
-// What holds in a process that has loaded nothing yet; so it has an executable of its own.
+// What holds in a process that has loaded nothing yet, hence an executable of its own.
 #include <OrvaLanguage/KorString.h>
 #include <gtest/gtest.h>
 

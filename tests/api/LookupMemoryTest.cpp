@@ -1,6 +1,6 @@
-// That no memory of the process holds what decoding worked with, once a lookup has returned: neither
-// a static object nor the heap, freed blocks included, nor a stack. A decoded text is in the
-// library's cache, and nowhere else.
+// Once a lookup has returned, no memory of the process holds what decoding worked with: static
+// objects, the heap including freed blocks, the stacks. A decoded text is in the library's cache
+// and nowhere else.
 #include <functional>
 #include <string>
 
@@ -22,8 +22,8 @@ std::string TestName() {
     return ::testing::UnitTest::GetInstance()->current_test_info()->name();
 }
 
-// A text of the test's own, no eight bytes of which repeat: what another test has looked up stays in
-// the cache.
+// A text for this test only, since the cache keeps those of other tests. No eight bytes of it
+// repeat.
 std::string Text() {
     std::string text;
     for (std::size_t i = std::hash<std::string>()(TestName()) % 1'000'000; text.size() < kText;
@@ -85,7 +85,7 @@ TEST_F(LookupMemory, HoldsNeitherTextNorKeyWhereNothingIsAnswered) {
 TEST_F(LookupMemory, HoldsATextOnceAndNoKeyAfterALookupInAThread) {
     Hits found;
     CallInThread([&] { ZuGetLocalizedString(m_hit.c_str()); }, [&] { found = m_search.Found(); });
-    // The cache may be in a heap that the thread has for itself.
+    // The cache may be in the thread's own heap.
     ASSERT_EQ(found.size(), 1U) << ::testing::PrintToString(found);
     EXPECT_EQ(found.begin()->first.compare(0, 9, "the text "), 0) << found.begin()->first;
     EXPECT_EQ(found.begin()->second, kText / 8);

@@ -1,4 +1,4 @@
-// Every allocation of a first lookup fails once, the decoder's included.
+// Every allocation of a first lookup fails once, including the decoder's.
 #include <string>
 #include <thread>
 
@@ -45,12 +45,12 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
             EXPECT_LE(left, 2U) << "at most the buffer and the cache's index";
             EXPECT_EQ(ZuGetLocalizedString(key.c_str()), text) << "the next lookup tries again";
         } else if (*answer == '\0') {
-            // The filling call ran out of memory and wrote nothing, and its status is not asked.
+            // The filling call ran out of memory and wrote nothing; its status is not checked.
             EXPECT_TRUE(failed);
             ++empties;
             EXPECT_EQ(ZuGetLocalizedString(key.c_str()), answer);
         } else {
-            // A copy that only measures may fail unseen.
+            // A copy made only for measuring can fail unnoticed.
             EXPECT_EQ(answer, text);
             EXPECT_GT(n, 1U) << "the first is the sizing call's, which has failed then";
             ++texts;
@@ -81,7 +81,7 @@ TEST(ProtectedAllocationFailure, LeavesNothingAndNoLockHeldWhereTheCacheHasRoom)
             failed = FailingAllocation::HasFailed();
         }
         EXPECT_EQ(LiveAllocations(), live);
-        // The locks are recursive, so only another thread can tell.
+        // The locks are recursive, so only another thread notices.
         std::thread([] { EXPECT_EQ(ZuGetLocalizedString("IDE_BAD"), nullptr); }).join();
     }
     EXPECT_GT(points, 10U);
@@ -93,14 +93,14 @@ TEST(ProtectedLookup, LeavesNothingBehindButTheCachesEntry) {
     const std::string stored = Stored("a text", DevelopmentKey());
     bundle.Write("x", "QVLANG=en\nIDE_LEFT_1=" + stored + "\nIDE_LEFT_2=" + stored + "\n");
     ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 3);
-    ZuGetLocalizedString("IDE_LEFT_1");  // with it the cache gets room for several
+    ZuGetLocalizedString("IDE_LEFT_1");  // makes the cache allocate room for several
     const std::size_t live = LiveAllocations();
     EXPECT_STREQ(ZuGetLocalizedString("IDE_LEFT_2"), "a text");
     EXPECT_EQ(LiveAllocations(), live);
 }
 
 TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
-    // An answer ends at the NUL; what is behind it is cleared all the same.
+    // An answer ends at the NUL; what follows it is cleared as well.
     const std::string answer = "another text";
     const std::string text = answer + '\0' + "that nobody is to find in memory that was given back";
     const TemporaryBundle bundle;

@@ -1,5 +1,5 @@
-// Loads the library and watches which of its static objects register a destructor, and when: that
-// is the order in which they are made.
+// Loads the library and records which of its static objects register a destructor, and when. That
+// shows the order in which they are constructed.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +16,7 @@ namespace {
 
 std::vector<const void*>* gRegistered = nullptr;  // null: not watching
 
-// The names of the library's objects, by their place in its file.
+// The names of the library's objects, by their address in its file.
 std::map<std::uintptr_t, std::string> Symbols() {
     FILE* const listing = popen("nm --demangle --defined-only '" ORVA_LIBRARY "'", "r");
     std::map<std::uintptr_t, std::string> symbols;
@@ -24,7 +24,7 @@ std::map<std::uintptr_t, std::string> Symbols() {
     while (std::fgets(line, sizeof line, listing) != nullptr) {
         char* end = nullptr;
         const std::uintptr_t place = std::strtoull(line, &end, 16);
-        std::string name = end + 3;  // behind " T "
+        std::string name = end + 3;  // after " T "
         name.pop_back();
         if (end[1] == 'B' || end[1] == 'b' || end[1] == 'D' || end[1] == 'd') {
             symbols[place] = name;
@@ -51,7 +51,7 @@ TEST(StaticObjects, AreMadeInTheirOrder) {
         names.push_back(symbol == symbols.end() ? "not an object of the library" : symbol->second);
     }
 
-    // Whether a lock needs to be destroyed depends on the standard library.
+    // Whether a lock needs a destructor depends on the standard library.
     std::vector<std::string> expected = {"gMapDecodedStrings", "gMapLocalizedStrings"};
     if (!std::is_trivially_destructible_v<std::recursive_mutex>) {
         expected.emplace_back("gDecodeMutex");
@@ -64,8 +64,8 @@ TEST(StaticObjects, AreMadeInTheirOrder) {
 
 }  // namespace
 
-// In place of the system's, which it calls: what a compiler calls to register the destructor of a
-// static object. NOLINTNEXTLINE(bugprone-reserved-identifier): the system's own name
+// Replaces and calls the system's: compilers call it to register the destructor of a static object.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the system's own name
 extern "C" int __cxa_atexit(void (*destroy)(void*), void* object, void* library) {
     if (gRegistered != nullptr) {
         gRegistered->push_back(object);

@@ -1,4 +1,4 @@
-// How the lookup calls the decoder, and what it makes of odd answers, seen by stand-ins for the
+// How the lookup calls the decoder and what it does with odd answers, tested with stand-ins for the
 // decoder and the plain lookup.
 #include <cstring>
 #include <string>
@@ -45,7 +45,7 @@ protected:
         gSizingOutputLength = 0;
         gFillingStatus = 0;
         gLoadedCount = 1;
-        gMapDecodedStrings.Clear();  // so that each test's first entry takes memory
+        gMapDecodedStrings.Clear();  // so that each test's first entry allocates
     }
 
     std::vector<Call> m_calls;
@@ -132,7 +132,7 @@ TEST_F(DecoderCalls, EndsTheTextAtItsFirstNul) {
 }
 
 TEST_F(DecoderCalls, FindsNoMemoryForATextOf2GiB) {
-    // So long a text, in one mebibyte of memory that is there 2048 times, and ends behind them.
+    // A text of that length: one mebibyte of memory mapped 2048 times, then the text's end.
     constexpr std::size_t kPiece = std::size_t{1} << 20U;
     constexpr std::size_t kPieces = 2048;
     const int file = memfd_create("digits", 0);

@@ -1,4 +1,4 @@
-// The one lookup call through the built library, protected texts included.
+// The lookup call through the built library, including protected texts.
 #include <set>
 #include <string>
 #include <unistd.h>
@@ -56,11 +56,11 @@ TEST_F(ZuGetLocalizedStringTest, LeavesNeitherKeysNorTextOnTheStack) {
         "passes through several vector registers, however wide the processor's happen to be; the "
         "last words, too, are to be gone";
     ASSERT_EQ(Load(Line("IDE_BEFORE", "x") + Line("IDE_ON_STACK", text)), 3);
-    ZuGetLocalizedString("IDE_BEFORE");  // for what the loader does at the first call
+    ZuGetLocalizedString("IDE_BEFORE");  // warm-up: the loader does more at a first call
     const char* answer = nullptr;
     const Bytes stack = StackAfter([&] {
         answer = ZuGetLocalizedString("IDE_ON_STACK");
-        getpgrp();  // the loader's search for it saves the registers to the stack
+        getpgrp();  // to resolve it, the loader saves the registers to the stack
     });
     EXPECT_EQ(answer, text);
     for (const auto& [name, secret] : SecretsOf(DevelopmentKey(), text)) {
@@ -69,8 +69,8 @@ TEST_F(ZuGetLocalizedStringTest, LeavesNeitherKeysNorTextOnTheStack) {
 }
 
 #ifdef __x86_64__
-// What the test before and the decoder's rest on: a call that is bound late shows on the stack what
-// a vector register held.
+// The test above and the decoder's rest on this: a late-bound call saves the vector registers to
+// the stack.
 TEST(LateBoundCall, SavesVectorRegistersToTheStack) {
     alignas(16) const char secret[] = "in a register...";
     const Bytes stack = StackAfter([&] {

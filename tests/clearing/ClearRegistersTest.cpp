@@ -2,7 +2,7 @@
 
 #include "clearing/ClearRegisters.h"
 
-// In one source with its callers, where the compiler sees what it changes, as it does at link time.
+// Compiled with its callers, so that the compiler sees what it changes, as at link time.
 #include "clearing/ClearRegisters.cpp"  // NOLINT(bugprone-suspicious-include)
 
 #ifdef __x86_64__
@@ -19,7 +19,7 @@ struct Registers {
 
 }  // namespace
 
-// Fills the registers with 32 bytes, calls a function, and saves what they hold then.
+// Fills the registers with 32 bytes, calls a function, and saves what they hold afterwards.
 extern "C" void FillCallAndSave(const std::uint64_t (&bytes)[4], void (*function)(),
                                 Registers& registers) __asm__("FillCallAndSave");
 
@@ -56,7 +56,7 @@ FillCallAndSave:
 
 namespace {
 
-// How many of the registers, counted in pieces of eight bytes, still hold a piece of the secret.
+// How many eight-byte pieces of the registers still hold a piece of the secret.
 std::ptrdiff_t PiecesLeftBy(void (*function)()) {
     constexpr std::uint64_t kSecret[] = {0x5EC2E70000000001, 0x5EC2E70000000002, 0x5EC2E70000000003,
                                          0x5EC2E70000000004};
@@ -73,7 +73,7 @@ std::ptrdiff_t PiecesLeftBy(void (*function)()) {
     return pieces;
 }
 
-// Every register that a call may change holds a known value before, and not afterwards.
+// Every register that a call may change holds a known value before the call but not afterwards.
 TEST(ClearRegisters, LeavesNothingInThem) {
     if (!__builtin_cpu_supports("avx")) {
         GTEST_SKIP() << "the processor's vector registers are smaller than this test saves";
@@ -87,7 +87,7 @@ TEST(ClearRegisters, LeavesNothingInThem) {
 
 namespace {
 
-// What is wanted afterwards, and would be kept in registers if they stayed as they are.
+// Values needed after the call. They would stay in registers if it left those alone.
 template <typename Number>
 [[gnu::noinline]] Number SumAroundIt(Number a, Number b) {
     const Number product = a * b;
@@ -97,7 +97,7 @@ template <typename Number>
 }
 
 TEST(ClearRegisters, LeavesItsCallerWhatItNeeds) {
-    const volatile double real = 3;  // volatile: not worked out beforehand
+    const volatile double real = 3;  // volatile: not computed at compile time
     const volatile long whole = 3;
     EXPECT_EQ(SumAroundIt<double>(real, 2), 12.0);
     EXPECT_EQ(SumAroundIt<long>(whole, 2), 12);

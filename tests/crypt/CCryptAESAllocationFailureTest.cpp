@@ -1,4 +1,4 @@
-// Every allocation of a cipher object fails once; nothing is lost, and the object says what it is
+// Every allocation of a cipher object fails once; nothing leaks, and the object reports what it is
 // left with.
 #include <new>
 #include <string>

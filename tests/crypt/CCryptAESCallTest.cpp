@@ -1,4 +1,4 @@
-// What CCryptAES hands to the cipher call and makes of its answers, seen by a stand-in for the
+// What CCryptAES passes to the cipher call and does with its answers, seen by a stand-in for the
 // call.
 #include <cstring>
 #include <mutex>
@@ -156,7 +156,7 @@ TEST(CCryptAESCall, IsNotMadeWithWrongParameters) {
 
 }  // namespace
 
-// In place of the system's.
+// Replaces the system's.
 extern "C" CCCryptorStatus CCCrypt(CCOperation op, CCAlgorithm alg, CCOptions options,
                                    const void* key, std::size_t keyLength, const void* iv,
                                    const void* dataIn, std::size_t dataInLength, void* dataOut,

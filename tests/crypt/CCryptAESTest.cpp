@@ -16,7 +16,7 @@
 
 namespace {
 
-// Apple's cipher call lets bad padding pass, so that there damaged data decrypts to something.
+// Apple's cipher call accepts bad padding, so damaged data decrypts to something there.
 #ifdef __APPLE__
 constexpr bool kFindsBadPadding = false;
 #else
@@ -70,8 +70,7 @@ TEST(CCryptAES, HasItsPlaceInTheTreeOfClasses) {
     EXPECT_EQ(sizeof(CCryptAES), sizeof(CCryptAESBase)) << "it adds no fields";
 }
 
-// The place of a virtual function in its class's table, which a pointer to it holds as the offset
-// plus one.
+// The vtable slot of a virtual function. A pointer to the function holds its offset plus one.
 #ifdef __x86_64__
 template <typename Function>
 std::size_t PlaceOf(Function function) {
@@ -81,7 +80,7 @@ std::size_t PlaceOf(Function function) {
 }
 
 TEST(CCryptAES, HasItsVirtualFunctionsInTheirOrder) {
-    // After the two entries of the destructor.
+    // The first two are the destructor's.
     EXPECT_EQ(PlaceOf(&CCryptBase::Encrypt), 2U);
     EXPECT_EQ(PlaceOf(&CCryptBase::Decrypt), 3U);
     EXPECT_EQ(PlaceOf(&CCryptBase::GetEncryptedSize), 4U);
@@ -145,7 +144,7 @@ TEST(CCryptAES, EncryptsAndDecryptsInPlace) {
 }
 
 TEST(CCryptAES, UsesTheKeyIVModeAndPaddingItWasGiven) {
-    // Known answers: see the vectors for each; here, that each setter matters.
+    // The vectors hold the known answers; this shows that each setter matters.
     const auto encrypted = [](const Parameters& p, unsigned firstOfKey, unsigned firstOfIV) {
         CCryptAES aes;
         Configure(aes, p);
@@ -190,7 +189,7 @@ TEST(CCryptAES, KeepsCopiesOfKeyAndIV) {
 }
 
 TEST(CCryptAES, ChecksPointersAndLengthFirst) {
-    CCryptAES aes;  // nothing set up: these checks come before those of the parameters
+    CCryptAES aes;  // nothing is set: these checks precede those of the parameters
     Bytes data = CountingBytes(48);
     std::size_t n = 32;
     for (const bool isEncryption : {true, false}) {
@@ -233,7 +232,7 @@ TEST(CCryptAES, ChecksItsParametersInTheirOrder) {
         {{3, CRYPT_PADDING_PKCS7, 16, 16}, 453},
         {{CRYPT_MODE_CBC, 1, 16, 16}, 451},
         {{CRYPT_MODE_CBC, 5, 16, 16}, 451},
-        // Several at once: the first of IV, key, mode, padding.
+        // Several at once: reports the first of IV, key, mode, padding.
         {{0, 1, 20, 15}, 452},
         {{CRYPT_MODE_CBC, CRYPT_PADDING_PKCS7, 20, 15}, 452},
         {{0, 1, 20, 16}, 454},
@@ -297,7 +296,7 @@ TEST(CCryptAES, MeasuresDamagedDataTooButDoesNotDecryptIt) {
 
     if (kFindsBadPadding) {
         Bytes damaged = data;
-        damaged[31] ^= 0x80U;  // turns over a bit of the padding's last byte
+        damaged[31] ^= 0x80U;  // flips a bit of the padding's last byte
         EXPECT_EQ(aes.GetDecryptedSize(damaged.data(), 48), 32U) << "what the cipher call wrote";
         n = 48;
         EXPECT_EQ(ErrorOf([&] { aes.Decrypt(damaged.data(), &n, 48); }), 207);
@@ -338,7 +337,7 @@ TEST(CCryptAES, IsUsableAfterEachFailure) {
     EXPECT_EQ(data, CountingBytes(32));
 }
 
-// Runs an operation on another thread. A lock that was left behind would hold it up for ever.
+// Runs an operation on another thread, which a lock still held would block for ever.
 testing::AssertionResult RunsOnAnotherThread() {
     std::packaged_task<void()> task([] {
         CCryptAES aes;
@@ -395,7 +394,7 @@ TEST(CCryptAESLock, IsReleasedOnEveryWayOut) {
 TEST(CCryptAESLock, IsTakenForTheParametersButNotForTheArguments) {
     std::unique_lock<std::mutex> lock(gCryptMutex);
 
-    // On another thread, since this one holds the lock. These come back at once.
+    // On another thread, since this one holds the lock. These return at once.
     const auto instant = std::async(std::launch::async, [] {
         CCryptAES aes;
         Bytes data = CountingBytes(48);
@@ -408,7 +407,7 @@ TEST(CCryptAESLock, IsTakenForTheParametersButNotForTheArguments) {
     });
     EXPECT_EQ(instant.wait_for(std::chrono::seconds(60)), std::future_status::ready);
 
-    // These wait, even to find a wrong parameter.
+    // These wait, even to report a wrong parameter.
     std::future<std::int32_t> waiting = std::async(std::launch::async, [] {
         const CCryptAES aes;
         Bytes data = CountingBytes(48);

@@ -35,7 +35,7 @@ TEST(CommonCryptorPeer, GivesTheSameBytes) {
         const auto from = pool.begin() + static_cast<std::ptrdiff_t>(random() % kLongest);
         Bytes in(from, from + static_cast<std::ptrdiff_t>(length));
 
-        // Most ciphertexts are real ones: random bytes hardly ever have good padding.
+        // Most ciphertexts are real ones: random bytes almost never have good padding.
         if (p.op == kCCDecrypt && random() % 4 != 0) {
             CipherPeer::Parameters reverse = p;
             reverse.op = kCCEncrypt;
@@ -65,7 +65,7 @@ TEST(CommonCryptorPeer, GivesTheSameBytes) {
         } else {
             ++refused;
         }
-        // Of a refused message OpenSSL holds back the last block, which may be whole.
+        // OpenSSL holds back the last block of a refused message, which may be a whole one.
         ASSERT_GE(moved, expected.size()) << what;
         ASSERT_TRUE(std::equal(expected.begin(), expected.end(), buffer.begin())) << what;
     }

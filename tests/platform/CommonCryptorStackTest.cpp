@@ -1,5 +1,5 @@
-// What the cipher call leaves behind on the stack: runs it in a thread on a stack of the test's own
-// and looks through that afterwards.
+// What the cipher call leaves on the stack: runs it in a thread on the test's own stack and
+// searches that afterwards.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -56,7 +56,7 @@ TEST(CommonCryptorStack, HoldsNeitherKeyNorText) {
                          Bytes(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length)),
                          length};
             work.data.resize(length + 16);
-            // Once before, for what the loader does at the first call.
+            // Warm-up: the loader does more at a first call.
             Work rehearsal = work;
             StackAfterCipher(rehearsal);
             const std::string what =
@@ -69,7 +69,7 @@ TEST(CommonCryptorStack, HoldsNeitherKeyNorText) {
             const Bytes decryptionStack = StackAfterCipher(work);
             ASSERT_EQ(work.length, length) << what;
 
-            // Before the chaining: what decrypting a block gives first.
+            // Before the chaining: what decrypting a block gives.
             Bytes chained = iv;
             chained.insert(chained.end(), encrypted.begin(), encrypted.end());
             const Bytes plain(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length));

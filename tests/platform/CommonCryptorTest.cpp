@@ -1,4 +1,4 @@
-// Each rule of the system's cipher call, held by the one of our own.
+// Our own cipher call follows each rule of the system's.
 #include <algorithm>
 #include <string>
 #include <thread>
@@ -23,7 +23,7 @@ struct Result {
     Bytes buffer;
 };
 
-// Into a buffer of available bytes, all kFill before.
+// Writes to a buffer of available bytes, filled with kFill.
 Result Crypt(CCOperation op, CCOptions options, const Bytes& in, std::size_t available,
              const Bytes& key = kKey, const Bytes* iv = &kIV) {
     Result result = {0, kUntouched, Bytes(available, kFill)};
@@ -33,11 +33,11 @@ Result Crypt(CCOperation op, CCOptions options, const Bytes& in, std::size_t ava
     return result;
 }
 
-// The same within one buffer of capacity bytes, all kFill behind the input.
+// Works in a buffer of capacity bytes, filled with kFill after the input.
 Result CryptInPlace(CCOperation op, CCOptions options, const Bytes& in, std::size_t capacity) {
     Result result = {0, in.size(), in};
     result.buffer.resize(capacity, kFill);
-    // The length is read before the moved value is written over it.
+    // The length is read before the moved value overwrites it.
     result.status =
         CCCrypt(op, kCCAlgorithmAES128, options, kKey.data(), kKey.size(), kIV.data(),
                 result.buffer.data(), result.moved, result.buffer.data(), capacity, &result.moved);
@@ -51,7 +51,7 @@ Bytes Encrypted(const Bytes& in, CCOptions options) {
     return result.buffer;
 }
 
-// The first n bytes of one, and the rest of a buffer of the same size as another.
+// The first n bytes of head, followed by those of rest.
 Bytes Spliced(const Bytes& head, std::size_t n, Bytes rest) {
     std::copy_n(head.begin(), n, rest.begin());
     return rest;
@@ -122,7 +122,7 @@ TEST(CommonCryptor, RefusesWrongParametersAndTouchesNothing) {
         {"key of 40", kCCEncrypt, 0, key.data(), 40},
     };
     for (const auto& c : cases) {
-        for (const std::size_t available : {0U, 32U}) {  // before the room is looked at
+        for (const std::size_t available : {0U, 32U}) {  // checked before the room
             Bytes out(32, kFill);
             std::size_t moved = kUntouched;
             EXPECT_EQ(CCCrypt(c.op, c.alg, 0, c.key, c.keyLength, kIV.data(), key.data(), 32,
@@ -216,7 +216,7 @@ TEST(CommonCryptor, PadsAndUnpadsAnyLength) {
             EXPECT_EQ(encrypted.status, kCCSuccess) << length;
             EXPECT_EQ(encrypted.moved, padded) << length;
 
-            // What is under the padding: PKCS#7, seen without it.
+            // The padding is PKCS#7, as decrypting without it shows.
             Bytes withPadding = text;
             withPadding.resize(padded, static_cast<std::uint8_t>(padded - length));
             EXPECT_EQ(Crypt(kCCDecrypt, mode, encrypted.buffer, padded).buffer, withPadding);

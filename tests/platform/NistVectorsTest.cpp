@@ -32,8 +32,8 @@ void Check(const std::map<std::string, Bytes>& vector, std::uint32_t mode,
     EXPECT_EQ(ToHex(data), ToHex(vector.at("PLAINTEXT"))) << what;
 }
 
-// The number of vectors in a file: lines "NAME = HEX", the vectors apart by empty lines, each
-// closed by its CIPHERTEXT or PLAINTEXT, whichever comes second.
+// Returns the number of vectors in a file. Lines are "NAME = HEX", empty lines separate the
+// vectors, and each ends with its CIPHERTEXT or PLAINTEXT, whichever comes second.
 int CheckFile(const std::filesystem::path& path, std::uint32_t mode) {
     std::ifstream file(path);
     std::map<std::string, Bytes> vector;

@@ -81,7 +81,7 @@ TEST(ResourcePathCoreFoundation, TakesAnEmptyOrUnendedBufferAsNoPath) {
 }
 
 TEST(ResourcePathCoreFoundation, StopsAtANullAndReleasesWhatItOwns) {
-    // The calls of kAllCalls that are still made when an object is missing.
+    // The calls of kAllCalls that are still made if an object is missing.
     const struct {
         const char* missing;
         std::vector<std::size_t> calls;

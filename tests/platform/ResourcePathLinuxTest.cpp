@@ -26,7 +26,7 @@ std::string PathOf(__CFBundle* bundle, const std::string& fileName) {
     return room.path;
 }
 
-// The path for a bundle that is opened for this one question; "no bundle" where there is none.
+// The path in a bundle opened for this question only; "no bundle" if it can't be opened.
 std::string PathIn(const std::string& bundlePath, const std::string& fileName) {
     __CFBundle* const bundle = ZuOpenBundle(bundlePath.c_str());
     if (bundle == nullptr) {
@@ -272,8 +272,8 @@ TEST(ResourcePath, HoldsAtMost1023Bytes) {
     }
 }
 
-// The main bundle is the running executable's, so copies of a small program, which prints the path
-// of "x" in its main bundle, are run from where they are put.
+// The main bundle is that of the running executable. So these tests put copies of a small program
+// where they need them, and run them. It prints the path of "x" in its main bundle.
 class MainBundle : public ::testing::Test {
 protected:
     std::string PathPrintedBy(const fs::path& executable, const std::string& argument = "") const {

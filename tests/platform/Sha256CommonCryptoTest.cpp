@@ -1,4 +1,4 @@
-// The source for macOS, over a stand-in for the system's call that records it.
+// The macOS source, over a stand-in that records the system's call.
 #include <algorithm>
 #include <iterator>
 #include <string>

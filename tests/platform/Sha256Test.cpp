@@ -1,4 +1,4 @@
-// The system's SHA-256 against the examples that were published with it.
+// The system's SHA-256 against the published examples.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -28,13 +28,13 @@ TEST(Sha256, GivesThePublishedDigests) {
     }
 }
 
-// The bytes may be a key's.
+// The bytes may be those of a key.
 TEST(Sha256, LeavesNothingOnTheStack) {
 #ifdef __SANITIZE_THREAD__
     GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
 #endif
     std::string bytes;
-    for (int i = 0; bytes.size() < 96; ++i) {  // a block and a half, as a key's
+    for (int i = 0; bytes.size() < 96; ++i) {  // a block and a half, like a key's
         bytes += std::to_string(i * 7919);
     }
     std::uint8_t digest[kSha256Digest] = {};

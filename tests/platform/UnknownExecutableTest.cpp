@@ -1,5 +1,5 @@
-// A load from the main bundle where the system does not say which executable runs, as without
-// /proc. Puts itself in place of the system's call.
+// A load from the main bundle when the system does not say which executable runs, as without /proc.
+// Replaces the system's call.
 #include <cerrno>
 #include <unistd.h>
 

@@ -1,5 +1,5 @@
-// What the stored form makes of a cipher call that answers with another length, which a good one
-// never does.
+// What the stored form does when the cipher call returns another length, which a good one never
+// does.
 #include <cstddef>
 #include <cstdint>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-std::size_t gLess = 0;  // so many bytes fewer than there were
+std::size_t gLess = 0;  // how many bytes fewer than there were
 int gDecryptions = 0;
 
 TEST(ProtectedFormCall, RejectsWhatDecryptsToAnotherLength) {

@@ -1,10 +1,9 @@
 #!/usr/bin/env bash
-# Runs the sample host's bundle, with a copy of Nettle in it, where the system has no Nettle: in a root
-# folder that holds the C and C++ libraries and nothing else. Once with the library as it was built,
-# once as it is installed.
+# Runs the sample host's bundle, with a copy of Nettle in it, where the system has no Nettle: in a
+# root folder with the C and C++ libraries only. Uses the library as built, then as installed.
 #
 # Usage: bundle_test.sh HOST BUILD   BUILD may be empty: nothing to install
-# Ends with 77 if this user may not change the root folder, or if the host can't run in this one.
+# Exits with 77 if this user may not change the root folder, or if the host can't run there.
 set -euo pipefail
 host=$1 build=$2
 work=$(mktemp -d)
@@ -24,8 +23,8 @@ else
     exit 77
 fi
 
-# The bundle, and each library that its host needs at the place where it is looked for, the loader
-# among them; but not those of the bundle, and not Nettle.
+# The bundle, and each library that its host needs, including the loader, where it is looked for.
+# Not the bundle's own libraries, and not Nettle.
 mkdir -p "$root"
 cp -R "${host%/Contents/*}" "$root/"
 program=/${host#"${host%/*/Contents/*}/"}
@@ -35,7 +34,7 @@ while read -r file; do
     mkdir -p "$root${file%/*}"
     cp -L "$file" "$root$file"
 done < <(ldd "$host" | grep -vE "/$library|libnettle" | grep -oE '/[^ ]+')
-# The loader and the library ask the system where the program is.
+# The loader and the library use this to find the program.
 mkdir -p "$root/proc/self"
 ln -s "$program" "$root/proc/self/exe"
 nettle=$(ldd "$frameworks/$library" | grep -oE '/[^ ]*libnettle\.so[^ ]*')
@@ -50,7 +49,7 @@ expect_texts() { # WHAT
     fi
 }
 
-# Without the copy it can't start, or else this test shows nothing.
+# Without the copy it must not start; otherwise this test shows nothing.
 if printed=$(run) || ! grep -q "${nettle##*/}" <<<"$printed"; then
     printf 'without Nettle the host printed\n%s\n' "$printed"
     exit 1

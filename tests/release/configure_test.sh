@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Configures the project with one switch after the other and looks at what it says and decides.
+# Configures the project with one switch after another and checks what it reports and decides.
 #
-# Usage: configure_test.sh SOURCE ORVA_STRINGS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the
-#        build has them
+# Usage: configure_test.sh SOURCE ORVA_STRINGS,
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 source=$1 tool=$2
 work=$(mktemp -d)
@@ -16,7 +16,7 @@ fail() {
     exit 1
 }
 
-# Each forgets the switches of the one before. The log is made one line, as messages are wrapped.
+# Forgets the switches of the call before. The log is joined into one line, since messages wrap.
 configure() { # ARGUMENT…
     local status=0
     cmake -S "$source" -B "$tree" -G "$GENERATOR" -U 'ORVA_*' -U BUILD_SHARED_LIBS -U CMAKE_BUILD_TYPE \
@@ -55,12 +55,12 @@ if [ "$GENERATOR" = Ninja ]; then
     does_not_say "Build type"
 fi
 
-# A shared library, and no other.
+# A shared library only.
 refuses "BUILD_SHARED_LIBS=OFF: libOrvaLanguage is a shared library only, because a static one could not hide its internal names." \
     -DBUILD_SHARED_LIBS=OFF
 accepts -DBUILD_SHARED_LIBS=ON
 
-# A Nettle in a folder of its own is found where it was, after one beside the library.
+# A Nettle in a folder of its own is found there, after one beside the library.
 if [ "$GENERATOR" = Ninja ] && [ "$(uname)" = Linux ]; then
     mkdir -p "$work/nettle"
     ln -s "$(pkg-config --variable=libdir nettle)/libnettle.so" "$work/nettle/"
@@ -93,19 +93,19 @@ refuses "ORVA_BUILD_EXAMPLES=ON: it needs ORVA_BUILD_TOOLS or ORVA_STRINGS_EXECU
 accepts -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_EXAMPLES=ON -DORVA_STRINGS_EXECUTABLE="$tool"
 refuses "ORVA_STRINGS_EXECUTABLE: there is no file $work/none." -DORVA_STRINGS_EXECUTABLE="$work/none"
 
-# A default stays a default when the folder was configured before.
+# A default stays a default if the folder was configured before.
 accepts
 cmake -S "$source" -B "$tree" -DORVA_BUILD_TOOLS=OFF >"$work/log" 2>&1 || fail "refused in a tree with tools:"
 says "-- ORVA_BUILD_TESTS is off: it needs ORVA_BUILD_TOOLS."
 cmake -S "$source" -B "$tree" -DORVA_BUILD_TOOLS=ON >"$work/log" 2>&1 || fail "refused in a tree without tools:"
 has_target library_tests || fail "the tests stay off after the tools are on again"
 
-# Install rules, or none.
+# No install rules.
 accepts -DORVA_INSTALL=OFF
 cmake --install "$tree" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "nothing could not be installed:"
 [ ! -e "$work/prefix" ] || fail "installed: $(find "$work/prefix")"
 
-# Cross-builds: for another system as CMake knows it, though with the compilers at hand.
+# Cross-builds: for another system as far as CMake knows, but with the native compilers.
 tree=$work/cross
 cat >"$work/toolchain.cmake" <<END
 set(CMAKE_SYSTEM_NAME Linux)
@@ -127,7 +127,7 @@ refuses "ORVA_BUILD_EXAMPLES=ON: a cross-built orva-strings does not run here; s
 accepts -DCMAKE_CROSSCOMPILING_EMULATOR=env
 does_not_say "is off"
 
-# The given tool protects with the key of this build, whatever its own is.
+# The given tool protects with this build's key, whatever its own is.
 "$tool" key new "$work/key"
 accepts -UCMAKE_CROSSCOMPILING_EMULATOR -DORVA_STRINGS_EXECUTABLE="$tool" -DORVA_KEY_FILE="$work/key"
 does_not_say "ORVA_BUILD_EXAMPLES is off"
@@ -136,7 +136,7 @@ shipped=$tree/examples/SampleHost.app/Contents/Resources/Sample.strings
 grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$shipped" || fail "the sample's text is not protected"
 "$tool" reveal --key-file "$work/key" "$shipped" | cmp - "$source/examples/SampleHost/Sample.strings" ||
     fail "the sample's text is protected with another key"
-# Another key in the same file, as a build is to notice without being configured anew by hand.
+# Another key in the same file. The build must notice without being reconfigured by hand.
 "$tool" key new "$work/other"
 cat "$work/other" >"$work/key"
 touch -d '+2 seconds' "$work/key"

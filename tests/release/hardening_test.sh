@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Looks at the built library, and at how each of its sources is compiled, for what makes a mistake in
-# it hard to use.
+# Checks that the built library and the commands that compile its sources make mistakes in it hard
+# to exploit.
 #
 # Usage: hardening_test.sh LIBRARY COMMANDS CONFIGURATION   COMMANDS: compile_commands.json;
 #                                                 CONFIGURATION: such as Release, or nothing
@@ -18,7 +18,7 @@ segments=$(readelf --wide --segments "$library")
 dynamic=$(readelf --wide --dynamic "$library")
 imports=$(nm --dynamic --undefined-only --without-symbol-versions "$library")
 
-# What "readelf" and "nm" found, or did not.
+# Search the output of readelf or nm.
 holds() { grep -qE -- "$2" <<<"$1"; }
 lacks() { ! holds "$@"; }
 
@@ -31,7 +31,7 @@ expect "no segment both writable and executable" lacks "$segments" '^ *LOAD .* R
 compilations=$(grep -E -- ' -o CMakeFiles/orva_(objects|platform)\.dir/' "$commands")
 expect "the library's sources" [ "$(wc -l <<<"$compilations")" -gt 10 ]
 
-# A flag in every compilation, and what it brings in at least one.
+# A flag in every compilation, and its effect in at least one.
 all_have() { ! grep -vqE -- " $1 " <<<"$compilations"; }
 expect "guarded stack frames" holds "$imports" ' __stack_chk_fail$'
 expect "guarded stack frames in each source" all_have -fstack-protector-strong

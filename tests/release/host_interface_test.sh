@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# What a C++ host may be: built for another standard, with a standard library of another kind, with
-# names of its own; and what it can't do with the library's table.
+# What a C++ host may be: built for another standard, with another kind of standard library, with
+# names of its own. And what it can't do with the library's table.
 #
-# Usage: host_interface_test.sh LIBRARY SOURCE, with CXX and CXXFLAGS as the build has them
+# Usage: host_interface_test.sh LIBRARY SOURCE, with this build's CXX and CXXFLAGS
 set -euo pipefail
 library=$1 source=$2
 work=$(mktemp -d)
@@ -19,7 +19,7 @@ fail() {
 mkdir -p "$work/Host.app/Contents/Any" "$work/Host.app/Contents/Resources"
 printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/Host.app/Contents/Resources/Host.strings"
 
-runs() { # WHAT COMPILER FLAG…: a host built so prints its text
+runs() { # WHAT COMPILER FLAG…: a host built this way prints its text
     local what=$1 compiler=$2 host=$work/Host.app/Contents/Any/host printed
     "$compiler" "${strict[@]}" "${headers[@]}" "${@:3}" "$source/tests/release/hosts/host.cpp" -o "$host" \
         "$library" || fail "A host does not compile: $what"
@@ -28,7 +28,7 @@ runs() { # WHAT COMPILER FLAG…: a host built so prints its text
     echo "runs: $what"
 }
 
-# What a host has a copy of: never more than where the table is.
+# A host copies no more than the pointer to the table.
 copies_no_table() {
     local copied
     copied=$(readelf --wide --symbols --dyn-syms "$work/Host.app/Contents/Any/host" |
@@ -46,7 +46,8 @@ copies_no_table
 runs "position-independent code" "$CXX" "${flags[@]}" -std=c++17 -fPIE -pie
 copies_no_table
 runs "neither exceptions nor type information" "$CXX" "${flags[@]}" -std=c++17 -fno-exceptions -fno-rtti
-# Sanitizers and libc++'s checks are the build's own; what matters here is another library's layout.
+# Sanitizers and libc++'s checks belong to this build. What matters here is another library's
+# layout.
 if [[ " $CXXFLAGS " == *" -stdlib=libc++ "* ]]; then
     runs "libstdc++" "$CXX" -std=c++17 -stdlib=libstdc++
 else
@@ -58,7 +59,7 @@ else
     fi
 fi
 
-# A host with a StringMap of its own calls its own.
+# A host with its own StringMap calls its own.
 cat >"$work/own.cpp" <<'END'
 #include <OrvaLanguage/KorString.h>
 class StringMap {

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Installs the build to a folder of its own, then compiles and runs hosts in C and in C++ that have
-# nothing but that: found with pkg-config, and with CMake's find_package; the latter with the installed
-# orva-strings, too, and without. Then looks at what each install component holds.
+# Installs the build to a folder of its own, then compiles and runs C and C++ hosts that have
+# nothing else. They find it with pkg-config and with CMake's find_package, the latter with and
+# without the installed orva-strings. Then checks what each install component holds.
 #
-# Usage: installed_host_test.sh BUILD HOSTS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build has them
+# Usage: installed_host_test.sh BUILD HOSTS,
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 build=$1 hosts=$2
 work=$(mktemp -d)
@@ -14,12 +15,12 @@ mv "$work/first" "$work/prefix"  # an installed tree may be moved
 pc=$(find "$work/prefix" -name OrvaLanguage.pc)
 export PKG_CONFIG_PATH=${pc%/*}
 libdir='' compile_flags=() link_flags=()
-eval "libdir=$(pkg-config --variable=libdir OrvaLanguage)"  # it quotes its words for the shell
+eval "libdir=$(pkg-config --variable=libdir OrvaLanguage)"  # its output is quoted for the shell
 
 mkdir -p "$work/Host.app/Contents/Any" "$work/Host.app/Contents/Resources"
 printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/Host.app/Contents/Resources/Host.strings"
 
-run() { # PROGRAM: it must print the text of GREETING
+run() { # PROGRAM OUTPUT
     cp "$1" "$work/Host.app/Contents/Any/"
     local printed
     printed=$(LD_LIBRARY_PATH=$libdir "$work/Host.app/Contents/Any/${1##*/}")
@@ -54,10 +55,10 @@ run "$work/cmake/cmake_cpp_host" "2 entries, GREETING is Hello"
 grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
     { echo "the package's orva-strings protected nothing"; exit 1; }
 
-# What each component brings, versions apart.
+# What each component installs, apart from versions.
 lib=${pc%/pkgconfig/*}
 lib=${lib#"$work/prefix/"}
-holds() { # COMPONENT, and the files on standard input
+holds() { # COMPONENT; the expected files on standard input
     cmake --install "$build" --prefix "$work/$1" --component "$1" >"$work/install.log"
     local found
     found=$(cd "$work/$1" && find . ! -type d | sed -E "s|^\./$lib/|LIB/|
@@ -91,13 +92,13 @@ LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
 END
 
-# A host needs the first two alone.
+# A host needs only the first two.
 cp -a "$work/runtime/." "$work/development/"
 build_hosts without_tools "$work/development"
 run "$work/without_tools/cmake_c_host" "2 entries"
 [ ! -e "$work/without_tools/Shipped.strings" ] || { echo "the hosts found another orva-strings"; exit 1; }
 
-# Who asks for a component that is not installed is told so.
+# Requesting a component that is not installed is an error.
 mkdir "$work/asking"
 cat >"$work/asking/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.22)

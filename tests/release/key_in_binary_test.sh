@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Builds the library with a key of its own and searches it for the key material and for everything
-# derived from it. Then tries key files that are wrong, and that a build repeats.
+# Builds the library with a key of its own and searches it for the key material and everything
+# derived from it. Then checks that a build is repeatable, and tries invalid key files.
 #
-# Usage: key_in_binary_test.sh SOURCE GENERATOR, with CXX as the build has it
+# Usage: key_in_binary_test.sh SOURCE GENERATOR, with this build's CXX
 set -euo pipefail
 source=$1 generator=$2
 work=$(mktemp -d)
@@ -22,7 +22,7 @@ cmake --build "$work/tree-build" --target OrvaLanguage >"$work/build.log" 2>&1 |
 library=$(echo "$work"/tree-build/libOrvaLanguage.so.*.*)
 hex=$(od -An -v -tx1 "$library" | tr -d ' \n')
 
-# Anywhere in the file, the first and the last eight bytes of each on their own.
+# Anywhere in the file; the first and the last eight bytes of each are searched separately.
 contains() { [[ $hex == *"$1"* ]]; }
 contains "$(printf 'QVLANG=' | od -An -tx1 | tr -d ' \n')" || { echo "the search finds nothing"; exit 1; }
 
@@ -49,7 +49,7 @@ if grep -q KeyShares <<<"$(git -C "$source" status --porcelain 2>/dev/null)"; th
     exit 1
 fi
 
-# The same key gives the same shares, another one others.
+# The same key gives the same shares; another gives others.
 configure again "$work/key"
 cmp "$work/tree-build/generated/KeyShares.h" "$work/tree-again/generated/KeyShares.h"
 openssl rand -hex 32 >"$work/other"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Builds the library inside projects whose settings are not its own, runs their hosts, and looks that
-# neither changed the other.
+# Builds the library inside projects with settings of their own, runs their hosts, and checks that
+# neither side changes the other.
 #
-# Usage: parents_test.sh SOURCE ORVA_STRINGS, with CC, CXX, CFLAGS, CXXFLAGS and GENERATOR as the build
-#        has them
+# Usage: parents_test.sh SOURCE ORVA_STRINGS,
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 source=$1 tool=$2
 work=$(mktemp -d)
@@ -31,7 +31,7 @@ ours() { # FOLDER: how the library's sources are compiled
         fail "the library's sources are not among the commands of the project $1"
 }
 
-# What is shipped still tells its key, whatever the compiler and the linker leave out.
+# The shipped library still shows its key, whatever the compiler and the linker leave out.
 tells() { # FOLDER KEY: the two lines
     local library
     library=$(find "$work/$1" -name 'libOrvaLanguage.so.1')
@@ -40,9 +40,9 @@ tells() { # FOLDER KEY: the two lines
     [ "$(cat "$work/log")" = "$2" ] || fail "of the stripped library in the project $1, not '$2':"
 }
 
-# An old standard, GNU extensions, no exceptions and no type information, by variables and by options,
-# no build type, each function and datum in a section that the linker may leave out, and static
-# libraries but for ours.
+# An old standard, GNU extensions, no exceptions and no RTTI, by variables and by options. No build
+# type, every function and datum in a section that the linker may drop, and static libraries except
+# ours.
 cat >"$work/strict.cmake" <<'END'
 set(CMAKE_CXX_STANDARD 14)
 set(CMAKE_CXX_EXTENSIONS ON)
@@ -79,7 +79,7 @@ tells strict "$("$tool" key show --key-file "$source/cmake/development.key")"
 cmake --install "$work/strict" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "nothing is installed:"
 [ "$(cd "$work/prefix" && find . ! -type d)" = ./bin/parent_host ] || fail "installed: $(find "$work/prefix")"
 
-# A new standard, every warning an error, link-time optimisation, and a key of its own.
+# A new standard, warnings as errors, link-time optimisation, and a key of its own.
 cat >"$work/modern.cmake" <<'END'
 set(CMAKE_CXX_STANDARD 20)
 include(CheckIPOSupported)

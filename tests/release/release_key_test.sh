@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# A release with a key of its own, from end to end: the key is made, library, command and sample host
-# are built with it, texts are protected with another build's command, shown by this one's and by the
-# host; then the key changes and all is built again.
+# A release with its own key, from end to end. Makes the key and builds the library, command and
+# sample host with it. Another build's command protects texts, which this one's and the host then
+# show. Then the key changes and everything is built again.
 #
-# Usage: release_key_test.sh SOURCE TOOL, TOOL: orva-strings of a build with another key; with
-#        GENERATOR, CC, CXX, CFLAGS and CXXFLAGS as the build has them
+# Usage: release_key_test.sh SOURCE TOOL, TOOL: orva-strings of a build with another key;
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
 set -euo pipefail
 source=$1 other_tool=$2
 work=$(mktemp -d)
@@ -25,14 +25,14 @@ run_build() {
         fail "$(cat "$work/build.log")"
 }
 
-# The texts of IDE_LICENSE that the host shows with these resources, and what it says without a text.
+# The text of IDE_LICENSE that the host shows with these resources, and its answer without one.
 shown() {
     local host
     host=$(echo "$build"/examples/SampleHost.app/Contents/*/SampleHost)
     "$host" "$1" | sed -n 's/^IDE_LICENSE *//p'
 }
 
-# Every part of this build holds the key of this file.
+# Checks that every part of this build holds the key of this file.
 holds_key() { # KEY_FILE
     local fingerprint library
     fingerprint=$("$other_tool" key show --key-file "$1" | sed -n 's/^fingerprint: //p')
@@ -48,7 +48,7 @@ development key: no" "$("$other_tool" key show --library "$library")"
     done
     expect "the host's own text" "Evaluation copy: 30 days left." "$(shown English)"
 
-    # Both commands store the same with this key, whether it is named or built in.
+    # With this key both commands store the same, whether it is named or built in.
     "$other_tool" protect --key-file "$1" -o "$work/shipped" "$work/readable"
     "$tool" protect "$work/readable" 2>"$work/notes" >"$work/stored"
     cmp "$work/shipped" "$work/stored"
@@ -75,13 +75,13 @@ run_build
 holds_key "$work/release.key"
 cp "$work/shipped" "$work/shipped_first"
 
-# Nobody else's build reads it.
+# A build with another key can't read it.
 if told=$("$other_tool" show --reveal "$work/shipped" IDE_LICENSE 2>&1); then
     fail "a build with another key shows: $told"
 fi
 [[ $told == *": error: IDE_LICENSE: the value does not decode"* ]] || fail "$told"
 
-# Another key in the same file: the next build takes it, and nothing else is needed.
+# Another key in the same file: the next build picks it up, with no other step.
 cp "$work/second.key" "$work/release.key"
 run_build
 holds_key "$work/second.key"

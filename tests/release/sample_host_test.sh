@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs the sample host as the demo does and compares what it prints.
+# Runs the sample host as the demo does and checks its output.
 #
 # Usage: sample_host_test.sh HOST
 set -euo pipefail
@@ -47,7 +47,7 @@ expect 0 "$french" Français
 expect 0 "$english" Nederlands
 expect 1 'SampleHost: no texts in Missing.strings' English Missing.strings
 
-# What is shipped does not show the protected text.
+# The shipped file does not show the protected text.
 strings=${host%/*/*}/Resources/Sample.strings
 grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$strings"
 if grep -q 'Evaluation' "$strings"; then

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-// An object is its name. NOLINTBEGIN(bugprone-reserved-identifier): the system's own names
+// An object is just its name. NOLINTBEGIN(bugprone-reserved-identifier): the system's own names
 struct __CFAllocator {
     const char* name;
 };
@@ -47,7 +47,7 @@ std::string Name(const Object* object) {
     return object->name;
 }
 
-// Answers with the object, or with null if that is what the test asked for.
+// Returns the object, or null if the test asked for that.
 template <typename Object>
 Object* Answer(Object* object, bool isOwned) {
     if (gStandIn->nullObject == object->name) {

@@ -1,4 +1,4 @@
-// How often, in which mode and how long a load has its file open, and what becomes of the table if
+// How often, in which mode and for how long a load opens its file, and what happens to the table if
 // an open fails.
 #include <filesystem>
 #include <string>

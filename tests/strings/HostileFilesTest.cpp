@@ -1,5 +1,5 @@
-// Files made to break a load, and a system that reads them badly: the result, the table and the
-// memory are as the format and the header have them.
+// Files made to break a load, and failing reads: the result, table and memory are as the format and
+// the header promise.
 #include <algorithm>
 #include <chrono>
 #include <cstring>
@@ -30,7 +30,7 @@
 #include "tests/support/PipeWriter.h"
 #include "tests/support/ReadFaults.h"
 
-#if defined(__has_feature)  // as clang++ says what g++ has macros for
+#if defined(__has_feature)  // clang++'s counterpart of g++'s macros
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define WITH_SANITIZER 1
 #endif
@@ -47,8 +47,8 @@ constexpr bool kHasSanitizer = true;
 constexpr bool kHasSanitizer = false;
 #endif
 
-// Sanitizers, and libc++, which takes each byte of a line by itself, take some ten times the time:
-// sizes are a part of the others there.
+// Sanitizers take about ten times as long, as does libc++, which reads a line byte by byte. Sizes
+// are scaled down there.
 #ifdef _LIBCPP_VERSION
 constexpr std::size_t kPart = 10;
 #else
@@ -71,8 +71,8 @@ Table LoadedTable() {
     return table;
 }
 
-// Whether the table is exactly this one. A plain bool, since a failed comparison of large tables
-// would print them.
+// Whether the table is exactly this one. Returns a bool because a failed comparison would print
+// large tables.
 bool TableIs(const Table& expected) {
     const KorStringMap& table = KorString::gMapLocalizedStrings;
     return table.Size() == expected.size() &&
@@ -94,7 +94,7 @@ std::string Repeated(std::string_view text, std::size_t times) {
 
 class HostileFiles : public ::testing::Test {
 protected:
-    // Each test begins with an empty table, whatever an earlier one has left.
+    // Each test starts with an empty table.
     HostileFiles() {
         m_bundle.Write("x", "");
         Load("en");
@@ -106,13 +106,13 @@ protected:
         return ZuLoadStrings(language, name.c_str(), m_bundle.Get());
     }
 
-    // Writes the file, loads it, and says whether exactly these entries came of it.
+    // Writes the file, loads it, and returns whether that gave exactly these entries.
     bool Loads(const std::string& file, const char* language, const Table& expected) const {
         m_bundle.Write("x", file);
         return Load(language) == static_cast<int>(expected.size()) && TableIs(expected);
     }
 
-    // A file of start, so many NUL bytes, which take no place on the disk, and end.
+    // A file of start, a sparse run of this many NUL bytes, and end.
     void WriteSparse(const std::string& start, std::size_t zeros, const std::string& end) const {
         m_bundle.Write("x", start);
         std::filesystem::resize_file(Path("x"), start.size() + zeros);
@@ -122,7 +122,7 @@ protected:
     TemporaryBundle m_bundle;
 };
 
-// The most memory that the process has held since the peak was reset.
+// The most memory that the process has used since the peak was reset.
 std::size_t PeakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
@@ -139,18 +139,18 @@ bool IsAllNul(std::string_view text) {
            (text[0] == '\0' && std::memcmp(text.data(), text.data() + 1, text.size() - 1) == 0);
 }
 
-// Loads of a file that is one long line, more or less, are to peak at a small multiple of it. One
-// that is no entry: the line, and the copy that a line function takes.
+// Loading one long line must peak at a small multiple of its length. For a line that is no entry:
+// the line, and a line function's copy.
 constexpr std::size_t kTimesPassedOver = 2;
-// One that is an entry: the line, the copy and the value, and then the table's text for the copy.
+// For an entry: the line, the copy and the value, then the table's text in place of the copy.
 constexpr std::size_t kTimesKept = 3;
 
-// While it lives, the process may take so many times the file more, and nothing beyond that.
+// While it lives, the process may use this many times the file's size in extra memory, no more.
 class BoundedLoad {
 public:
     explicit BoundedLoad(std::size_t times, std::size_t line = kLongLine)
         : m_nTimes(times), m_nLine(line) {
-        malloc_trim(0);                               // what earlier tests have freed
+        malloc_trim(0);                               // what earlier tests freed
         std::ofstream("/proc/self/clear_refs") << 5;  // resets the peak
         m_nBefore = PeakMemory();
     }
@@ -159,7 +159,7 @@ public:
         const std::size_t peak = PeakMemory() - m_nBefore;
         ::testing::Test::RecordProperty("peak", std::to_string(peak));
         if (kHasSanitizer) {
-            return;  // they keep what is freed
+            return;  // sanitizers keep freed memory
         }
         EXPECT_GT(peak, m_nLine) << "the line was not read as a whole";
         EXPECT_LE(peak, m_nTimes * m_nLine + 64 * kMebi);
@@ -262,7 +262,7 @@ TEST_F(HostileFiles, AHugeFileWithoutASectionLeavesTheTableEmpty) {
     EXPECT_EQ(ZuGetLocalizedString("QVLANG"), nullptr);
 }
 
-// While it lives, the process gets so much more address space and no more.
+// While it lives, the address space can grow by this much only.
 class AddressSpaceLimit {
 public:
     explicit AddressSpaceLimit(std::size_t more) {
@@ -388,7 +388,7 @@ TEST_F(HostileFiles, ValuesOfSixteenMegabytesAreWhole) {
     EXPECT_TRUE(Loads("QVLANG=en\nABCD=" + text + "\n", "en", {{"QVLANG", "en"}, {"ABCD", text}}));
     EXPECT_TRUE(
         Loads("QVLANG=en\nABCD=\"" + text + "\"\n", "en", {{"QVLANG", "en"}, {"ABCD", text}}));
-    // Of what the reading of a line looks for.
+    // Texts made of what the line parser looks for.
     const struct {
         std::string text;
         std::string value;
@@ -415,7 +415,7 @@ TEST_F(HostileFiles, EveryByteAtEveryPlaceIsReadAsTheFormatSays) {
         return ftruncate(handle, static_cast<off_t>(bytes.size())) == 0 &&
                pwrite(handle, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size());
     };
-    for (const std::size_t replaced : Sizes{1, 0}) {  // 0: the byte is put in between
+    for (const std::size_t replaced : Sizes{1, 0}) {  // 0: the byte is inserted
         for (std::size_t place = 0; place < file.size(); ++place) {
             for (int byte = 0; byte < 256; ++byte) {
                 std::string bytes = file;
@@ -453,8 +453,8 @@ bool HasSection(const std::string& bytes, const std::string& language) {
     });
 }
 
-// The table of a load that reads these bytes, and those when it reads the file again for the first
-// section of any name.
+// The table of a load that reads these bytes first, and those if it reads the file again for the
+// first section.
 Table TableOf(const std::string& first, const std::string& again, const std::string& language) {
     return HasSection(first, language) ? naive::Table(first, language) : naive::Table(again, "");
 }
@@ -467,7 +467,7 @@ std::string From(const std::string& bytes, std::size_t place) {
     return bytes.substr(std::min(place, bytes.size()));
 }
 
-// What a reading is left with that fails behind these bytes.
+// What is left of a reading that fails after these bytes.
 std::string LeftByAFailure(const std::string& bytes) {
     return bytes.substr(0, bytes.rfind('\n') + 1);
 }
@@ -475,9 +475,9 @@ std::string LeftByAFailure(const std::string& bytes) {
 // Something that happens to a file while it is read.
 struct Event {
     std::function<void()> make;
-    // All that this reading gives, if it has given so many bytes by then.
+    // Everything this reading returns, if it has returned this many bytes by then.
     std::function<std::string(std::size_t)> reading;
-    std::string next;  // what another reading gives
+    std::string next;  // what the next reading returns
     std::size_t failures = 0;
     int error = EIO;
 };
@@ -587,7 +587,7 @@ TEST_F(ChangingFiles, AFailedReadEndsTheFile) {
     } cases[] = {{LongFile("text"), ReadFaults::kAll}, {kShortFile, 1}, {kShortFile, 7}};
     for (const auto& c : cases) {
         const auto reading = [&](std::size_t bytes) { return LeftByAFailure(UpTo(c.file, bytes)); };
-        // Once, so that a reading from the start goes well, and from then on.
+        // One failure, so that a second reading succeeds; then failures from there on.
         TryAtEveryRead(c.file, c.mostBytes, {[] {}, reading, c.file, 1});
         TryAtEveryRead(c.file, c.mostBytes, {[] {}, reading, "", ReadFaults::kAll});
     }
@@ -618,7 +618,7 @@ TEST_F(ChangingFiles, ShortReadsMakeTheSameTable) {
                 }
                 EXPECT_EQ(entries, static_cast<int>(expected.size()));
                 EXPECT_TRUE(TableIs(expected));
-                // As far as the end of the first section, at least.
+                // At least to the end of the first section.
                 EXPECT_GE(ReadFaults::Calls(), file.rfind("QVLANG=") / mostBytes);
             }
         }
@@ -640,7 +640,7 @@ TEST_F(HostileFiles, AFailedCloseChangesNothing) {
 }
 
 TEST_F(HostileFiles, APipeLoadsAsAFileDoes) {
-    // Longer than a pipe's buffer, so that it is read as it is written.
+    // Longer than a pipe's buffer, so that reading and writing overlap.
     const std::string file = LongFile(std::string(200, 't'));
     const PipeWriter writer(Path("pipe"), [&] { std::ofstream(Path("pipe")) << file; });
     EXPECT_EQ(Load("de", "pipe"), 1001);
@@ -660,7 +660,7 @@ bool IsOpen(const std::filesystem::path& path) {
 
 TEST_F(HostileFiles, APipeThatLacksTheSectionIsReadFromASecondWriterToo) {
     const std::filesystem::path pipe = std::filesystem::canonical(m_bundle.Resources()) / "pipe";
-    // Longer than a pipe's buffer: once it is written, the load has the pipe open.
+    // Longer than a pipe's buffer, so when it is written the load has the pipe open.
     const std::string first = LongFile(std::string(200, 't'));
     const PipeWriter writers(pipe, [&] {
         std::ofstream(pipe) << first;
@@ -699,7 +699,7 @@ TEST_F(HostileFiles, WhatIsNotOpenedKeepsTheTableAndWhatHoldsNothingEmptiesIt) {
         ASSERT_EQ(Load("en"), 2);
         EXPECT_EQ(Load("en", c.name), 0);
         EXPECT_EQ(LoadedTable(), c.after);
-        // After a load that returned 0 the lookup answers nothing, whatever the table holds.
+        // After a load that returned 0, lookups answer null whatever the table holds.
         EXPECT_EQ(ZuGetLocalizedString("ABCD"), nullptr);
     }
 }
@@ -709,14 +709,14 @@ TEST_F(HostileFiles, AFileThatMayNotBeReadKeepsTheTable) {
     m_bundle.Write("x", "QVLANG=en\nABCD=1\n");
     m_bundle.Write("secret", "QVLANG=en\nABCD=2\n");
     std::filesystem::permissions(Path("secret"), std::filesystem::perms::none);
-    // The way to the files stays open to the other user.
+    // The other user must be able to reach the files.
     std::filesystem::path folder = m_bundle.Resources();
     for (int i = 0; i < 3; ++i, folder = folder.parent_path()) {
         std::filesystem::permissions(folder, std::filesystem::perms(0755));
     }
     std::filesystem::permissions(Path("x"), std::filesystem::perms(0644));
 
-    // Root may read everything, so a process of another user tries.
+    // Root can read everything, so a process of another user tries.
     const pid_t child = fork();
     ASSERT_NE(child, -1);
     if (child == 0) {
@@ -726,7 +726,7 @@ TEST_F(HostileFiles, AFileThatMayNotBeReadKeepsTheTable) {
             _exit(kCannotTry);
         }
         if (Load("en") != 2) {
-            _exit(kCannotTry);  // a folder on the way is closed to that user
+            _exit(kCannotTry);  // a parent folder is closed to that user
         }
         const bool isRefused = Load("en", "secret") == 0;
         const bool isKept = TableIs({{"QVLANG", "en"}, {"ABCD", "1"}});

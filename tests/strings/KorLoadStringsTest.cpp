@@ -59,7 +59,7 @@ TEST(KorLoadStrings, LoadsTheSectionAskedForOrElseTheFirst) {
         {"QVLANG=English\nMENU=\"File\"\nQVLANG=German\nMENU=\"Datei\"\n",
          "French",
          {{"QVLANG", "English"}, {"MENU", "File"}}},
-        // What a section may look like.
+        // What a section can look like.
         {"QVLANG=en\n", "en", {{"QVLANG", "en"}}},
         {"QVLANG=en", "en", {{"QVLANG", "en"}}},
         {"QVLANG=\n", "en", {{"QVLANG", ""}}},
@@ -85,12 +85,12 @@ TEST(KorLoadStrings, LoadsTheSectionAskedForOrElseTheFirst) {
         {"QVLANG=en\nABCD=1\nQVLANG=fr\nABCD=2\nQVLANG=en\nEFGH=3\n",
          "en",
          {{"QVLANG", "en"}, {"ABCD", "1"}}},
-        // A section named like the fallback of another.
+        // A section whose name is another's fallback.
         {"QVLANG=en \nABCD=1\nQVLANG=en\nABCD=2\n", "en", {{"QVLANG", "en"}, {"ABCD", "2"}}},
         {"\xEF\xBB\xBFQVLANG=en\nABCD=1\nQVLANG=fr\nABCD=2\n",
          "en",
          {{"QVLANG", "fr"}, {"ABCD", "2"}}},
-        // Bytes of any kind.
+        // Arbitrary bytes.
         {"QVLANG=fr\nQVLANG=en\0x\nABCD=1\n"s, "EN", {{"QVLANG", "en\0x"s}, {"ABCD", "1"}}},
         {"QVLANG=en\nA\0CD=\"x\0y\"\n\xFF\xFE\x80\x81=\x01\x7F\n"s,
          "en",
@@ -114,7 +114,7 @@ TEST(KorLoadStrings, EmptiesTheTableOverAFileWithoutASection) {
         "ABCD=\"1\"\n",
         "qvlang=en\nABCD=1\n",
         " QVLANG=en\nABCD=1\n",
-        "ABCD=1\rQVLANG=en\rEFGH=2\r",  // carriage returns alone end no line
+        "ABCD=1\rQVLANG=en\rEFGH=2\r",  // a lone carriage return ends no line
         "\xFF\xFEQ\0V\0L\0A\0N\0G\0=\0e\0n\0\n\0"s,
     };
     const TemporaryBundle bundle;
@@ -219,8 +219,8 @@ TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     std::future<int> loaded;
     {
-        // Open to the end: a load that went on to it would wait. More than a stream's buffer, less
-        // than a pipe's. Open for both, so that a load which never opens it keeps nobody waiting.
+        // Kept open, so that a load that reads to the end would wait. More than a stream's buffer,
+        // less than a pipe's. Opened for both, so that a load that never opens it blocks nobody.
         std::fstream pipe(path, std::ios::in | std::ios::out);
         pipe << "QVLANG=en\nABCD=1\nQVLANG=fr\n" << std::string(50'000, '\n') << std::flush;
         loaded = std::async(std::launch::async,
@@ -230,7 +230,7 @@ TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
     EXPECT_EQ(loaded.get(), 2);
 }
 
-// A host's own conversion: every byte that is read becomes an x.
+// A host's own conversion, which reads every byte as x.
 class ReadsAsX : public std::codecvt<char, char, std::mbstate_t> {
 protected:
     bool do_always_noconv() const noexcept override { return false; }
@@ -251,7 +251,7 @@ TEST(KorLoadStrings, ReadsBytesWhateverTheGlobalLocaleConverts) {
         std::locale::global(std::locale(std::locale::classic(), new ReadsAsX));
     std::ifstream converting(bundle.Resources() / "x.strings");
     EXPECT_EQ(converting.get(), 'x') << "the locale is not the one this test needs";
-    // The second one is found when the file is read again.
+    // The missing section causes a second reading.
     const int entries[] = {KorLoadStrings("fr", "x.strings", bundle.Get()),
                            KorLoadStrings("missing", "x.strings", bundle.Get())};
     const Table table = LoadedTable();

@@ -125,8 +125,7 @@ TEST_F(KorStringMapTest, IsWalkedByManyThreadsAtOnce) {
     }
 }
 
-// As a host that was built long ago calls it: by place in the table of virtual functions, with
-// texts of the layout of then.
+// Calls it as a host built long ago does: by vtable slot, with texts in the layout of that time.
 TEST_F(KorStringMapTest, HasTheBinaryInterfaceOfItsFirstVersion) {
     struct Texts {
         const char* key;

@@ -13,7 +13,7 @@ using ::testing::PrintToString;
 
 namespace {
 
-// The lines that GetLine reads out of a file of these bytes, up to its first false.
+// The lines that GetLine reads from a file of these bytes, until it returns false.
 std::vector<std::string> LinesOf(const std::string& bytes) {
     const TemporaryBundle bundle;
     bundle.Write("lines", bytes);
@@ -95,7 +95,7 @@ TEST(GetLine, ThrowsWhatTheStreamIsAskedFor) {
 }
 
 struct KeyCase {
-    std::string line;  // in the language's form; the region's is made from it
+    std::string line;  // with the language keyword; the region's line is made from it
     const char* name;
     bool found;
 };
@@ -138,7 +138,7 @@ const KeyCase kKeyCases[] = {
      "FRAN\xC3\x87"
      "AIS",
      false},
-    {"QVLANG=en\0x"s, "EN", true},  // a C text ends at its first NUL
+    {"QVLANG=en\0x"s, "EN", true},  // a C string ends at its first NUL
     {"QVLANG=[", "{", false},
     {"QVLANG=@", "`", false},
     {"QVLANG=en", nullptr, false},
@@ -176,7 +176,7 @@ TEST(SearchRegionKey, FollowsTheSameRulesWithItsOwnKeyword) {
     EXPECT_FALSE(KorString::SearchLanguageKey("QVREGION=US", ""));
 }
 
-// Puts a keyword back when a test has changed it.
+// Restores the keywords after a test changed them.
 class KeywordGuard {
 public:
     KeywordGuard() : m_language(KorString::LANG_STATEMENT), m_region(KorString::REGION_STATEMENT) {}
@@ -206,7 +206,7 @@ TEST(KorStringKeywords, AreReadAnewAtEveryCall) {
     EXPECT_FALSE(KorString::SearchRegionKey("", "")) << "an empty line is no header in any case";
     EXPECT_TRUE(KorString::SearchRegionKey("us", "US"));
 
-    keyword[4] = '\0';  // its length is not kept either
+    keyword[4] = '\0';  // its length is not cached either
     EXPECT_TRUE(KorString::SearchLanguageKey("LANGen", "en"));
     EXPECT_FALSE(KorString::SearchLanguageKey("LANGUAGE:en", "en"));
 }
@@ -246,7 +246,7 @@ TEST(ConvertNewLine, TurnsEachEscapeIntoALineFeed) {
 }
 
 TEST(ConvertNewLine, TakesLinearTime) {
-    // Moving the rest of the text at each of these escapes would take hours, not milliseconds.
+    // Moving the rest of the text at each escape would take hours, not milliseconds.
     constexpr std::size_t kEscapes = 5'000'000;
     std::string text;
     for (std::size_t i = 0; i < kEscapes; ++i) {

@@ -1,5 +1,5 @@
-// Every allocation that one insertion makes fails once; the map is then as before, and takes the
-// same entry the next time.
+// Every allocation of an insertion fails once; the map is then unchanged, and takes the same entry
+// the next time.
 #include <new>
 #include <string>
 #include <vector>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Inserts the keys, each after it has failed at every allocation. Gives the number of failures.
+// Inserts each key after failing each of its allocations. Returns the number of failures.
 std::size_t InsertWithFailures(const std::vector<std::string>& keys) {
     std::size_t failures = 0;
     StringMap map;
@@ -43,10 +43,10 @@ std::size_t InsertWithFailures(const std::vector<std::string>& keys) {
 
 TEST(StringMapAllocationFailure, LeavesTheEntriesAsTheyWere) {
     std::vector<std::string> keys;
-    for (int i = 0; i < 300; ++i) {  // enough for the index to grow, and for several blocks
+    for (int i = 0; i < 300; ++i) {  // enough to grow the index and fill several blocks
         keys.push_back("key " + std::to_string(i) + std::string(static_cast<std::size_t>(i), 'x'));
     }
-    keys.emplace_back(100'000, 'x');  // and one of its own
+    keys.emplace_back(100'000, 'x');  // and one with a block of its own
     EXPECT_GT(InsertWithFailures(keys), 10U);
 }
 

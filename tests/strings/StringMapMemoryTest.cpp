@@ -1,4 +1,4 @@
-// What memory a map asks for, and when: few and large blocks, filled to the last byte.
+// How much memory a map asks for, and when: few large blocks, filled to the last byte.
 #include <string>
 #include <vector>
 
@@ -12,10 +12,10 @@ namespace {
 
 class StringMapMemory : public ::testing::Test {
 protected:
-    // Adds an entry that takes so many bytes, a multiple of eight, and returns how many the first
-    // block of memory had that it made the map ask for; 0 if it made it ask for none.
+    // Adds an entry of this many bytes, a multiple of eight. Returns the size of the first block
+    // that this made the map ask for, or 0 if it asked for none.
     std::size_t Insert(std::size_t bytes) {
-        // The lengths of both texts, the texts, and a NUL behind each.
+        // The lengths of both texts, the texts, and a NUL after each.
         const std::string key = std::to_string(100'000 + m_map.Size());
         const std::string value(bytes - 2 * sizeof(std::size_t) - key.size() - 2, 'v');
         const FailingAllocation counting(0);
@@ -30,7 +30,7 @@ protected:
 };
 
 TEST_F(StringMapMemory, ComesInBlocksThatDouble) {
-    // The index, in fact, and then a block of 4 KB.
+    // This is the index; a block of 4 KB follows.
     EXPECT_EQ(Insert(kSmall), 64 * kSlot);
     EXPECT_EQ(Insert(4096 - kSmall), 0U);
     for (const std::size_t block : {8192U, 16384U, 32768U, 65536U}) {
@@ -39,12 +39,12 @@ TEST_F(StringMapMemory, ComesInBlocksThatDouble) {
     }
     EXPECT_EQ(Insert(65536), 131072U);
     EXPECT_EQ(Insert(65536), 0U);
-    for (int i = 0; i < 2; ++i) {  // and larger they don't get
+    for (int i = 0; i < 2; ++i) {  // the largest size
         EXPECT_EQ(Insert(65536), 262144U);
         EXPECT_EQ(Insert(65536), 0U);
         EXPECT_EQ(Insert(65536), 0U);
         EXPECT_EQ(Insert(65536 - kSmall), 0U);
-        // A large entry leaves alone what is free in the last block.
+        // A large entry does not use up the last block's free bytes.
         EXPECT_EQ(Insert(65536 + 8), 65536U + 8);
         EXPECT_EQ(Insert(kSmall), 0U);
     }
@@ -83,7 +83,7 @@ TEST_F(StringMapMemory, IsGivenBackWithTheEntries) {
 
 TEST_F(StringMapMemory, IsAskedForByTheSixtyFifthKeyOfOneHash) {
     const std::vector<std::string> keys = KeysOfOneHash(65);
-    // Other entries first, away from theirs, so that the index has no need to grow meanwhile.
+    // First, entries away from the keys' slots, so that the index need not grow for the keys.
     constexpr std::size_t kSlots = 512;
     for (int i = 0; m_map.Size() < kSlots / 4 + 1; ++i) {
         const std::string key = "another key " + std::to_string(i);

@@ -84,7 +84,7 @@ TEST(StringMap, NeverMovesATextAsItGrows) {
 TEST(StringMap, AnswersAsAnOrderedMapDoes) {
     StringMap map;
     std::map<std::string, std::string> model;
-    std::mt19937 random(1);  // NOLINT: the same keys at every run
+    std::mt19937 random(1);  // NOLINT: the same keys in every run
     for (int i = 0; i < 50'000; ++i) {
         const std::string key = std::to_string(random() % 20'000);
         const std::string value = std::to_string(i);
@@ -118,7 +118,7 @@ TEST(StringMap, FindsAndMissesAtEverySize) {
     }
 }
 
-// Keys that differ in little, as those of a strings file do, of every length.
+// Keys of every length that differ little, as in a strings file.
 TEST(StringMap, HashesKeysApart) {
     std::vector<std::size_t> hashes;
     std::string key;
@@ -137,10 +137,11 @@ TEST(StringMap, HashesKeysApart) {
     std::sort(hashes.begin(), hashes.end());
     EXPECT_EQ(std::unique(hashes.begin(), hashes.end()) - hashes.begin(), keys);
 
-    // In the bits that choose a slot: thrown at random, as many balls as boxes fill 63 % of them.
+    // The bits that choose a slot: as many balls as boxes, thrown at random, fill 63 % of the
+    // boxes.
     constexpr std::size_t kBoxes = 1 << 15;
     ASSERT_GT(keys, kBoxes);
-    std::shuffle(hashes.begin(), hashes.end(), std::mt19937(1));  // NOLINT: the same at every run
+    std::shuffle(hashes.begin(), hashes.end(), std::mt19937(1));  // NOLINT: the same in every run
     std::vector<bool> isFilled(kBoxes);
     for (std::size_t i = 0; i < kBoxes; ++i) {
         isFilled[hashes[i] % kBoxes] = true;
@@ -150,7 +151,7 @@ TEST(StringMap, HashesKeysApart) {
 }
 
 TEST(StringMap, StaysFastWithKeysOfOneHash) {
-    // So many that quadratic time would be minutes, and run into the test's limit.
+    // Enough that quadratic time would take minutes and exceed the test's time limit.
     std::vector<std::string> keys = KeysOfOneHash(1 << 18);
     StringMap map;
     for (const std::string& key : keys) {
@@ -169,7 +170,7 @@ TEST(StringMap, StaysFastWithKeysOfOneHash) {
     EXPECT_EQ(map.Find(keys.back()), nullptr);
 }
 
-// Their hashes differ, but send them to the same slots: the last ones of the index, round to the
+// Their hashes differ but lead to the same slots: from the last ones of the index around to the
 // first, and on to the ordered map.
 TEST(StringMap, HoldsKeysThatCrowdAtTheEndOfTheIndex) {
     std::vector<std::string> keys;
@@ -183,7 +184,7 @@ TEST(StringMap, HoldsKeysThatCrowdAtTheEndOfTheIndex) {
     for (const std::string& key : keys) {
         ASSERT_TRUE(map.Insert(key, key));
     }
-    // And through a growth.
+    // Also while the index grows.
     for (int i = 0; i < 5000; ++i) {
         ASSERT_TRUE(map.Insert("other " + std::to_string(i), "x"));
         for (std::size_t k = 0; i % 100 == 0 && k < keys.size(); ++k) {

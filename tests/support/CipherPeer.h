@@ -8,7 +8,7 @@
 #include "platform/CommonCryptor.h"
 #include "tests/support/Hex.h"
 
-// AES by OpenSSL, which our own cipher call is held against.
+// OpenSSL's AES, the reference for our own cipher call.
 class CipherPeer {
 public:
     struct Parameters {
@@ -18,7 +18,7 @@ public:
         Bytes iv;
     };
 
-    // What OpenSSL makes of a message; false where it refuses it.
+    // What OpenSSL turns a message into; returns false if it refuses it.
     bool Crypt(const Parameters& p, const Bytes& in, Bytes& out) const {
         EVP_CIPHER_CTX* const context = m_context.get();
         const bool isEcb = (p.options & kCCOptionECBMode) != 0;

@@ -9,7 +9,7 @@
 
 namespace {
 
-thread_local std::size_t gCountdown = 0;  // 0: nothing is to fail
+thread_local std::size_t gCountdown = 0;  // 0: none fails
 thread_local bool gHasFailed = false;
 thread_local std::size_t gSizeOfFirst = 0;
 std::atomic<std::size_t> gLive = 0;
@@ -19,7 +19,7 @@ thread_local std::size_t gWatchedLength = 0;
 thread_local std::size_t gWatchedBlocks = 0;
 thread_local bool gHasSeen = false;
 
-// Ahead of each block stands its size; the block itself stays aligned for any type.
+// Each block's size precedes it; the block itself stays aligned for any type.
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 
 void* Allocate(std::size_t size) {
@@ -30,7 +30,7 @@ void* Allocate(std::size_t size) {
         gHasFailed = true;
         throw std::bad_alloc();
     }
-    // A sanitizer would end the process over a size that can't be; the real one says no.
+    // malloc returns null for an impossible size, but a sanitizer's would end the process.
     constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() - kHeader;
     auto* const block = static_cast<char*>(size > kMost ? nullptr : std::malloc(size + kHeader));
     if (block == nullptr) {
@@ -39,7 +39,7 @@ void* Allocate(std::size_t size) {
     ++gLive;
     std::memcpy(block, &size, sizeof size);
     if (gWatched != nullptr) {
-        std::memset(block + kHeader, 0, size);  // all of it will be searched
+        std::memset(block + kHeader, 0, size);  // the watch searches all of it
     }
     return block + kHeader;
 }
@@ -109,7 +109,7 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return Allocate(size);
 }
-// The standard library's own calls the first, but a sanitizer's would not.
+// The standard library's own calls the one above, but a sanitizer's would not.
 void* operator new(std::size_t size, const std::nothrow_t& /*isNothrow*/) noexcept {
     try {
         return Allocate(size);
@@ -130,7 +130,7 @@ void operator delete[](void* block, std::size_t) noexcept {
     Free(block);
 }
 
-// The buffer that a lookup leaves on purpose where memory runs out is no leak to report.
+// If memory runs out, a lookup leaks its buffer on purpose. Do not report that.
 extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:ZuGetLocalizedString";

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-// While it lives, counts this thread's calls of operator new, the library's included, and makes the
-// n-th of them throw std::bad_alloc. n = 0 only counts. One at a time.
+// While it lives, counts this thread's calls of operator new, including the library's, and makes
+// the n-th throw std::bad_alloc. n = 0 only counts. One at a time.
 class FailingAllocation {
 public:
     explicit FailingAllocation(std::size_t n);
@@ -14,11 +14,11 @@ public:
 
     static bool HasFailed();
 
-    // The bytes that the first of them asked for.
+    // The size that the first of them asked for.
     static std::size_t SizeOfFirst();
 };
 
-// While it lives, looks into every block that is deleted for some bytes. One at a time.
+// While it lives, searches every deleted block for some bytes. One at a time.
 class FreedMemoryWatch {
 public:
     FreedMemoryWatch(const void* bytes, std::size_t length);
@@ -26,12 +26,12 @@ public:
     FreedMemoryWatch(const FreedMemoryWatch&) = delete;
     FreedMemoryWatch& operator=(const FreedMemoryWatch&) = delete;
 
-    // Whether a block had them in it, and how many blocks there were.
+    // Whether a block held them, and how many blocks were searched.
     static bool HasSeen();
     static std::size_t Blocks();
 };
 
-// Blocks from operator new, of every thread, that are not deleted yet.
+// Blocks from operator new, in all threads, that are not deleted yet.
 std::size_t LiveAllocations();
 
 #endif

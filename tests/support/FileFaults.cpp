@@ -7,7 +7,7 @@
 namespace {
 
 bool gIsRecording = false;
-int gOpensUntilFailure = 0;  // 0: none is to fail
+int gOpensUntilFailure = 0;  // 0: none fails
 int gClosesUntilFailure = 0;
 std::vector<std::string>* gCalls = nullptr;
 
@@ -45,7 +45,7 @@ const std::vector<std::string>& FileFaults::Calls() {
     return *gCalls;
 }
 
-// Each standard library opens its files by one of the two names.
+// Each standard library opens its files by one of these two names.
 extern "C" FILE* fopen(const char* path, const char* mode) {
     return Open("fopen", path, mode);
 }

@@ -8,14 +8,14 @@
 // executable must export its symbols, so that the library's calls come here.
 class FileFaults {
 public:
-    // failingOpen: which fopen from now on answers null, 1 for the first; 0 for none.
-    // failingClose: which fclose closes, but answers that it failed.
+    // failingOpen: which fopen from now on returns null: 1 for the first, 0 for none.
+    // failingClose: which fclose closes but reports a failure.
     explicit FileFaults(int failingOpen = 0, int failingClose = 0);
     ~FileFaults();
     FileFaults(const FileFaults&) = delete;
     FileFaults& operator=(const FileFaults&) = delete;
 
-    // "fopen PATH MODE" and "fclose", in the order they came.
+    // "fopen PATH MODE" and "fclose", in order.
     static const std::vector<std::string>& Calls();
 };
 

@@ -8,7 +8,7 @@
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Pairs of hexadecimal digits, and nothing else.
+// Takes pairs of hexadecimal digits only.
 inline Bytes FromHex(const std::string& digits) {
     Bytes bytes;
     for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {

@@ -9,8 +9,8 @@
 
 #include "strings/StringMap.h"
 
-// Keys of 40 bytes that all have one hash, and not 0: with these first eight bytes, what follows
-// them is multiplied by zero.
+// Keys of 40 bytes that all have the same nonzero hash: their first eight bytes make the hash
+// multiply the following ones by zero.
 inline std::vector<std::string> KeysOfOneHash(std::uint64_t count) {
     const std::uint64_t zeroing = 0x9E3779B97F4A7C15;
     const std::string front(reinterpret_cast<const char*>(&zeroing), sizeof zeroing);

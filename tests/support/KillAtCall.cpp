@@ -1,10 +1,10 @@
-// Linked into the tool, puts itself in place of the calls by which a file is replaced or a bundle
-// made, and kills the process in the KILL_AT-th of them: before it, half way through a write, and
-// after making a folder. With INTERRUPT_AT a signal comes there that can be held off:
-// SIGNAL, a number. With ACT_AT the command ACT is run first, as another program that is at work at
-// the same time. With CALLS the numbers and names of the calls go to that file; with SHORT_TRANSFERS
-// a read or write is interrupted every other time, and else takes 100 bytes at most. With
-// SHARED_POSITION to open /dev/fd/N is to duplicate N, as on macOS.
+// Linked into the tool, replaces the calls by which a file is replaced or a bundle made. KILL_AT
+// kills the process at the call of that number: before it, halfway through a write, and after
+// making a folder. INTERRUPT_AT raises a signal there that can be held off: SIGNAL, a number.
+// ACT_AT first runs the command ACT there, like another program at work at the same time. CALLS
+// names a file for the calls' numbers and names. SHORT_TRANSFERS interrupts every other read or
+// write and limits the others to 100 bytes. SHARED_POSITION makes opening /dev/fd/N duplicate N, as
+// on macOS.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -28,7 +28,7 @@ bool IsTurn(const char* variable) {
 void Interrupt() {
     const char* const value = std::getenv("SIGNAL");
     const int number = value != nullptr ? std::atoi(value) : SIGINT;
-    std::signal(number, SIG_DFL);  // a shell ignores some for what runs in the background
+    std::signal(number, SIG_DFL);  // a shell ignores some for background processes
     raise(number);
 }
 
@@ -40,7 +40,7 @@ void Act() {
     }
 }
 
-// Does what is to be done at the call of this name that is being made.
+// Does what the environment demands at this call.
 void Note(const char* name) {
     ++gCall;
     if (const char* const path = std::getenv("CALLS")) {
@@ -59,7 +59,7 @@ void Note(const char* name) {
     }
 }
 
-// Whether a read or write is; else shortens it.
+// Whether a read or write is interrupted. Otherwise it is shortened.
 bool IsInterrupted(size_t* length) {
     if (std::getenv("SHORT_TRANSFERS") == nullptr) {
         return false;
@@ -129,7 +129,7 @@ int symlink(const char* target, const char* path) noexcept {
     return System<int(const char*, const char*)>("symlink")(target, path);
 }
 
-// Each standard library opens its files by one of the two names.
+// Each standard library opens its files by one of these two names.
 FILE* fopen(const char* path, const char* mode) {
     return Open("fopen", path, mode);
 }

@@ -11,7 +11,7 @@
 
 #include "support/TemporaryFolder.h"
 
-// A copy of the library's file, opened by its path as a plug-in does, with its exported names.
+// A copy of the library's file, opened by path like a plug-in, with its exported names.
 class LibraryCopy {
 public:
     using Open = std::function<void*(const char* path)>;
@@ -29,7 +29,7 @@ public:
     LibraryCopy(const LibraryCopy&) = delete;
     LibraryCopy& operator=(const LibraryCopy&) = delete;
 
-    // Loads a file of one section, whose entries are these lines, and returns what the load does.
+    // Loads a file of one section with these lines and returns the load's result.
     int Load(const std::string& lines) const {
         m_folder.Write("x.strings", "QVLANG=en\n" + lines);
         auto* const bundle =
@@ -40,7 +40,7 @@ public:
         return entries;
     }
 
-    // What the lookup answers; "(null)" for null.
+    // The lookup's answer; "(null)" for null.
     std::string Text(const char* key) const {
         const char* const text = Function<const char*(const char*)>("ZuGetLocalizedString")(key);
         return text == nullptr ? "(null)" : text;
@@ -55,7 +55,7 @@ public:
         m_handle = nullptr;
     }
 
-    // Open until the process exits.
+    // It stays open until the process exits.
     void LeaveOpen() { m_handle = nullptr; }
 
     bool IsLoaded() const {

@@ -1,4 +1,4 @@
-// The source for macOS, over a stand-in for CoreFoundation.
+// The macOS source, over a stand-in for CoreFoundation.
 #include <string>
 #include <vector>
 

@@ -6,13 +6,13 @@
 #include <string>
 #include <thread>
 
-// A named pipe, and a thread that writes to it. A test that ends early does not hang: what nobody
-// has read by the end of the scope is read there.
+// A named pipe, and a thread that writes to it. A test that ends early does not hang: the
+// destructor reads what is left.
 class PipeWriter {
 public:
-    // Makes the pipe and runs write, which may open it for writing any number of times, on the
-    // thread. Throws std::system_error if the pipe can't be made. Ignores SIGPIPE from now on, so
-    // that a reader who leaves early makes a write fail and does not end the process.
+    // Makes the pipe and runs write on the thread; write may open the pipe any number of times.
+    // Throws std::system_error if the pipe can't be made. Ignores SIGPIPE from now on, so that if
+    // the reader leaves early a write fails and the process goes on.
     PipeWriter(std::string path, std::function<void()> write);
     ~PipeWriter();
     PipeWriter(const PipeWriter&) = delete;

@@ -20,7 +20,7 @@ constexpr std::uint8_t kMask = 0xA5;
 struct Mapping {
     const std::uint8_t* begin;
     const std::uint8_t* end;
-    const char* name;  // empty if it has none
+    const char* name;  // may be empty
 };
 
 // Static, so that a search allocates nothing.
@@ -34,7 +34,7 @@ struct {
     } hits[1000];
 } gSpace;
 
-// As much of a file as there is room for, as a text.
+// Reads a file into a C string, as much of it as fits.
 void ReadText(const char* path, char* text, std::size_t room) {
     const int file = open(path, O_RDONLY | O_CLOEXEC);
     std::size_t size = 0;
@@ -46,7 +46,7 @@ void ReadText(const char* path, char* text, std::size_t room) {
     text[size] = '\0';
 }
 
-// The mappings that the process can read and write, and shares with no other. Returns how many.
+// Reads the process's writable private mappings. Returns how many there are.
 std::size_t ReadMappings() {
     ReadText("/proc/self/maps", gSpace.maps, sizeof gSpace.maps);
     std::size_t count = 0;
@@ -68,7 +68,7 @@ std::size_t ReadMappings() {
     return count;
 }
 
-// Calls a function with the stack half a MiB below, and overwrites nothing between.
+// Calls a function with the stack pointer half a MiB lower, and overwrites nothing in between.
 [[gnu::noinline]] void CallDeep(const std::function<void()>& call) {
     char room[1U << 19U];
     __asm__ volatile("" : : "r"(room) : "memory");
@@ -76,7 +76,7 @@ std::size_t ReadMappings() {
     __asm__ volatile("" : : "r"(room) : "memory");
 }
 
-// Puts the masked next byte after the seven last ones.
+// Shifts the next byte, masked, in after the last seven.
 std::uint64_t Shifted(std::uint64_t masked, std::uint8_t byte) {
     return masked >> 8U | static_cast<std::uint64_t>(byte ^ kMask) << 56U;
 }
@@ -165,7 +165,7 @@ void CallInThread(const std::function<void()>& call, const std::function<void()>
     std::promise<void> called;
     std::promise<void> looked;
     std::thread thread([&] {
-        CallDeep(call);  // so that the waiting does not overwrite what it leaves
+        CallDeep(call);  // so that waiting does not overwrite what it leaves
         called.set_value();
         looked.get_future().wait();
     });

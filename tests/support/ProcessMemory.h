@@ -21,23 +21,23 @@
 #define ORVA_MEMORY_IS_SHADOWED 1
 #endif
 
-// Looks for secrets in all that the process can write to: static objects, the heap with its freed
-// blocks, stacks with what returned calls have left there.
+// Searches all writable memory of the process for secrets: static objects, the heap with its freed
+// blocks, and what returned calls left on stacks.
 //
-// What it looks for must not be there because of the search. So a process of its own makes the
-// secrets, this one gets them with some bits of each byte turned, and from then on until the end of
-// a search nothing is allocated, since that could overwrite what a freed block holds. The search has
-// its own part of the stack, far below what its caller's calls have left there.
+// The search itself must not put the secrets there. So another process makes them, and this one
+// receives them masked, with some bits of each byte flipped. From then until a search ends nothing
+// is allocated, since that could overwrite freed blocks. The search uses a part of the stack far
+// below what its caller's calls left there.
 class MemorySearch {
 public:
     using Secrets = std::vector<std::pair<const char*, Bytes>>;
     using Hits = std::map<std::string, std::size_t>;
 
-    // Has a process of its own make the secrets, each with a name for it, and what else make does.
-    // Adds to a failure of the test if it throws.
+    // Runs make in another process; it returns the secrets, each with a name. Fails the test if
+    // make throws.
     void LookFor(const std::function<Secrets()>& make);
 
-    // "SECRET in PLACE", and how many parts of the secret, of eight bytes each, are found there.
+    // "SECRET in PLACE", and how many eight-byte parts of the secret were found there.
     Hits Found() const;
 
 private:
@@ -46,15 +46,15 @@ private:
         std::uint64_t masked;
     };
 
-    // The number of hits, which it keeps elsewhere.
+    // Returns the number of hits, which are kept elsewhere.
     std::size_t Search() const;
 
     std::array<Part, 1024> m_parts;
     std::size_t m_count = 0;
 };
 
-// Calls a function in a thread of its own, and then look while the thread still has its stack, which
-// the system takes back when it ends.
+// Calls a function in a thread of its own, then look while the thread still has its stack. The
+// system takes the stack back when the thread ends.
 void CallInThread(const std::function<void()>& call, const std::function<void()>& look);
 
 #endif

@@ -1,5 +1,5 @@
-// That a search of the process's memory finds what is there, wherever it is. The tests of how long
-// secrets live rest on it.
+// A search of the process's memory finds what is there, wherever it is. The tests of how long
+// secrets live depend on it.
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -22,7 +22,7 @@ using Hits = MemorySearch::Hits;
 std::uint8_t gInitialised[kSize] = {1};
 std::uint8_t gZero[kSize];
 
-// A secret byte. None of the bytes stands beside the next anywhere but where a test puts it.
+// A byte of the secret. No two of its bytes occur in a row where no test put them.
 std::uint8_t ByteAt(std::size_t i) {
     return static_cast<std::uint8_t>(0x5D * (i + 1) + i * i * 7);
 }
@@ -52,7 +52,7 @@ protected:
         ASSERT_EQ(m_search.Found(), Hits()) << "it is found where nobody has put it";
     }
 
-    // Where the whole secret is found, "nowhere", or what is found in part.
+    // Where the whole secret was found, "nowhere", or what was found of it.
     std::string Place() const {
         const Hits found = m_search.Found();
         if (found.empty()) {
@@ -87,7 +87,7 @@ TEST_F(ProcessMemory, IsSearchedInTheHeap) {
     }
 }
 
-// The allocator keeps notes of its own in the first bytes of a freed block.
+// The allocator uses the first bytes of a freed block itself.
 TEST_F(ProcessMemory, IsSearchedInFreedBlocks) {
     auto* const block = static_cast<std::uint8_t*>(std::malloc(16 + kSize));
     Plant(block + 16);
@@ -107,12 +107,12 @@ TEST_F(ProcessMemory, IsSearchedOnTheStack) {
     EXPECT_EQ(Place(), "nowhere");
 }
 
-// Leaves the secret on the stack so many bytes, at least, below the caller's part.
+// Leaves the secret on the stack at least this many bytes below the caller's part.
 template <std::size_t kDepth>
 [[gnu::noinline]] void PlantBelow() {
     struct {
         std::uint8_t secret[kSize];
-        std::uint8_t between[kDepth + 1000];  // some of which what comes next may write to
+        std::uint8_t between[kDepth + 1000];  // later calls may overwrite some of it
     } local;
     Plant(local.secret);
 }

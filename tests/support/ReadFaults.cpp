@@ -16,7 +16,7 @@ Function* System(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-// Whether the read that begins now is to fail.
+// Whether the read that begins now must fail.
 bool IsToFail() {
     ++gCalls;
     if (gCalls == gPlan->turn) {

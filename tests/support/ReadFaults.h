@@ -6,24 +6,24 @@
 #include <functional>
 #include <limits>
 
-// While it lives, bends the process's calls of read. The executable must export its symbols, so that
-// libstdc++'s calls come here. One at a time.
+// While it lives, interferes with the process's calls of read. The executable must export its
+// symbols, so that libstdc++'s calls come here. One at a time.
 class ReadFaults {
 public:
     static constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
 
-    // How far the reading is: a file is read to its end, or to a failure, and then again.
+    // How far reading has come: a file is read to its end or to a failure, and then again.
     struct Progress {
         bool isAgain = false;
-        std::size_t bytes = 0;  // of this reading
+        std::size_t bytes = 0;  // in this reading
     };
 
     struct Plan {
-        std::size_t mostBytes = kAll;  // that one read gives
-        std::size_t turn = 0;          // a read by its number, from 1; 0 for none
+        std::size_t mostBytes = kAll;  // most bytes that one read returns
+        std::size_t turn = 0;          // the number of a read, from 1; 0: none
         std::function<void(const Progress&)> beforeTurn = [](const Progress&) {};
-        std::size_t failures = 0;  // so many reads fail, from the turn on
-        int error = EIO;           // with this
+        std::size_t failures = 0;  // how many reads fail, from the turn on
+        int error = EIO;           // their error
     };
 
     explicit ReadFaults(const Plan& plan);
@@ -31,7 +31,7 @@ public:
     ReadFaults(const ReadFaults&) = delete;
     ReadFaults& operator=(const ReadFaults&) = delete;
 
-    // The reads since the last one was made.
+    // The number of reads since the last object was made.
     static std::size_t Calls();
 };
 

@@ -6,8 +6,8 @@
 
 #include "tests/support/Hex.h"
 
-// What decoding works with and nobody is to find afterwards, each with a name for it: the key
-// material, what is derived from it, the round keys of each, and the text.
+// What decoding works with and must not leave behind, each with a name: the key material, what is
+// derived from it, the round keys of each, and the text.
 std::vector<std::pair<const char*, Bytes>> SecretsOf(const Bytes& material,
                                                      const std::string& text);
 

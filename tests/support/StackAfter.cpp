@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr std::size_t kStackSize = std::size_t{8} << 20U;  // sanitizers want much of it
-constexpr std::size_t kWindow = 8;                         // so many bytes in a row are no accident
+constexpr std::size_t kStackSize = std::size_t{8} << 20U;  // sanitizers need much of it
+constexpr std::size_t kWindow = 8;  // this many equal bytes in a row are no accident
 
 void* Call(void* call) {
     (*static_cast<const std::function<void()>*>(call))();

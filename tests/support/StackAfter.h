@@ -9,12 +9,12 @@
 // sanitizer keeps copies of its own there.
 Bytes StackAfter(const std::function<void()>& call);
 
-// Whether memory holds a part of a secret, of eight bytes or more.
+// Whether memory holds eight or more bytes of a secret in a row.
 bool Holds(const Bytes& memory, const Bytes& secret);
 
 #ifdef __has_feature
 #if __has_feature(thread_sanitizer)
-#define __SANITIZE_THREAD__  // as g++ says it; NOLINT(bugprone-reserved-identifier)
+#define __SANITIZE_THREAD__  // g++'s macro; NOLINT(bugprone-reserved-identifier)
 #endif
 #endif
 

@@ -7,25 +7,25 @@
 
 #include "tests/support/Hex.h"
 
-// The stored form of protected texts once more, written from its description over OpenSSL and
-// sharing nothing with the library: what the tests hold the library's own against.
+// A second implementation of the stored form, written from its description over OpenSSL. It shares
+// nothing with the library, whose own form the tests compare with it.
 
-// The block that a counter gives.
+// The block that belongs to a counter.
 Bytes CounterBlock(std::uint8_t counter, const Bytes& material);
 
-// The five derived blocks, in their order.
+// The five derived blocks, in order.
 Bytes DerivedBlocks(const Bytes& material);
 
-// A text as it is stored.
+// A text in its stored form.
 std::string Stored(const std::string& text, const Bytes& material);
 
-// The same with blocks of one's own under the encryption: tag and padded text as they are given.
+// The same, but encrypts the given tag and padded text as they are.
 std::string StoredBlocks(const Bytes& tagAndPadded, const Bytes& material);
 
-// The tag of a padded text that is said to be so long.
+// The tag of a padded text whose length is given as textLength.
 Bytes TagOf(std::size_t textLength, const Bytes& padded, const Bytes& material);
 
-// The development key, which the tests' library is built with.
+// The development key, which the library under test is built with.
 Bytes DevelopmentKey();
 
 #endif

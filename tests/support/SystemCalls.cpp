@@ -46,7 +46,7 @@ std::string Named(int file) {
     return name != gRecording->open.end() ? name->second : std::to_string(file);
 }
 
-// Records a call and answers the error with which it is to fail, or 0.
+// Records a call. Returns the error with which it must fail, or 0.
 int Record(const std::string& call) {
     Recording* const recording = std::exchange(gRecording, nullptr);
     recording->made.push_back(call);
@@ -55,8 +55,8 @@ int Record(const std::string& call) {
     return error;
 }
 
-// Records a call of a file, which is a path or a descriptor. Whether it is to fail; errno is set then,
-// and otherwise left as it is.
+// Records a call on a file, a path or a descriptor. Returns whether it must fail. If so, errno is
+// set; otherwise it is unchanged.
 template <typename File>
 bool IsRefused(const char* name, File file, const std::string& more = "") {
     if (gRecording == nullptr) {
@@ -68,7 +68,7 @@ bool IsRefused(const char* name, File file, const std::string& more = "") {
     return error != 0;
 }
 
-// Lets the test alter the answer of the last call, whose result this is.
+// Lets the test alter what the last call, with this result, returned.
 int Altered(int result, struct stat* status) {
     if (gRecording != nullptr && gRecording->alter && result == 0) {
         gRecording->alter(gRecording->made.back(), *status);
@@ -115,9 +115,9 @@ FILE* OpenStream(const char* name, const char* path, const char* mode) {
                : System<FILE*(const char*, const char*)>(name)(path, mode);
 }
 
-// Whether a mask lets nothing through but the signals of the process's own faults.
+// Whether a mask blocks all signals except those of the process's own faults.
 bool HoldsSignals(const sigset_t& mask) {
-    for (int signal = 1; signal < SIGRTMIN - 2; ++signal) {  // further on, the C library keeps two
+    for (int signal = 1; signal < SIGRTMIN - 2; ++signal) {  // the C library reserves the next two
         const bool isFault =
             signal == SIGBUS || signal == SIGFPE || signal == SIGILL || signal == SIGSEGV;
         if ((sigismember(&mask, signal) == 1) == isFault) {
@@ -209,7 +209,7 @@ int close(int file) {
         gRecording->open.erase(file);
     }
     const int result = System<int(int)>("close")(file);
-    if (isRefused) {  // it is closed nevertheless, as Linux does it
+    if (isRefused) {  // it is closed all the same, as on Linux
         errno = error;
     }
     return isRefused ? -1 : result;
@@ -318,7 +318,7 @@ char* mkdtemp(char* name) noexcept {
     return made;
 }
 
-// Each standard library opens its files by one of the two names.
+// Each standard library opens its files by one of these two names.
 FILE* fopen(const char* path, const char* mode) {
     return OpenStream("fopen", path, mode);
 }

@@ -1,4 +1,4 @@
-// The command's temporary bundle where the system refuses it something.
+// The command's temporary bundle when the system refuses a call.
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>

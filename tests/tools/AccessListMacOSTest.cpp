@@ -1,4 +1,4 @@
-// The source for macOS, over a stand-in for the system's calls.
+// The macOS source, over a stand-in for the system's calls.
 #include <cerrno>
 #include <string>
 #include <sys/acl.h>
@@ -18,12 +18,12 @@ namespace {
 _acl gFilesList = {"file's list"};
 _acl gEmptyList = {"empty list"};
 
-int gGetError = 0;   // what hinders acl_get_file
-int gInitError = 0;  // and the others
+int gGetError = 0;   // how acl_get_file fails
+int gInitError = 0;  // how the others fail
 int gSetError = 0;
 std::vector<std::string> gCalls;
 
-// Answers null, or -1, with the error if there is one.
+// Returns the list, or null and sets errno if there is an error.
 acl_t ListUnless(int error, _acl* list) {
     errno = error;
     return error == 0 ? list : nullptr;

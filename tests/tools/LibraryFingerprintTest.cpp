@@ -1,5 +1,5 @@
-// `orva-strings key show --library`, on files made for the purpose. The built libraries themselves are
-// for key_files_test.sh and parents_test.sh.
+// `orva-strings key show --library` on files made for these tests. key_files_test.sh and
+// parents_test.sh test it on the built libraries.
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -95,7 +95,7 @@ TEST_F(LibraryFingerprint, IsMissingOrAmbiguous) {
     }
 }
 
-// A file is read in pieces, and a marker may lie across two of them.
+// A file is read in pieces, and a marker may span two of them.
 TEST_F(LibraryFingerprint, IsFoundWhereverItStandsInALargeFile) {
     const std::string file = Path("library");
     constexpr std::size_t kPiece = 65536;

@@ -1,4 +1,4 @@
-// The manual page and the help name the same commands and arguments.
+// The manual page and the help list the same commands and arguments.
 #include <fstream>
 #include <map>
 #include <regex>
@@ -16,7 +16,7 @@ namespace {
 
 using Words = std::set<std::string>;
 
-// The lines of a section of the manual page, without the backslashes of its hyphens.
+// The lines of a section of the manual page, with its hyphens' backslashes removed.
 std::vector<std::string> LinesOf(const std::string& section) {
     std::ifstream page(ORVA_STRINGS_MANUAL);
     std::vector<std::string> lines;

@@ -1,4 +1,4 @@
-// What a key leaves in memory when it is gone.
+// What a destroyed key leaves in memory.
 #include <algorithm>
 #include <iterator>
 #include <new>
@@ -25,7 +25,7 @@ TEST(KeyCleared, ClearsItsBytesInTheEnd) {
 }
 
 TEST(KeyCleared, ClearsTheTextThatItIsMadeOf) {
-    for (const char* const after : {"", "\n", "\r\n", "0"}) {  // the last is one digit too many
+    for (const char* const after : {"", "\n", "\r\n", "0"}) {  // the last one is a digit too many
         const FreedMemoryWatch watch(kDigits, sizeof kDigits - 1);
         std::string text;
         text.reserve(100);  // so that it does not move as it grows

@@ -21,11 +21,11 @@
 
 namespace fs = std::filesystem;
 
-int OrvaStringsMain(int argc, char** argv);  // main, under another name
+int OrvaStringsMain(int argc, char** argv);  // main, renamed
 
 namespace {
 
-// Longer than a string object holds inside itself, as most texts are.
+// Longer than a string object holds inline, like most texts.
 const char kReadable[] =
     "QVLANG=English\n"
     "MENU_OPEN_RECENT=\"Open one of the documents that were open before\"\n"
@@ -33,7 +33,7 @@ const char kReadable[] =
     "QVLANG=Deutsch\n"
     "IDE_REGISTRATION_TITLE=\"Diese Kopie des Programms anmelden\"\n";
 
-// Where the tool writes to, which allocates nothing, as standard output does not.
+// The tool's output in the tests. Unlike standard output, it allocates nothing.
 class Buffer : public std::streambuf {
 public:
     Buffer() { setp(m_bytes, m_bytes + sizeof m_bytes); }
@@ -65,7 +65,7 @@ protected:
         return static_cast<std::size_t>(std::distance(begin(files), end(files)));
     }
 
-    // The exit status; the n-th allocation fails, none with 0.
+    // Returns the exit status. The n-th allocation fails; if n is 0, none does.
     int Run(const std::vector<std::string>& arguments, std::size_t n = 0) {
         Buffer outBuffer;
         Buffer errBuffer;
@@ -90,9 +90,9 @@ protected:
         return status;
     }
 
-    // Runs a command with every allocation failing in turn, from the state that prepare makes, and
-    // has check look at the state that each run leaves, with the run's exit status. Then it must
-    // have been told, and nothing left behind, or have made no difference.
+    // Fails each allocation of a command in turn, each time from the state that prepare makes.
+    // check then sees the state that the run leaves, and its exit status. A failure must be
+    // reported and leave nothing behind, or make no difference.
     void FailAtEach(
         const std::vector<std::string>& arguments, const std::function<void()>& prepare = [] {},
         const std::function<void(int status)>& check = [](int) {}) {
@@ -114,7 +114,7 @@ protected:
                 EXPECT_EQ(status, 2) << m_err;
                 EXPECT_NE(m_err.find("orva-strings: error: "), std::string::npos) << m_err;
             }
-            // A lookup leaves the buffer that may hold plaintext on purpose.
+            // A lookup leaks the buffer on purpose, since it may hold plaintext.
             EXPECT_LE(m_left, arguments[0] == "show" ? 1U : 0U) << "allocations not released";
             check(status);
             points += m_hasFailed ? 1 : 0;
@@ -248,7 +248,7 @@ TEST_F(OrvaStringsAllocationFailure, IsToldByShow) {
     unsetenv("TMPDIR");
 }
 
-// Gives a stream another buffer for the time of a scope.
+// Gives a stream another buffer during a scope.
 class Redirected {
 public:
     Redirected(std::ostream& stream, std::streambuf* buffer)

@@ -1,5 +1,5 @@
-// The built command with something at its standard input: a pipe, a file, nothing. Stored texts are
-// the tests' own.
+// The built command with a pipe, a file or nothing as its standard input. The tests make their own
+// stored texts.
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -28,7 +28,7 @@ void Check(bool hasSucceeded, const char* what) {
     }
 }
 
-// A file with a value for its protected entries: in two sections, one of them between notes.
+// A file with these values as the protected entries of its two sections, the first between notes.
 std::string File(const std::string& first, const std::string& second) {
     return "// note\r\nQVLANG=English\r\nMENU_OPEN=\"Open\"\r\nIDE_TITLE=\"" + first +
            "\" ; note\r\n\r\nQVLANG=Deutsch\nIDE_TITLE=" + second + "\n";
@@ -52,7 +52,8 @@ protected:
         m_folder.Write("first", StoredFile(m_first));
     }
 
-    // Runs the command with an open file as its standard input, or with none. Returns its exit status.
+    // Runs the command with an open file as its standard input, or with no standard input. Returns
+    // its exit status.
     int RunWith(int input, std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), ORVA_STRINGS);
         std::vector<char*> pointers;
@@ -94,7 +95,7 @@ protected:
         int ends[2];
         Check(pipe2(ends, O_CLOEXEC) == 0, "pipe");
         std::thread writer([&] {
-            // In two parts, so that a read seldom gives all of it.
+            // In two parts, so that one read seldom returns everything.
             const std::size_t half = input.size() / 2;
             for (const std::string& part : {input.substr(0, half), input.substr(half)}) {
                 EXPECT_EQ(write(ends[1], part.data(), part.size()),
@@ -235,7 +236,7 @@ TEST_F(OrvaStringsInput, IsReadFromWhereItStands) {
     close(file);
 }
 
-// More than a pipe holds, and many times what is read at once.
+// More than a pipe holds, and many times the size of a read.
 TEST_F(OrvaStringsInput, MayBeLong) {
     std::string ofFirst = "QVLANG=en\n";
     std::string ofSecond = ofFirst;

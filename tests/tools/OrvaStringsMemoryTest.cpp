@@ -1,6 +1,5 @@
-// That no memory of the process holds a key, or what is made of one, once a command has returned:
-// neither a static object nor the heap, freed blocks included, nor the stack. That no file holds one
-// but the key file.
+// Once a command has returned, no memory of the process holds a key or anything derived from one:
+// static objects, the heap including freed blocks, the stack. No file but the key file holds one.
 //
 // Texts may stay: the command prints them or reads them from a readable file, and ends.
 #include <array>
@@ -46,11 +45,11 @@ namespace {
 
 using Hits = MemorySearch::Hits;
 
-// Longer than a string object holds inside itself, and than the pieces in which texts are encrypted.
+// Longer than a string object holds inline, and than the pieces in which texts are encrypted.
 const char kText[] =
     "a text that is long enough to take several of the blocks in which it is encrypted";
 
-// Key material without a pattern, one for each number.
+// Key material without a pattern, different for each number.
 Bytes Material(unsigned number) {
     Bytes material(32);
     std::uint32_t state = number;
@@ -61,7 +60,7 @@ Bytes Material(unsigned number) {
     return material;
 }
 
-// What nobody is to find of a key: what decoding and encoding work with, and the file's digits.
+// What must not be found of a key: what decoding and encoding work with, and the file's digits.
 MemorySearch::Secrets SecretsOfKeyFile(const Bytes& material) {
     MemorySearch::Secrets secrets = SecretsOf(material, "");
     std::string digits = ToHex(material);
@@ -77,8 +76,8 @@ std::string File(const std::string& value) {
     return "QVLANG=en\nMENU_OPEN=\"Open\"\nIDE_TITLE=\"" + value + "\"\n";
 }
 
-// Where a command writes to, in place of standard output, whose buffer keeps a key that is written
-// there until the process ends. It keeps each byte with some bits turned, as the search does.
+// A command's output. Standard output's buffer would keep a key written there until the process
+// ends. This one keeps each byte masked, as the search does.
 class MaskedBuffer : public std::streambuf {
 public:
     // Calls atFirst before the first byte.
@@ -158,7 +157,7 @@ protected:
         return status;
     }
 
-    // Each command as the first of its process: what the loader does at first calls may save registers.
+    // Runs each command as the first in its process: the loader may save registers at first calls.
     static void InAnotherProcess(const std::function<void()>& run) {
         const pid_t child = fork();
         if (child == 0) {
@@ -183,7 +182,7 @@ protected:
     TemporaryFolder m_folder;
     MemorySearch m_search;
     MaskedBuffer m_out{[] {}};
-    Hits m_atOutput;  // what was found when the last command wrote the first byte of its result
+    Hits m_atOutput;  // what was found when the last command wrote its first byte
 };
 
 TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
@@ -193,7 +192,7 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         std::vector<std::string> arguments;
         std::string input;
         int status;
-        std::string result;  // the file whose bytes are the output; empty if it is not looked at
+        std::string result;  // the file whose bytes are the output; empty: not checked
     } cases[] = {
         {{"protect", "--key-file", first, Path("readable")}, "", 0, "first"},
         {{"protect", "--key-file", "-", Path("readable")}, first, 0, "first"},
@@ -228,7 +227,7 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         InAnotherProcess([&] {
             EXPECT_EQ(Run(c.arguments, c.input.empty() ? "/dev/null" : c.input), c.status);
             EXPECT_EQ(m_search.Found(), Hits());
-            if (c.arguments[0] != "show") {  // which needs the key as it goes on
+            if (c.arguments[0] != "show") {  // show still needs the key
                 EXPECT_EQ(m_atOutput, Hits());
             }
             if (!c.result.empty()) {
@@ -253,7 +252,7 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterAFileIsWritten) {
     }
 }
 
-// A string that grows moves.
+// A growing string moves.
 TEST_F(OrvaStringsMemory, HoldsNoKeyThatCameThroughAPipeByteByByte) {
     const std::string pipe = Path("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -287,7 +286,7 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyThatWasMade) {
 }
 
 #ifdef __x86_64__
-// Round keys in registers: whatever saves registers would put them on the stack.
+// Round keys in registers: whatever saves the registers would put them on the stack.
 std::uint8_t gRegisters[16][16];
 
 void SaveVectorRegisters() {
@@ -328,8 +327,8 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyInRegisters) {
 }
 #endif
 
-// What the names of the temporary folder's files were, each with how many bytes there are in it, and
-// the bytes to which a link that is made there leads, at the time when it is made.
+// When the temporary folder's link is made: the names in the folder, and the bytes that the link
+// leads to.
 struct {
     std::set<std::string> names;
     std::string linked;
@@ -337,7 +336,7 @@ struct {
 
 }  // namespace
 
-// The command makes one, to the copy that the library is to load.
+// The command makes one, to the copy that the library will load.
 extern "C" int symlink(const char* target, const char* path) noexcept {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(getenv("TMPDIR"))) {
         std::string name = entry.path().lexically_relative(getenv("TMPDIR")).string();

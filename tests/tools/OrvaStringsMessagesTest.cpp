@@ -1,4 +1,4 @@
-// How the tool's messages reach standard error: a line is one write, so that the lines of runs that
+// How the tool's messages reach standard error: each line is one write, so that lines of runs that
 // share a pipe do not mix.
 #include <cerrno>
 #include <climits>
@@ -28,13 +28,13 @@ void Check(bool hasSucceeded, const char* what) {
     }
 }
 
-// Two ends, of which no started program gets more than it is given.
+// Two ends. A started program gets only the one it is given.
 struct Ends {
     int ours;
     int theirs;
 };
 
-// Keeps the bounds of what is written: a read gives one write.
+// Preserves the boundaries of writes: each read returns one write.
 Ends MakeSocket() {
     int ends[2];
     Check(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) == 0, "socketpair");
@@ -47,7 +47,7 @@ Ends MakePipe() {
     return {ends[0], ends[1]};
 }
 
-// Each read up to the end, when all writers are gone. Closes the end.
+// Everything that was read until all writers were gone, read by read. Closes the end.
 std::vector<std::string> ReadAll(int end) {
     std::vector<std::string> reads;
     std::string buffer(1U << 20U, '\0');
@@ -64,7 +64,7 @@ std::vector<std::string> ReadAll(int end) {
 
 class OrvaStringsMessages : public ::testing::Test {
 protected:
-    // Starts the tool with a standard error, and no other output.
+    // Starts the tool with this standard error and no other output.
     static pid_t Start(std::vector<std::string> arguments, int err) {
         arguments.insert(arguments.begin(), ORVA_STRINGS);
         std::vector<char*> pointers;

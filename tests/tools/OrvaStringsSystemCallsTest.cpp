@@ -1,5 +1,5 @@
-// Which system calls a command makes for a file, in which order, and what becomes of the file if one
-// of them fails: with the calls and the random bytes of support/SystemCalls.h.
+// Which system calls a command makes for a file, in which order, and what happens to the file if
+// one fails. support/SystemCalls.h records the calls and supplies the random bytes.
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -38,7 +38,7 @@ const std::string kLibrary = "libOrvaLanguage key fingerprint: 0123456789ABCDEF\
 const std::string kCountedKey =
     "A1A2A3A4A5A6A7A8A9AAABACADAEAFB0B1B2B3B4B5B6B7B8B9BABBBCBDBEBFC0\n";
 
-// A call, and what the command says when it fails; with null it goes on.
+// A call, and what the command reports if it fails; null: it goes on.
 struct Step {
     std::string call;
     const char* told;
@@ -47,28 +47,28 @@ using Steps = std::vector<Step>;
 
 const char* const kGoesOn = nullptr;
 const char kTold[] = "file: Input/output error";
-const char kSomehowTold[] = "Input/output error";  // in the standard library's words
+const char kSomehowTold[] = "Input/output error";  // worded by the standard library
 const char kChanged[] = "file: another program has changed it meanwhile";
 
 bool Begins(const std::string& text, const std::string& begin) {
     return text.compare(0, begin.size(), begin) == 0;
 }
 
-// What the library does with the copy that show makes for it. The standard libraries read in different
-// ways; what they open has no name among the calls.
+// What the library does with the copy that show makes for it. The standard libraries read in
+// different ways, and the files they open have no names in the recorded calls.
 bool IsOfALoad(const std::string& call) {
     return Begins(call, "stat TMP") || Begins(call, "fopen TMP") ||
            (Begins(call, "read ") && call.find_first_not_of("0123456789", 5) == std::string::npos);
 }
 
-// Runs commands in a folder of their own, which is current, so that names are short.
+// Runs commands in a folder of their own. It is the current one, so that names are short.
 class OrvaStringsSystemCalls : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_EQ(chdir(m_folder.Path().c_str()), 0);
         ASSERT_EQ(mkdir("tmp", 0700), 0);
         setenv("TMPDIR", "tmp", 1);
-        sigset_t held;  // a signal that waits already, and has to go on waiting
+        sigset_t held;  // a signal that is already blocked and must stay so
         sigemptyset(&held);
         sigaddset(&held, SIGUSR1);
         pthread_sigmask(SIG_BLOCK, &held, &m_signals);
@@ -84,7 +84,8 @@ protected:
         ASSERT_EQ(chdir("/"), 0);
     }
 
-    // Puts the files there that a command finds: the file with these bytes, or none if they are empty.
+    // Creates the files that a command finds: the file with these bytes, or no file if they are
+    // empty.
     void MakeFiles(const std::string& bytes) {
         std::filesystem::remove("file");
         if (!bytes.empty()) {
@@ -94,9 +95,10 @@ protected:
         m_folder.Write("stored", m_stored);
     }
 
-    // Runs a command and records its calls: from the first that opens or makes something, since those
-    // before only look at the arguments' names, and without those that the library makes for a load,
-    // which have tests of their own. Each is shown to refuse, which answers as SystemCalls wants it.
+    // Runs a command and records its calls. Earlier calls only look at the names in the arguments,
+    // so the record starts with the first call that opens or makes something. It omits the
+    // library's calls for a load, which have tests of their own. refuse is given each recorded call
+    // and answers as for SystemCalls.
     void Run(const Texts& arguments, const SystemCalls::Refuse& refuse = nullptr,
              const std::vector<std::uint8_t>& random = SystemCalls::Counting()) {
         std::ostringstream out;
@@ -118,7 +120,7 @@ protected:
             << "stays open: " << SystemCalls::Open().begin()->second;
     }
 
-    // Runs a command whose n-th call fails, 0 for the first.
+    // Runs a command whose n-th call fails, counting from 0.
     void RunFailing(const Texts& arguments, std::size_t n) {
         std::size_t count = 0;
         Run(arguments, [&](const std::string&) { return count++ == n ? EIO : 0; });
@@ -126,7 +128,7 @@ protected:
                   std::count(m_calls.begin(), m_calls.end(), "release signals"));
     }
 
-    // What a call that failed has to say for itself.
+    // Checks how a failed call is reported.
     void ExpectTold(const char* told) const {
         if (told == kGoesOn) {
             EXPECT_EQ(m_status, 0);
@@ -138,9 +140,9 @@ protected:
         EXPECT_NE(m_err.find(told), std::string::npos) << m_err;
     }
 
-    // Runs the command as it is, which must make these calls, and once for each of them that fails.
-    // The file has its old bytes until the call that gives it the new ones has succeeded, and nothing
-    // stays beside it. An empty text stands for no file.
+    // Runs the command, which must make these calls, and again for each of them that fails. The
+    // file keeps its old bytes until the call that gives it the new ones succeeds, and nothing is
+    // left beside it. Empty bytes mean no file.
     void ExpectSteps(const Texts& arguments, const Steps& steps, const std::string& old,
                      const std::string& renewed, const std::string& turn) {
         MakeFiles(old);
@@ -183,7 +185,7 @@ protected:
         return lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
     }
 
-    // All that is in the folder, also in its folders.
+    // Everything in the folder, including its subfolders.
     static std::set<std::string> Names() {
         std::set<std::string> names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(".")) {
@@ -269,7 +271,7 @@ TEST_F(OrvaStringsSystemCalls, ReplaceAnOutputFile) {
                 "rename file.A1A2A3 file");
 }
 
-// Its mode is the one of any new file, as the mask leaves it.
+// Its mode is that of any new file under the umask.
 TEST_F(OrvaStringsSystemCalls, MakeAnOutputFile) {
     const Steps steps = {
         {"open stored O_RDONLY|O_CLOEXEC", "stored: Input/output error"},
@@ -298,7 +300,7 @@ TEST_F(OrvaStringsSystemCalls, MakeAnOutputFile) {
     EXPECT_EQ(ModeOf("file"), 0640U);
 }
 
-// A key whose name may not last is removed, too: who was told of an error has no key.
+// A key whose name may not survive is removed as well: after an error there is no key.
 TEST_F(OrvaStringsSystemCalls, MakeAKeyFile) {
     const Steps steps = {
         {"getentropy 32", "the system's random source: Input/output error"},
@@ -371,7 +373,7 @@ TEST_F(OrvaStringsSystemCalls, MakeACopyToShow) {
         {"mkdir TMP/Contents 700", "/Contents: Input/output error"},
         {"mkdir TMP/Contents/Resources 700", "/Contents/Resources: Input/output error"},
         {"open " + copy + " O_RDWR|O_CREAT|O_EXCL|O_CLOEXEC 600", copyTold},
-        {"unlink " + copy, copyTold},  // so that nothing is in a file with a name
+        {"unlink " + copy, copyTold},  // so that no named file holds anything
         {"fchmod " + copy + " 600", copyTold},
         {"write " + copy, copyTold},
         {"lseek " + copy, copyTold},
@@ -382,7 +384,7 @@ TEST_F(OrvaStringsSystemCalls, MakeACopyToShow) {
     ExpectSteps({"show", "file"}, steps, m_stored, m_stored, "");
 }
 
-// Each of the library's own calls for a load that fails ends the command or changes nothing.
+// If one of the library's own calls for a load fails, that ends the command or changes nothing.
 TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
     m_folder.Write("long", m_stored + "MORE=\"" + std::string(100000, 'x') + "\"\nLAST=\"text\"\n");
     Run({"show", "long"});
@@ -390,7 +392,7 @@ TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
     ASSERT_NE(whole.find("LAST=\"text\"\n"), std::string::npos);
     std::set<std::string> told;
     bool wasMade = true;
-    bool hasRead = false;  // in calls that can be seen
+    bool hasRead = false;  // in calls that are recorded
     for (std::size_t n = 0; wasMade; ++n) {
         std::size_t count = 0;
         std::ostringstream out;
@@ -409,7 +411,7 @@ TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
     EXPECT_EQ(told.count(" the section could not be loaded whole\n"), hasRead ? 1U : 0U);
 }
 
-// The new file is in the folder of the one that it replaces, not of a link to that.
+// The new file is in the folder of the file that it replaces, not in that of a link to it.
 TEST_F(OrvaStringsSystemCalls, MakeTheNewFileBesideTheOldOne) {
     ASSERT_EQ(mkdir("folder", 0700), 0);
     MakeFiles("");
@@ -464,7 +466,7 @@ TEST_F(OrvaStringsSystemCalls, NameTheNewFileByThreeRandomBytes) {
     }
 }
 
-// What somebody has put there under the name stays as it is, and a link is not followed.
+// What is there under the name already stays as it is, and a link is not followed.
 TEST_F(OrvaStringsSystemCalls, TakeAnotherNameWhereOneIsTaken) {
     MakeFiles(m_stored);
     m_folder.Write("file.010203", kOther);
@@ -491,7 +493,7 @@ TEST_F(OrvaStringsSystemCalls, TakeAnotherNameWhereOneIsTaken) {
     EXPECT_EQ(Names(), names);
 }
 
-// A key is what the random source gave, all of it and nothing else.
+// A key is what the random source gave: all of it and nothing else.
 TEST_F(OrvaStringsSystemCalls, MakeAKeyOf32RandomBytes) {
     std::vector<std::uint8_t> random(32, 0x5A);
     random.front() = 0x00;
@@ -513,7 +515,7 @@ TEST_F(OrvaStringsSystemCalls, MakeAKeyOf32RandomBytes) {
     EXPECT_EQ(m_out, "");
 }
 
-// Neither a file nor a link that leads somewhere else is written to.
+// Writes to no existing file, nor through a link that leads elsewhere.
 TEST_F(OrvaStringsSystemCalls, MakeAKeyFileOnlyUnderANewName) {
     m_folder.Write("taken", kOther);
     ASSERT_EQ(symlink("nowhere", "link"), 0);
@@ -526,7 +528,7 @@ TEST_F(OrvaStringsSystemCalls, MakeAKeyFileOnlyUnderANewName) {
     EXPECT_EQ(BytesOf("taken"), kOther);
 }
 
-// With a mask that takes nothing away, from the moment they are there.
+// From the moment they exist, even with a umask of 0.
 TEST_F(OrvaStringsSystemCalls, GiveNobodyElseARightToWhatIsUnfinished) {
     umask(0);
     MakeFiles(m_stored);
@@ -535,9 +537,9 @@ TEST_F(OrvaStringsSystemCalls, GiveNobodyElseARightToWhatIsUnfinished) {
     const struct {
         Texts arguments;
         std::string made;
-        std::string last;   // the call until which nobody else has a right
+        std::string last;   // the last call at which nobody else has rights
         mode_t mode;        // after it
-        std::size_t calls;  // while it is there under its name
+        std::size_t calls;  // while the file exists under its name
     } cases[] = {
         {{"reveal", "--in-place", "file"}, "file.A1A2A3", "fchmod file.A1A2A3 640", 0640, 16},
         {{"reveal", "-o", "out", "stored"}, "out.A1A2A3", "fchmod out.A1A2A3 664", 0664, 9},
@@ -579,7 +581,7 @@ TEST_F(OrvaStringsSystemCalls, LetNobodyElseIntoTheTemporaryFolder) {
     EXPECT_EQ(seen, 25U);
 }
 
-// Whichever of these differs when the file is looked at again, opened or under its name.
+// If any of these differs when the file is checked again, by descriptor or by name.
 TEST_F(OrvaStringsSystemCalls, ReplaceNothingButTheFileThatWasRead) {
     const std::pair<const char*, void (*)(struct stat&)> changes[] = {
         {"device", [](struct stat& status) { ++status.st_dev; }},
@@ -613,10 +615,10 @@ TEST_F(OrvaStringsSystemCalls, ReplaceNothingButTheFileThatWasRead) {
     }
 }
 
-// Without the owner the bits that act in its name go; without the group or the list the group and
-// others get no more than both had.
+// Without the owner, setuid and setgid go. Without the group or the list, group and others get no
+// more than both had.
 TEST_F(OrvaStringsSystemCalls, NarrowTheModeWhereRightsCannotBeCopied) {
-    // How the calls begin, and their errors.
+    // How the refused calls begin, and their errors.
     using Refused = std::vector<std::pair<std::string, int>>;
     const Refused nothing;
     const Refused owner = {{"fchown file.A1A2A3 owner", EPERM}};
@@ -661,10 +663,10 @@ TEST_F(OrvaStringsSystemCalls, NarrowTheModeWhereRightsCannotBeCopied) {
     }
 }
 
-// If the list can't be set, the mode's bits of the group would be the group's own.
+// If the list can't be set, the group's bits in the mode would apply to the group itself.
 TEST_F(OrvaStringsSystemCalls, SetTheAccessListBeforeTheModeOrNarrowThat) {
     constexpr char kList[] = "system.posix_acl_access";
-    // The owner, one user more and the mask of rights have rw; the group and others have nothing.
+    // The owner, one more user and the mask have rw; the group and others have nothing.
     const std::string list =
         "\2\0\0\0"
         "\1\0\6\0\xFF\xFF\xFF\xFF"
@@ -691,7 +693,8 @@ TEST_F(OrvaStringsSystemCalls, SetTheAccessListBeforeTheModeOrNarrowThat) {
     }
 }
 
-// The group even without the owner. Only root can give files away, so others see their own here.
+// The group is kept even without the owner. Only root can give files away; other users test with
+// their own files.
 TEST_F(OrvaStringsSystemCalls, KeepOwnerAndGroup) {
     const uid_t owner = geteuid() == 0 ? 12345 : geteuid();
     gid_t group = geteuid() == 0 ? 12346 : getegid();

@@ -1,4 +1,4 @@
-// The tool's commands, run in this process; what they print is compared whole.
+// The tool's commands, run in this process. Their output is compared whole.
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -60,7 +60,7 @@ std::string ProtectedFile(const Bytes& key) {
            Stored("again", key) + '"';
 }
 
-// What protect says about it.
+// What protect warns about in it.
 std::string NearEntriesOf(const std::string& file) {
     const std::string what =
         ": this looks like a protected entry but is not one; its text stays readable\n";
@@ -72,7 +72,7 @@ protected:
     int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
         std::ostringstream out;
         std::ostringstream err;
-        gMapDecodedStrings.Clear();  // as each run is a process of its own in use
+        gMapDecodedStrings.Clear();  // since each real run is a process of its own
         const int status = RunTool(
             arguments, [&] { return input; }, out, err);
         m_out = out.str();
@@ -87,7 +87,7 @@ protected:
         return Path(name);
     }
 
-    // Makes a key file and gives its bytes.
+    // Makes a key file and returns the key.
     Bytes WriteKey(const std::string& name, unsigned first) const {
         Bytes key = CountingBytes(32, first);
         m_folder.Write(name, ToHex(key) + "\n");
@@ -155,7 +155,7 @@ TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
         {"\xEF\xBB\xBFQVLANG=en\nIDE_X=\"x\"\nQVLANG=fr\n",
          "-:1: error: QVLANG" + mark + "-:2: error: IDE_X" + before},
         {"\xEF\xBB\xBFIDE_X=\"x\"\nQVLANG=en\n", "-:1: error: IDE_X" + mark},
-        // As of two files made one, of which the second has a mark.
+        // Like two files joined, the second with a byte order mark.
         {"QVLANG=en\nMENU=\"x\"\n\xEF\xBB\xBFQVLANG=de\nMENU=\"y\"\n", "-:3: error: QVLANG" + mark},
         {"QVLANG=en\nMENU=\"x\"\n\xEF\xBB\xBFIDE_X=\"x\"\n", "-:3: error: IDE_X" + mark},
         {"QVLANG=en\n\xEF\xBB\xBF\xEF\xBB\xBFIDE_X=\"x\"\n", "-:2: error: IDE_X" + mark},
@@ -281,7 +281,7 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
     const std::string stored = Stored("x", DevelopmentKey());
     const struct {
         std::string line;
-        std::string key;  // that the warning names; empty: no warning
+        std::string key;  // the one that the warning names; empty: no warning
     } cases[] = {
         {" IDE_X=\"x\"", "IDE_X"},
         {"\tIDE_X=x", "IDE_X"},
@@ -315,7 +315,7 @@ TEST_F(OrvaStrings, WarnsOfReadableLinesNearAProtectedEntry) {
         {"//ide_x:\t\"x\" = y", "ide_x"},
         {"//IDE_X=\"" + stored.substr(1) + "\"", "IDE_X"},
         {"//IDE_X=\"a text as long as a stored value, though nobody takes it for one.\"", "IDE_X"},
-        // What is stored, empty or no entry.
+        // Stored values, empty ones, and lines that are no entries.
         {"//IDE_X=\"" + stored + "\" ; menu", ""},
         {"//IDE_X=" + stored, ""},
         {"//IDE_X=\"" + std::string(64, '0') + "\"", ""},
@@ -365,7 +365,7 @@ TEST_F(OrvaStrings, WarnsWhateverMarkAReadableLineBeginsWith) {
     for (int byte = 0; byte < 256; ++byte) {
         const char c = static_cast<char>(byte);
         if (c == '\n' || c == '\r' || c == '_' || (byte < 128 && std::isalnum(byte) != 0)) {
-            continue;  // ends a line, or belongs to a word
+            continue;  // ends a line or is part of a word
         }
         bytes += std::string{c} + " IDE_X=\"x\"\n";
         warnings += "-:" + std::to_string(++line) +
@@ -660,7 +660,7 @@ TEST_F(OrvaStrings, ListsSections) {
     EXPECT_EQ(m_err, "");
 }
 
-// Lines as a file of these line ends.
+// A file of these lines with this line ending.
 std::string Joined(const std::vector<std::string>& lines, const std::string& end) {
     std::string bytes;
     for (const std::string& line : lines) {
@@ -669,7 +669,7 @@ std::string Joined(const std::vector<std::string>& lines, const std::string& end
     return bytes;
 }
 
-// Notes and blank lines in every place, and values for the protected entries.
+// Notes and blank lines everywhere, and values for the protected entries.
 std::vector<std::string> Annotated(const std::string& one, const std::string& two,
                                    const std::string& three) {
     return {"// A note before everything",
@@ -821,7 +821,7 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
     EXPECT_EQ(Run({"reveal", "-"}, "IDE_A=1\n"), 1);
     EXPECT_EQ(m_err, "-: error: there is no section in it\n-:1: error: IDE_A"s + kBeforeFirst);
 
-    // Of one line in the order in which they stand there, however many.
+    // Within a line, in the order of their places, however many.
     std::string bytes = "QVLANG=en\n//";
     std::string errors;
     for (int i = 0; i < 100; ++i) {
@@ -832,7 +832,7 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
     EXPECT_EQ(Run({"reveal", "-"}, bytes), 1);
     EXPECT_EQ(m_err, errors);
 
-    // Of a repeated key the first line counts.
+    // A repeated key is reported at its first line.
     const std::string shown = "QVLANG=en\nIDE_B=text\nIDE_A=text\nIDE_B=other\n";
     const std::string plain = ": the value is not protected, so it has no answer\n";
     EXPECT_EQ(Run({"show", "-"}, shown), 1);
@@ -988,7 +988,7 @@ TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
         EXPECT_EQ(m_out, "") << ::testing::PrintToString(c.arguments);
         EXPECT_EQ(m_err, "orva-strings: error: " + c.message + " (see --help)\n");
     }
-    // Nor is an option taken for a command, or a command's own argument.
+    // Nor is an option, or a command's own argument, mistaken for a command.
     for (const auto& arguments : std::vector<std::vector<std::string>>{
              {}, {"--nonsense"}, {"key"}, {"key", "--nonsense"}, {"protect", "a", "b"}}) {
         EXPECT_EQ(Run(arguments), 2);
@@ -1065,8 +1065,8 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
     EXPECT_EQ(EntriesInFolder(), 2) << "nothing else is left in the folder";
 }
 
-// An access list as Linux stores it: what the owner may do, one user more, the group, at most all of
-// these, others.
+// An access list as Linux stores it: the rights of the owner, one more user, the group, the mask
+// and others.
 std::string AccessList(std::uint16_t user, std::uint16_t group, std::uint16_t mask) {
     struct Entry {
         std::uint16_t tag;
@@ -1091,7 +1091,7 @@ TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
         return setxattr(file.c_str(), name, list.data(), list.size(), 0) == 0;
     };
     const std::string listed = Write("listed", kReadable);
-    const std::string list = AccessList(6, 0, 6);  // the group itself may do nothing
+    const std::string list = AccessList(6, 0, 6);  // the group itself has no rights
     if (!setList(listed, kList, list)) {
         GTEST_SKIP() << "the file system has no access lists";
     }
@@ -1099,7 +1099,7 @@ TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
     EXPECT_EQ(listOf(listed), list);
     EXPECT_EQ(ReadFile(listed), ProtectedFile(DevelopmentKey()));
 
-    // Nor does a new file keep what its folder gives to new ones.
+    // Nor does a new file keep the folder's default list.
     const std::string plain = Write("plain", kReadable);
     ASSERT_EQ(chmod(plain.c_str(), 0640), 0);
     ASSERT_TRUE(setList(m_folder.Path(), "system.posix_acl_default", AccessList(7, 5, 7)));
@@ -1111,7 +1111,7 @@ TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
     ASSERT_EQ(stat(plain.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
 
-    // But one that is made where there was none does.
+    // But an output file that did not exist before does.
     EXPECT_EQ(Run({"protect", "-o", Path("out"), plain}), 0);
     EXPECT_EQ(listOf(Path("out")), listOf(plainNew));
 }
@@ -1134,7 +1134,7 @@ TEST_F(OrvaStrings, ReplacesNothingThatChangedMeanwhile) {
     struct Case {
         const char* what;
         std::function<void()> change;
-        std::string bytes;  // what the file holds then
+        std::string bytes;  // what the file holds after the change
     };
     std::vector<Case> cases = {
         {"bytes", [&] { Write("x", "later"); }, "later"},
@@ -1157,7 +1157,7 @@ TEST_F(OrvaStrings, ReplacesNothingThatChangedMeanwhile) {
          },
          "none"},
     };
-    if (geteuid() == 0) {  // others may not give files away
+    if (geteuid() == 0) {  // only root can give files away
         cases.push_back({"owner", [&] { EXPECT_EQ(chown(file.c_str(), 12345, -1U), 0); }, "early"});
         cases.push_back({"group", [&] { EXPECT_EQ(chown(file.c_str(), -1U, 12345), 0); }, "early"});
     }
@@ -1198,7 +1198,7 @@ TEST_F(OrvaStrings, SaysThatAnotherProgramChangedTheFile) {
     }
 }
 
-// Where the result is as long as what it replaces, only its bytes tell them apart.
+// If the result is as long as what it replaces, only the bytes differ.
 TEST_F(OrvaStrings, WritesAResultOfTheSameLength) {
     const Bytes first = WriteKey("first", 1);
     const Bytes second = WriteKey("second", 2);
@@ -1232,7 +1232,7 @@ TEST_F(OrvaStrings, ReplacesNothingThatChangedToBytesOfTheSameLength) {
             const auto time = std::filesystem::last_write_time(file);
             std::ostringstream out;
             std::ostringstream err;
-            // The key is read after the file, so that is when the other program comes.
+            // The key is read after the file, so this is when the other program acts.
             const auto readKey = [&] {
                 std::fstream(file, std::ios::in | std::ios::out | std::ios::binary) << changed;
                 std::filesystem::last_write_time(file, time);
@@ -1264,7 +1264,7 @@ TEST_F(OrvaStrings, TakesNothingOutOfAPipeThatCameMeanwhile) {
     close(pipe);
 }
 
-// The mode of a file, with its special bits.
+// The mode of a file, including its special bits.
 mode_t ModeOf(const std::string& file) {
     struct stat status = {};
     EXPECT_EQ(stat(file.c_str(), &status), 0) << file;
@@ -1399,7 +1399,7 @@ TEST_F(OrvaStrings, WritesWhereALinkToNothingLeads) {
                          Path("loop") + ": Too many levels of symbolic links\n");
 }
 
-// Make looks at a file's time, and would run the command over and over.
+// Otherwise Make, which looks at a file's time, would run the command over and over.
 TEST_F(OrvaStrings, WritesAnOutputFileAnewWhereNothingChanges) {
     const std::string file = Write("out", ProtectedFile(DevelopmentKey()));
     const auto longAgo = std::filesystem::last_write_time(file) - std::chrono::hours(1);
@@ -1499,9 +1499,9 @@ TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
         std::string name;
         std::string printed;
     } cases[] = {
-        {"\xC2\x80\xC2\x9F", "\\xC2\\x80\\xC2\\x9F"},  // the first and the last in UTF-8
+        {"\xC2\x80\xC2\x9F", "\\xC2\\x80\\xC2\\x9F"},  // the first and last in UTF-8
         {"\xC1\x80\xC2\xA0\xC3\x80", "\xC1\x80\xC2\xA0\xC3\x80"},
-        {"\x80\xC2", "\x80\xC2"},  // no UTF-8
+        {"\x80\xC2", "\x80\xC2"},  // not UTF-8
         {"\x1F \x7F~", "\\x1F \\x7F~"},
     };
     for (const auto& c : cases) {
@@ -1513,7 +1513,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersToTheTerminal) {
     EXPECT_EQ(m_err.find('\x1B'), std::string::npos);
 }
 
-// One of each kind of control characters, and how a message shows them.
+// One control character of each kind, and how a message shows them.
 const char kControls[] = "\x1B[2J\x07\r\n\x7F\xC2\x9B";
 const char kControlsShown[] = "\\x1B[2J\\x07\\x0D\\n\\x7F\\xC2\\x9B";
 
@@ -1536,7 +1536,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
         int status;
         std::string err;
     } cases[] = {
-        // The names of files.
+        // File names.
         {{"sections", missing}, 2, error + noFile},
         {{"protect", "--key-file", key, missing}, 2, error + noFile},
         {{"show", missing}, 2, error + noFile},
@@ -1599,7 +1599,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
     }
 }
 
-// The parser's own words; it marks some arguments with line feeds, so none of these is shown.
+// The parser's own messages. It marks some arguments with line feeds, so none are shown.
 TEST_F(OrvaStrings, SendsNoControlCharactersThatTheParserRepeats) {
     const std::string c = "\x1B[2J\x07\r\x7F\xC2\x9B";
     const std::string shown = "\\x1B[2J\\x07\\x0D\\x7F\\xC2\\x9B";
@@ -1705,7 +1705,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfTheSystem) {
     EXPECT_EQ(err.str(), "orva-strings: error: "s + kControlsShown + ": Input/output error\n");
 }
 
-// What Printable wrote, read back as the manual page describes it.
+// Reads back what Printable wrote, as the manual page describes it.
 std::string Unprinted(const std::string& printed) {
     std::string text;
     for (std::size_t i = 0; i < printed.size(); ++i) {
@@ -1816,7 +1816,7 @@ TEST_F(OrvaStrings, TakesTheTemporaryFolderThatIsNamed) {
 }
 
 TEST_F(OrvaStrings, CopiesToAPrivateFileWithoutAName) {
-    const mode_t before = umask(0477);  // which would not even let the owner read it
+    const mode_t before = umask(0477);  // this one would keep even the owner from reading the file
     const NamelessFile file(Path("x"), kReadable);
     umask(before);
     EXPECT_EQ(EntriesInFolder(), 0);
@@ -1837,7 +1837,7 @@ TEST_F(OrvaStrings, SaysWhyItCannotMakeACopy) {
     EXPECT_NE(m_err.find("the library could not load the copy made there"), std::string::npos)
         << m_err;
     EXPECT_TRUE(std::filesystem::is_empty(deep));
-    setenv("TMPDIR", "/proc", 1);  // where nobody can make anything
+    setenv("TMPDIR", "/proc", 1);  // where nobody can create anything
     EXPECT_EQ(Run({"show", "-"}, kReadable), 2);
     EXPECT_EQ(m_err.find("orva-strings: error: /proc/orva-"), 0U) << m_err;
     EXPECT_NE(m_err.find(": No such file or directory\n"), std::string::npos) << m_err;

@@ -67,15 +67,15 @@ TEST(StringsDocument, KnowsThePartsOfAnEntry) {
         {"ABCD=\"a\0b\"c"s, "ABCD", "a\0b"s, "", "c"},
         {"ABCD==\"x\"", "ABCD", "x", "=", ""},
         {"ABCD=a=b \"x=y\"=", "ABCD", "x=y", "a=b ", "="},
-        // One quote is the first, and has nothing after it that is not the value.
+        // If there is only one quote, the value is everything after it.
         {"ABCD=\"x", "ABCD", "x", "", ""},
         {"ABCD=a\"x ; note", "ABCD", "x ; note", "a", ""},
         {"ABCD=a\"", "ABCD", "", "a", ""},
-        // Without any all is value.
+        // If there is none, everything is the value.
         {"ABCD=x ; note", "ABCD", "x ; note", "", ""},
         {"ABCD=a\\nb", "ABCD", "a\\nb", "", ""},
         {"ABCD=", "ABCD", "", "", ""},
-        // Those of the key do not count.
+        // Quotes in the key do not count.
         {"AB\"CD=x", "AB\"CD", "x", "", ""},
         {"AB\"CD=x\"y", "AB\"CD", "y", "x", ""},
         {"\"ABCD\" = \"x\";", "\"ABCD\" ", "x", " ", ";"},
@@ -185,13 +185,13 @@ TEST(StringsDocument, WritesAValueWhereTheOldOneStood) {
         {"ABCD=\"\"", "new", "ABCD=\"new\""},
         {"ABCD=\"old\"", "a=b\\t\r", "ABCD=\"a=b\\t\r\""},
         {"ABCD=\"old\"", "back\\", "ABCD=\"back\\\""},
-        // One quote only.
+        // Only one quote.
         {"ABCD=\"old", "new", "ABCD=\"new"},
         {"ABCD=\"old\n", "a\nb", "ABCD=\"a\\nb\n"},
         {"ABCD=\"", "new", "ABCD=\"new"},
         {"ABCD=\"old", "say \"hi\"", "ABCD=\"say \"hi\"\""},
         {"ABCD=\"old\n", "ends with a return\r", "ABCD=\"ends with a return\r\"\n"},
-        // None.
+        // No quotes.
         {"ABCD=old", "new", "ABCD=new"},
         {"ABCD=old\r\n", "new", "ABCD=new\r\n"},
         {"ABCD=", "new", "ABCD=new"},

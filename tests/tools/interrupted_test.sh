@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Stops `orva-strings protect --in-place` and `-o` at each call by which they write the file, one after
-# the other: killed, and by signals. The file then holds its old bytes until the rename, and after it
-# its new ones. Then the same of show's copy and of a new key; and another program changes the file.
+# Stops `orva-strings protect --in-place` and `-o` at each call by which they write the file:
+# killed, and by signals. The file keeps its old bytes until the rename and has its new ones after
+# it. Then does the same with show's copy and a new key, and lets another program change the file.
 #
 # Usage: interrupted_test.sh TOOL, the tool linked with KillAtCall.cpp
 set -euo pipefail
@@ -18,15 +18,15 @@ trap 'rm -rf "$work"' EXIT
 "$tool" protect "$work/old" >"$work/new"
 cmp -s "$work/old" "$work/new" && { echo "nothing to protect"; exit 1; }
 
-# Makes the folder anew, with only the file that is there before, if any.
+# Recreates the folder, holding only the file from before, if any.
 make_folder() {
     rm -rf "$work/folder"
     mkdir "$work/folder"
     [ -z "$before" ] || { cp "$before" "$work/folder/file" && chmod "$mode" "$work/folder/file"; }
 }
 
-# Runs the command as it is. Sets calls, the number of its calls, in which half a write counts as one
-# more; fails unless they have these names.
+# Runs the command undisturbed. Sets calls to the number of its calls, counting half a write as one
+# more. Fails unless they have these names.
 expect_calls() { # NAMES
     make_folder
     rm -f "$work/calls"
@@ -36,12 +36,12 @@ expect_calls() { # NAMES
     [ "$names" = "$1" ] || { echo "${command[*]} made its calls in this order: $names"; exit 1; }
     calls=$(tail -1 "$work/calls" | cut -d ' ' -f 1)
 }
-number_of() { # NAME: of the first call of the name
+number_of() { # NAME: the first call of that name
     grep -m 1 " $1\$" "$work/calls" | cut -d ' ' -f 1
 }
 
-# Runs the command once, stopped at the N-th call; fails unless it ends so and leaves these bytes, or,
-# if their file's name is empty, none.
+# Runs the command once, stopped at the N-th call. Fails unless it ends with this status and leaves
+# these bytes, or, if the name of their file is empty, no file.
 stop_at() { # VARIABLE N STATUS BYTES
     make_folder
     local status=0
@@ -57,7 +57,7 @@ stop_at() { # VARIABLE N STATUS BYTES
         { echo "$1=$2 left a file"; exit 1; }
 }
 
-# Everything is on the disk before the name leads to it, and the name before the tool is done.
+# Everything is on disk before the name leads to it, and the name before the tool ends.
 stop_at_each_call() { # BEFORE MODE NAMES COMMAND...: the file before, if any, its mode, the calls
     before=$1 mode=$2 command=("${@:4}")
     expect_calls "$3"
@@ -72,7 +72,7 @@ stop_at_each_call() { # BEFORE MODE NAMES COMMAND...: the file before, if any, i
     stop_at KILL_AT $((calls + 1)) 0 "$work/new"
     for SIGNAL in 2 3 14; do  # SIGINT, SIGQUIT, SIGALRM
         export SIGNAL
-        for n in $(seq "$calls"); do  # signals wait from when the name is resolved
+        for n in $(seq "$calls"); do  # signals wait from the moment the name is resolved
             file=$work/new
             [ "$n" -gt "$resolved" ] || file=$before
             stop_at INTERRUPT_AT "$n" $((128 + SIGNAL)) "$file"
@@ -89,7 +89,7 @@ stop_at_each_call "" 644 "$into_new" protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/other" 640 "$into_old" protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/old" 640 "$in_place" protect --in-place "$work/folder/file"
 
-# What another program makes of the file until the last look at it stays, and nothing beside it.
+# What another program does to the file before the last check stays, and nothing is left beside it.
 cat >"$work/look" <<'END'
 cd "$1"
 find . -mindepth 1 ! -name 'file.??????' -printf '%P %y %s %m %U %G %i %l\n' | sort
@@ -125,7 +125,7 @@ is_replaced_at() { # N ACT
         exit 1
     fi
 }
-# Sets numbers, those of the calls before the rename.
+# Sets numbers to those of the calls before the rename.
 number_calls() { # NAMES
     expect_calls "$1"
     mapfile -t numbers < <(sed '/ rename$/,$d' "$work/calls" | cut -d ' ' -f 1)
@@ -146,7 +146,7 @@ for n in "${numbers[@]}"; do
         stays_at "$n" "$act"
     done
 done
-for n in "${numbers[@]:2}"; do  # from when the name is resolved: before, it is a link like any other
+for n in "${numbers[@]:2}"; do  # once the name is resolved; before, it is a link like any other
     stays_at "$n" 'mv file moved && ln -s moved file'
 done
 for n in "${numbers[@]::${#numbers[@]}-1}"; do  # until the old file is read and closed
@@ -155,7 +155,7 @@ for n in "${numbers[@]::${#numbers[@]}-1}"; do  # until the old file is read and
     done
 done
 
-# With -o what the file holds does not matter, nor what is made where there was none.
+# With -o the old content does not matter, nor does a file made where there was none.
 before=$work/other mode=640 command=(protect -o "$work/folder/file" "$work/old")
 number_calls "$into_old"
 for n in "${numbers[@]: -3}"; do
@@ -182,7 +182,7 @@ make_folder
 SHORT_TRANSFERS=1 "$tool" protect --in-place "$work/folder/file" 2>/dev/null
 cmp "$work/folder/file" "$work/new"
 
-# A limit of a file's size is an error like any other.
+# Exceeding the file size limit is an error like any other.
 cp "$work/old" "$work/folder/file"
 status=0
 (ulimit -f 10; exec "$tool" protect --in-place "$work/folder/file") 2>"$work/err" || status=$?
@@ -196,8 +196,9 @@ if (ulimit -f 0; exec "$tool" key new "$work/key") 2>/dev/null || [ -e "$work/ke
     exit 1
 fi
 
-# show leaves nothing of the file behind, at whichever call it is killed, and nothing of its own that
-# others could get at; and nothing at all when nobody reads on, a signal comes or few files may be open.
+# Wherever it is killed, show leaves none of the file behind, and nothing of its own that others
+# could access. It leaves nothing at all if the reader stops, a signal comes or few files may be
+# open.
 export TMPDIR=$work/tmp
 mkdir "$TMPDIR"
 show() { "$tool" show --reveal "$work/new"; }
@@ -227,19 +228,20 @@ done
 KILL_AT=$((calls + 1)) show >/dev/null
 is_clean "after the last call"
 show_calls=$calls
-# Where what is opened shares its position with the file that is open already, it can be read once.
+# If opening shares the position of the file that is already open, it can be read only once.
 printf 'QVLANG=en\nMENU="one"\nQVLANG=fr\nMENU="deux"\n' >"$work/two"
 for answer in en:one FR:deux xx:one; do
     shown=$(SHARED_POSITION=1 "$tool" show --fallback --language "${answer%:*}" "$work/two" MENU 2>/dev/null) || true
     [ "$shown" = "MENU=\"${answer#*:}\"" ] || { echo "shared, ${answer%:*} shows $shown"; exit 1; }
 done
-if ! grep -qa __ubsan_handle "$tool"; then  # which opens files, too, and gives up without them
-    exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # what the test's own parent left open
+if ! grep -qa __ubsan_handle "$tool"; then  # it opens files, too, and gives up if it can't
+    exec 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&-  # files that the test's parent left open
     for files in $(seq 3 12); do
         shown=no
         if (ulimit -n "$files"; show) >/dev/null 2>&1; then shown=yes; fi
         is_clean "$files open files"
-        # Beside the standard ones it needs the copy and the file by which the library reads it.
+        # Besides the standard ones it needs the copy and the file through which the library reads
+        # it.
         [ "$shown" = "$([ "$files" -lt 5 ] && echo no || echo yes)" ] ||
             { echo "with $files open files, shown: $shown"; exit 1; }
     done
@@ -251,7 +253,7 @@ if told=$(ulimit -f 10; show 2>&1) || [[ $told != *"/strings: File too large"* ]
 fi
 is_clean "no room"
 
-# A key file that was begun is finished before a signal ends the command.
+# A key file, once begun, is finished before a signal ends the command.
 command=(key new "$work/folder/file")
 expect_calls "fchmod write fsync close fsync close"
 for n in $(seq "$calls"); do

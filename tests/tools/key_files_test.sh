@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Gives the same key files to the build and to orva-strings, which must agree on whether each is one,
-# and on its fingerprint. Then asks the built library for its own.
+# Gives the same key files to the build and to orva-strings. They must agree on whether each is
+# valid, and on its fingerprint. Then asks the built library for its own.
 #
 # Usage: key_files_test.sh SOURCE ORVA_STRINGS LIBRARY
 set -euo pipefail
@@ -15,7 +15,7 @@ fail() {
     exit 1
 }
 
-# What the build and the command say of the file: a fingerprint, or "refused".
+# The verdict of the build and of the command on the file: a fingerprint, or "refused".
 by_build() {
     if cmake -S "$source/tests/tools/keys" -B "$work/tree" -DSOURCE="$source" -DORVA_KEY_FILE="$file" >"$work/log" 2>&1; then
         sed -n 's/^-- Protected texts: key with fingerprint //p' "$work/log"
@@ -107,7 +107,7 @@ ln -s "$work/target" "$file"
 expect $good "a link to a key file"
 echo "$count key files: the build and orva-strings agree"
 
-# Another key in the same file is the next build's.
+# If the key in the file changes, the next build uses the new one.
 echo "$lower" >"$file"
 by_build >/dev/null
 echo "0${lower:1:62}0" >"$file"

@@ -25,7 +25,7 @@ int main() {
         table.LowerBound("R") != table.end() || table.Find("MISSING")) {
         return 1;
     }
-    KorStringMap::Iterator at;  // of no map
+    KorStringMap::Iterator at;  // belongs to no map
     at = table.LowerBound("H");
     if (at->key != "QVLANG") {
         return 1;

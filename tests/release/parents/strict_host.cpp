@@ -1,4 +1,4 @@
-// A host that its project compiles as GNU C++14, without exceptions or type information.
+// A host that its project compiles as GNU C++14, without exceptions or RTTI.
 #include <cstdio>
 
 #include <OrvaLanguage/OrvaLanguage.h>

@@ -1,5 +1,5 @@
-// The few names of macOS's digests that are used here, to compile the macOS source elsewhere.
-// Sha256CommonCryptoTest.cpp says what the call does.
+// The few names of macOS's digests that are used here, so that the macOS source compiles elsewhere.
+// Sha256CommonCryptoTest.cpp defines what the call does.
 #ifndef ORVALANGUAGE_TESTS_STANDIN_COMMONCRYPTO_COMMONDIGEST_H
 #define ORVALANGUAGE_TESTS_STANDIN_COMMONCRYPTO_COMMONDIGEST_H
 

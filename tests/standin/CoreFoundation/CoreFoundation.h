@@ -1,5 +1,5 @@
-// The few names of CoreFoundation that are used here, to compile the macOS sources where there is
-// no CoreFoundation. CoreFoundationStandIn.h says what the calls do.
+// The few names of CoreFoundation that are used here, so that the macOS sources compile without
+// CoreFoundation. CoreFoundationStandIn.h describes what the calls do.
 #ifndef ORVALANGUAGE_TESTS_STANDIN_COREFOUNDATION_H
 #define ORVALANGUAGE_TESTS_STANDIN_COREFOUNDATION_H
 

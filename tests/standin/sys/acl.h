@@ -1,5 +1,5 @@
-// The few names of macOS's access lists that are used here, to compile the macOS source elsewhere.
-// AccessListMacOSTest.cpp says what the calls do.
+// The few names of macOS's access lists that are used here, so that the macOS source compiles
+// elsewhere. AccessListMacOSTest.cpp defines what the calls do.
 #ifndef ORVALANGUAGE_TESTS_STANDIN_SYS_ACL_H
 #define ORVALANGUAGE_TESTS_STANDIN_SYS_ACL_H
 
