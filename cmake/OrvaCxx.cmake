@@ -1,5 +1,5 @@
-# Language settings for this project's own targets, whatever an enclosing project has set. They apply
-# only in this folder and below.
+# Language settings for this project's own targets, whatever an enclosing project has set. They
+# apply only in this folder and below.
 
 # C++17, or a newer standard if one was requested.
 if(NOT CMAKE_CXX_STANDARD MATCHES "^2[0-9]$")

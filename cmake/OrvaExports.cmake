@@ -1,7 +1,7 @@
 # orva_write_export_lists(LIST VERSION_SCRIPT EXPORTED_SYMBOLS)
 #
-# Writes two linker inputs from the readable list of exports: an ELF version script and a Mach-O list
-# of exported symbols. Every system writes both, so the tests of one system cover both.
+# Writes two linker inputs from the readable list of exports: an ELF version script and a Mach-O
+# list of exported symbols. Every system writes both, so the tests of one system cover both.
 #
 # The parameters in a C++ symbol depend on the standard library, so they become "*". Only what the
 # headers mark can be exported at all, and the test compares whole signatures.

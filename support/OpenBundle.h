@@ -5,7 +5,7 @@
 
 struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
 
-// Opens the bundle at a folder, as the platform does. The caller closes it. Null if there is none.
+// Opens the bundle at a folder, as the platform does. The caller closes it. Null if it has none.
 __CFBundle* OpenBundle(const std::filesystem::path& folder);
 
 // Closes a bundle; null is allowed.

@@ -22,7 +22,7 @@ public:
     // Creates or replaces a file in the resources folder.
     void Write(const std::string& name, std::string_view bytes) const;
 
-    // Creates a symbolic link in the resources folder. Throws std::system_error if the system refuses.
+    // Creates a symbolic link there. Throws std::system_error if the system refuses.
     void Link(const std::string& name, const std::string& target) const;
 
 private:

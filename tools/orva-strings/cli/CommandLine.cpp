@@ -115,8 +115,8 @@ void Parser::Add(Command& command) {
     });
 }
 
-// Names an unknown command, and the one that was probably meant: at most two changes away, and fewer
-// than the word has letters.
+// Names an unknown command, and the one that was probably meant: at most two changes away, and
+// fewer than the word has letters.
 std::string Parser::UnknownCommand(const Group& group) {
     const std::vector<std::string> unknown = group.app->remaining();
     if (unknown.empty() || unknown.front().compare(0, 1, "-") == 0) {  // an option

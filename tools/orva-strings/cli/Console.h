@@ -14,7 +14,7 @@ enum ExitStatus { kDone = 0, kFindings = 1, kUsageOrSystem = 2 };
 // A command's input and output.
 class Console {
 public:
-    // readInput returns the bytes of standard input and may throw. All three must outlive the object.
+    // readInput returns standard input's bytes and may throw. All three must outlive the object.
     Console(const std::function<std::string()>& readInput, std::ostream& out, std::ostream& err)
         : m_readInput(readInput), m_out(out), m_err(err) {}
 

@@ -20,9 +20,9 @@ using Findings = std::vector<Finding>;
 
 bool HasError(const Findings& findings);
 
-// Writes the line "SUBJECT:LINE: SEVERITY: TEXT" to err, with subject and text escaped by Printable.
-// Each line is one write, so that commands sharing a pipe do not mix theirs. The subject is the name
-// of the file or of the command.
+// Writes the line "SUBJECT:LINE: SEVERITY: TEXT" to err, with subject and text escaped by
+// Printable. Each line is one write, so that commands sharing a pipe do not mix theirs. The subject
+// is the name of the file or of the command.
 void Print(const Finding& finding, std::string_view subject, std::ostream& err);
 
 #endif

@@ -33,8 +33,8 @@ std::map<std::string, std::size_t> LinesOf(const Section& section) {
     return lines;
 }
 
-// What a host gets for a key. Throws if that is not what is stored: a lookup that runs out of memory
-// does not say so, and answers null or an empty text.
+// What a host gets for a key. Throws if that is not what is stored: a lookup that runs out of
+// memory does not say so, and answers null or an empty text.
 const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
     const char* const text = ZuGetLocalizedString(key.c_str());
     const char* const stored = KorGetLocalizedString(key.c_str());
@@ -76,8 +76,8 @@ void LoadByCopy(const std::string& bytes, const std::string& language) {
     }
 }
 
-// Throws unless the library's table holds the whole section: a load that runs out of memory or fails
-// to read treats that as the end of the file.
+// Throws unless the library's table holds the whole section: a load that runs out of memory or
+// fails to read treats that as the end of the file.
 void CheckLoaded(const Section& section) {
     std::string key;
     std::string name;
@@ -115,8 +115,8 @@ public:
         const std::vector<Section> sections = document.Sections();
         Findings findings;
         if (const Section* const section = Select(sections, findings)) {
-            // The copy can be read only once, so the library must not need a second pass to find the
-            // first section.
+            // The copy can be read only once, so the library must not need a second pass to find
+            // the first section.
             const bool isFallback = !findings.empty();
             LoadByCopy(document.Bytes(), isFallback ? "" : m_language);
             CheckLoaded(*section);

@@ -6,8 +6,8 @@
 #include "tools/orva-strings/cli/Finding.h"
 #include "tools/orva-strings/document/StringsDocument.h"
 
-// Each changes the entries of all sections whose key begins with "IDE". If a finding is an error, the
-// document may be half changed and must not be used further.
+// Each changes the entries of all sections whose key begins with "IDE". If a finding is an error,
+// the document may be half changed and must not be used further.
 
 // Converts readable values to the stored form; stored ones stay. A value that looks stored but does
 // not decode is an error, or counts as readable if isForced.
@@ -16,8 +16,8 @@ Findings ProtectEntries(StringsDocument& document, const ProtectionKeys& keys, b
 // Converts stored values back to readable text; readable ones stay.
 Findings RevealEntries(StringsDocument& document, const ProtectionKeys& keys);
 
-// Converts values stored with the key `from` to the key `to`. Readable ones and those already stored
-// with `to` stay.
+// Converts values stored with the key `from` to the key `to`. Readable ones and those already
+// stored with `to` stay.
 Findings RekeyEntries(StringsDocument& document, const ProtectionKeys& from,
                       const ProtectionKeys& to);
 

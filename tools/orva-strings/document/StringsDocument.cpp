@@ -91,7 +91,7 @@ std::optional<StringsDocument::Entry> ReadNearProtected(std::size_t line, std::s
     while (!text.empty() && !CanBeginKey(text.front())) {
         text.remove_prefix(1);
     }
-    // A colon or blanks before a quote may replace the equals sign.
+    // A colon or blanks before a quote may be meant as the equals sign.
     const std::size_t quote = text.find('"');
     std::size_t separator = std::min(text.find('='), text.find_first_of(": \t"));
     const std::string_view key = text.substr(0, separator);
@@ -219,7 +219,7 @@ bool StringsDocument::SetValue(std::size_t line, const std::string& value) {
     const std::size_t first = text.find('"', equals);
     const std::size_t last = text.rfind('"');
 
-    // With the quotes that are there, then with the missing ones too.
+    // First with the existing quotes, then with the missing ones added.
     std::string candidates[2];
     if (first == std::string::npos) {
         candidates[0] = key + '=' + value;

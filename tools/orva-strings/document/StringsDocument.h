@@ -10,8 +10,8 @@
 // A text as written between quotes in a strings file: each line feed as a backslash and an n.
 std::string Escaped(const std::string& text);
 
-// A strings file whose entries can be changed one by one; all other bytes stay as they are. Lines are
-// read with the library's own functions.
+// A strings file whose entries can be changed one by one; all other bytes stay as they are. Lines
+// are read with the library's own functions.
 class StringsDocument {
 public:
     struct Entry {
@@ -49,17 +49,18 @@ public:
     std::vector<Section> Sections() const;
 
     // Headers and protected entries that the library does not read: those right after a byte-order
-    // mark or a carriage return, which ends no line, and protected entries before the first section.
+    // mark or a carriage return, which ends no line, and protected entries before the first
+    // section.
     std::vector<Misplaced> MisplacedLines() const;
 
-    // Lines other than Misplaced ones that were probably meant as protected entries but are not, with
-    // the keys that were meant. From its first letter, digit or underscore on, such a line has a
-    // one-word key that begins with "IDE", or with "ide" in any case and no letter after it. Then comes
-    // =, or a colon or blanks and a quote.
+    // Lines other than Misplaced ones that were probably meant as protected entries but are not,
+    // with the keys that were meant. From its first letter, digit or underscore on, such a line has
+    // a one-word key that begins with "IDE", or with "ide" in any case and no letter after it. Then
+    // comes =, or a colon or blanks and a quote.
     std::vector<Entry> NearProtected() const;
 
-    // Changes the value of the entry on a line. Its quotes stay, and so does the text before the first
-    // and after the last. Missing quotes are added if the value needs them.
+    // Changes the value of the entry on a line. Its quotes stay, and so does the text before the
+    // first and after the last. Missing quotes are added if the value needs them.
     //
     // Returns false, and changes nothing, if the value can't be written so that it reads back the
     // same. For instance, a backslash before an n has no escape.
@@ -71,8 +72,8 @@ private:
         std::string ending;  // what it drops: a carriage return, a line feed, both or neither
     };
 
-    // Calls visit(line, text, isWholeLine) for each line, and again for the text after each carriage
-    // return within it, up to the next.
+    // Calls visit(line, text, isWholeLine) for each line, and again for the text after each
+    // carriage return within it, up to the next.
     template <typename Visit>
     void ForEachPiece(const Visit& visit) const;
 

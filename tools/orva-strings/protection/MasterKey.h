@@ -13,9 +13,9 @@ public:
     // The material of this build of the library.
     static MasterKey BuiltIn();
 
-    // The material in a key file: 64 hexadecimal digits in either case, then at most one line ending,
-    // LF or CR LF. The build (cmake/OrvaKey.cmake) accepts the same files. Throws std::system_error
-    // if the file can't be read, std::runtime_error if it holds anything else.
+    // The material in a key file: 64 hexadecimal digits in either case, then at most one line
+    // ending, LF or CR LF. The build (cmake/OrvaKey.cmake) accepts the same files. Throws
+    // std::system_error if the file can't be read, std::runtime_error if it holds anything else.
     static MasterKey FromFile(const std::string& path);
 
     // The material in the text of a key file; name is for the message. Throws
@@ -34,14 +34,14 @@ public:
     // The length of a key file's text, in bytes.
     static constexpr std::size_t kFileText = 2 * kProtectedKey + 1;
 
-    // Writes the text of a key file, with its line feed: kFileText bytes, which the caller must clear.
+    // Writes a key file's text, with its line feed: kFileText bytes, which the caller must clear.
     void WriteFileText(char* text) const;
 
     // The length of a fingerprint, in digits.
     static constexpr std::size_t kFingerprint = 16;
 
-    // Identifies the key without revealing anything about it: the first kFingerprint digits, in upper
-    // case, of the SHA-256 of a label and the key's upper-case digits. The build computes the same.
+    // Identifies the key without revealing anything about it: the first kFingerprint upper-case
+    // digits of the SHA-256 of a label and the key's upper-case digits. The build does the same.
     std::string Fingerprint() const;
 
     // Whether a fingerprint is that of the development key, which is public.

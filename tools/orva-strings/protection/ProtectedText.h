@@ -9,7 +9,7 @@
 // Encodes a text in its stored form. Equal texts under one key give equal results.
 std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& text);
 
-// Decodes a stored value. Returns nothing if it is not one, is damaged or was made with another key.
+// Decodes a stored value. Returns nothing if it is invalid, damaged or made with another key.
 std::optional<std::string> DecodeProtectedText(const ProtectionKeys& keys,
                                                const std::string& stored);
 

@@ -20,7 +20,7 @@
 namespace {
 
 // This and the next class own what the system has already made, so their constructors allocate
-// nothing: if one failed to, nothing would close or remove the file.
+// nothing: if that failed, nothing would close or remove the file.
 
 // An open file, closed when destroyed. Its name, which is for messages, must outlive it.
 class File {
@@ -96,8 +96,8 @@ private:
     const char* m_path;
 };
 
-// The mode after a change of group. The old group's members are now others, so group and others each
-// keep only what both had.
+// The mode after a change of group. The old group's members are now others, so group and others
+// each keep only what both had.
 mode_t WithoutGroup(mode_t mode) {
     const mode_t common = mode & (mode >> 3U) & 0007U;
     return (mode & 0700U) | (common << 3U) | common;
@@ -148,7 +148,7 @@ void ReadInPieces(const File& file, const std::function<void(std::string_view)>&
 
 std::string ReadAll(const File& file) {
     std::string bytes;
-    bytes.reserve(kPiece);  // a key that is read in parts must not move and leave a copy
+    bytes.reserve(kPiece);  // a key read in parts must not move, leaving a copy
     ReadInPieces(file, [&](std::string_view piece) { bytes += piece; });
     return bytes;
 }
@@ -177,8 +177,8 @@ struct Replaced {
     std::optional<std::string_view> bytes;
 };
 
-// Gives a new file the owner, group, access list and mode of the one that it replaces, as far as the
-// system allows.
+// Gives a new file the owner, group, access list and mode of the one that it replaces, as far as
+// the system allows.
 void CopyRights(const File& file, const char* from, const struct stat& status) {
     // Drop setuid and setgid unless owner and group are both kept.
     constexpr auto kSameOwner = static_cast<uid_t>(-1);

@@ -31,8 +31,8 @@ FileSnapshot ReadSnapshot(const std::string& path);
 // only the permissions that both had. Signals that would end the process wait until it is done.
 //
 // Throws std::runtime_error if the file is not a regular one, or if another program has changed its
-// bytes, mode, owner or group since the snapshot, or put another file in its place. The file is then
-// left as it is, with nothing beside it. This is checked last, but not in one step with the
+// bytes, mode, owner or group since the snapshot, or put another file in its place. The file is
+// then left as it is, with nothing beside it. This is checked last, but not in one step with the
 // replacement: what another program does between the two is lost. A change of the access list that
 // leaves the mode as it is goes unnoticed.
 void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes);

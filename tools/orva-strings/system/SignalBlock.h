@@ -3,8 +3,8 @@
 
 #include <csignal>
 
-// While it lives, blocks every signal that can be blocked: one that ended the process would leave an
-// unfinished file.
+// While it lives, blocks every signal that can be blocked: one that ended the process would leave
+// an unfinished file.
 class SignalBlock {
 public:
     SignalBlock() noexcept {
