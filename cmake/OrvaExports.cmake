@@ -1,10 +1,10 @@
 # orva_write_export_lists(LIST VERSION_SCRIPT EXPORTED_SYMBOLS)
 #
-# Makes two linker inputs from the readable list of exports: an ELF version script and a Mach-O list
-# of exported symbols. Both are written on every system, so that the tests of one system cover both.
+# Writes two linker inputs from the readable list of exports: an ELF version script and a Mach-O
+# list of exported symbols. Every system writes both, so the tests of one system cover both.
 #
-# A C++ function's symbol spells its parameters as the standard library in use does, so they become
-# a "*". The headers mark what may be exported at all, and the test compares whole signatures.
+# The parameters in a C++ symbol depend on the standard library, so they become "*". Only what the
+# headers mark can be exported at all, and the test compares whole signatures.
 function(orva_write_export_lists list version_script exported_symbols)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
     file(STRINGS "${list}" lines REGEX "^[^#]")

@@ -24,7 +24,7 @@ install(FILES packaging/OrvaLanguageConfig.cmake
     "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
     DESTINATION "${orva_package_dir}" COMPONENT development)
 
-# Relative to the file itself, so that the installed tree can be moved.
+# Relative to the .pc file, so that the installed tree can be moved.
 file(RELATIVE_PATH orva_pc_prefix
     "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 set(orva_pc_libdir "\${prefix}")

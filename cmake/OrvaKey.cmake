@@ -1,17 +1,17 @@
 # The key material for protected texts: ORVA_KEY_FILE, or by default the public development key in
-# this folder. The build writes it as two shares to its own folder, never to the source tree.
+# this folder. The build writes it, as two shares, to its own folder and never to the source tree.
 set(ORVA_KEY_FILE "" CACHE FILEPATH
     "File of 64 hexadecimal digits, the key for protected texts; empty: the development key")
 
-# orva_read_key(FILE DIGITS): sets DIGITS to the upper-case digits of a key file. It must hold 64
-# digits of either case, followed by at most one line feed, or carriage return and line feed.
-# `orva-strings` accepts the same.
+# orva_read_key(FILE DIGITS): sets DIGITS to the digits of a key file in upper case. The file must
+# hold 64 hexadecimal digits in either case, then at most one line ending, LF or CR LF.
+# `orva-strings` accepts the same files.
 function(orva_read_key file digits)
     if(NOT EXISTS "${file}" OR IS_DIRECTORY "${file}")
         message(FATAL_ERROR "ORVA_KEY_FILE: there is no file ${file}.")
     endif()
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
-    # Read as hexadecimal, since CMake's strings lose a NUL byte.
+    # Read as hexadecimal because CMake strings lose NUL bytes.
     file(SIZE "${file}" size)
     file(READ "${file}" hex LIMIT 1024 HEX)
     string(REGEX REPLACE "(0d)?0a$" "" hex "${hex}")
@@ -30,7 +30,7 @@ function(orva_read_key file digits)
 endfunction()
 
 # orva_key_fingerprint(DIGITS FINGERPRINT): identifies a key without revealing anything about it.
-# `orva-strings` computes the same.
+# `orva-strings` computes the same one.
 function(orva_key_fingerprint digits fingerprint)
     string(SHA256 hash "libOrvaLanguage key fingerprint ${digits}")
     string(SUBSTRING "${hash}" 0 16 hash)
@@ -38,9 +38,9 @@ function(orva_key_fingerprint digits fingerprint)
     set(${fingerprint} "${hash}" PARENT_SCOPE)
 endfunction()
 
-# orva_write_key_shares(FOLDER): writes KeyShares.h for the library, and KeyFingerprints.h for it
-# and for the tool, which reports whether a key is the development key. Sets orva_key_file to the
-# key's file.
+# orva_write_key_shares(FOLDER): writes KeyShares.h for the library, and KeyFingerprints.h for the
+# library and the tool. The tool needs it to recognise the development key. Sets orva_key_file to
+# the path of the key file.
 function(orva_write_key_shares folder)
     set(development_key "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/development.key")
     set(file "${ORVA_KEY_FILE}")
@@ -57,7 +57,7 @@ function(orva_write_key_shares folder)
     endif()
     set(orva_key_file "${file}" PARENT_SCOPE)
 
-    # The mask is derived from the key, so that a build is reproducible.
+    # The mask is derived from the key to keep builds reproducible.
     string(TOLOWER "${upper_digits}" digits)
     string(SHA256 mask "libOrvaLanguage key mask ${digits}")
     set(first "")

@@ -1,4 +1,4 @@
-# What is built. Inside another project only the library is, unless that project asks for more.
+# What to build. Inside another project, this is only the library unless that project enables more.
 
 if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
     message(FATAL_ERROR
@@ -14,9 +14,9 @@ endif()
 
 # orva_part(OPTION TEXT DEFAULT UNAVAILABLE)
 #
-# A switch for a part of the build: ON, OFF, or empty for DEFAULT. The default is not cached, so
-# that an explicit ON can be distinguished from it. UNAVAILABLE is empty, or says why the part can't
-# be built: a part that is on by default is then left out, and an explicit ON is an error.
+# A switch for a part of the build: ON, OFF, or empty for DEFAULT. The default is not cached, so an
+# explicit ON can be distinguished from it. UNAVAILABLE, unless empty, says why the part can't be
+# built. A part that is on by default is then left out, and an explicit ON is an error.
 function(orva_part option text default unavailable)
     set(${option} "" CACHE STRING "${text} (ON, OFF, or empty for the default)")
     set_property(CACHE ${option} PROPERTY STRINGS "" ON OFF)

@@ -1,4 +1,4 @@
-# orva_set_warnings(TARGET…): the warnings that every source of the project is built with.
+# orva_set_warnings(TARGET…): the warnings for all of the project's sources.
 function(orva_set_warnings)
     foreach(target IN LISTS ARGN)
         target_compile_options(${target} PRIVATE

@@ -5,10 +5,10 @@
 
 struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
 
-// The bundle at a folder, in each system's way: the caller's to close. Null if there is none.
+// Opens the bundle at a folder, as the platform does. The caller closes it. Null if it has none.
 __CFBundle* OpenBundle(const std::filesystem::path& folder);
 
-// Closes a bundle; null is fine.
+// Closes a bundle; null is allowed.
 void CloseBundle(__CFBundle* bundle);
 
 #endif

@@ -10,7 +10,7 @@ namespace {
 
 constexpr char kResources[] = "Contents/Resources";
 
-// Throws what errno says unless a call succeeded.
+// Throws std::system_error from errno unless a call succeeded.
 void Check(bool hasSucceeded, const std::filesystem::path& path) {
     if (!hasSucceeded) {
         throw std::system_error(errno, std::generic_category(), path.string());

@@ -8,7 +8,7 @@
 #include "support/OpenBundle.h"
 #include "support/TemporaryFolder.h"
 
-// A bundle with a resources folder of its own. Nobody else can look into it.
+// A temporary bundle with its own resources folder. Other users cannot look into it.
 class TemporaryBundle {
 public:
     TemporaryBundle();
@@ -19,10 +19,10 @@ public:
     __CFBundle* Get() const { return m_bundle; }
     std::filesystem::path Resources() const;
 
-    // Makes a file among the resources, or replaces it.
+    // Creates or replaces a file in the resources folder.
     void Write(const std::string& name, std::string_view bytes) const;
 
-    // Makes a symbolic link among the resources. Throws std::system_error if the system refuses.
+    // Creates a symbolic link there. Throws std::system_error if the system refuses.
     void Link(const std::string& name, const std::string& target) const;
 
 private:

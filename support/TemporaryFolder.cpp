@@ -26,7 +26,7 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    // Not remove_all, which throws where memory runs out.
+    // Not remove_all, which throws if memory runs out.
     constexpr int kOpenFolders = 1;  // there may be few descriptors left
     nftw(
         m_path.c_str(),

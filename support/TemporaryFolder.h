@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-// A new folder in the one that TMPDIR names, or in /tmp if it names none; removed with all it holds.
+// A new folder in $TMPDIR, or in /tmp if that is unset or empty. The destructor removes it with its
+// contents.
 class TemporaryFolder {
 public:
     // Throws std::system_error if the system refuses.
@@ -16,7 +17,7 @@ public:
 
     const std::filesystem::path& Path() const { return m_path; }
 
-    // Makes a file in the folder, or replaces it.
+    // Creates or replaces a file in the folder.
     void Write(const std::string& name, std::string_view bytes) const;
 
 private:

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-// Writes bytes as upper-case hexadecimal digits, two for each.
+// Writes each byte as two upper-case hexadecimal digits.
 inline void WriteHexDigits(const std::uint8_t* bytes, std::size_t length, char* digits) {
     for (std::size_t i = 0; i < length; ++i) {
         *digits++ = "0123456789ABCDEF"[bytes[i] >> 4U];

@@ -37,7 +37,7 @@ int RunTool(std::vector<std::string> arguments, const std::function<std::string(
             return kUsageOrSystem;
         }
     } catch (const std::bad_alloc&) {
-        err << "orva-strings: error: out of memory\n";  // whole, and without memory
+        err << "orva-strings: error: out of memory\n";  // one write, no allocation
         return kUsageOrSystem;
     }
 }

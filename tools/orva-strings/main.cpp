@@ -9,7 +9,7 @@
 #include "tools/orva-strings/system/Files.h"
 
 int main(int argc, char** argv) {
-    // A write beyond the limit of a file's size then fails, as one to a full disk does.
+    // A write beyond the file size limit then fails, like one to a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
     std::vector<std::string> arguments;
     try {

@@ -9,13 +9,13 @@
 
 namespace {
 
-// Whether the parser would not take an argument as it is, apart from line feeds at its end.
+// Whether CLI11 would give an argument a special meaning, apart from line feeds at its end.
 bool IsSpecial(std::string_view argument) {
     const std::string_view text = argument.substr(0, argument.find_last_not_of('\n') + 1);
     return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
 }
 
-// An empty name, from a variable that is not set, does not ask for the key built in.
+// An empty name (an unset variable) is an error, not the built-in key.
 std::string NamesAFile(std::string name) {
     Unmark(name);
     return name.empty() ? "it names no file" : "";
@@ -73,7 +73,7 @@ void Arguments::Declare(const Argument& argument, CLI::Option& option) {
     m_options[argument.name] = &option;
 }
 
-// Whether at most one argument is to be read from standard input, which ends with the first.
+// Whether at most one input or key names standard input, which can be read only once.
 bool Arguments::HasOneInput() const {
     return std::count_if(m_values.begin(), m_values.end(), [](const auto& value) {
                const auto& [role, text] = value;
@@ -81,7 +81,7 @@ bool Arguments::HasOneInput() const {
            }) <= 1;
 }
 
-// The output, if it would replace a key that the result is made with; otherwise null.
+// The output if it would replace a key file that is used; otherwise null.
 const std::string* Arguments::OutputOverAKey() const {
     for (const auto& [outputRole, output] : m_values) {
         for (const auto& [keyRole, key] : m_values) {

@@ -18,11 +18,11 @@ struct CommandGroup {
 struct CommandText {
     const char* name;
     const char* summary;
-    std::vector<const char*> examples;  // without "orva-strings" at their start
+    std::vector<const char*> examples;  // without the leading "orva-strings"
     CommandGroup group = {};
 };
 
-// A command: a file of commands/ says everything about it, and Table.cpp there lists it.
+// A command. Each has a file in commands/ that says everything about it; Table.cpp there lists it.
 class Command {
 public:
     virtual ~Command() = default;
@@ -31,7 +31,7 @@ public:
 
     const CommandText& Text() const { return m_text; }
 
-    // Declares the arguments, which then are set once before Run.
+    // Declares the arguments. They are set once, before Run.
     virtual void Declare(Arguments& arguments) = 0;
 
     // Throws std::exception if the system refuses something, or memory runs out.

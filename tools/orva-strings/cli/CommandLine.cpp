@@ -13,9 +13,9 @@
 
 namespace {
 
-// How many letters must be inserted, removed or replaced to make one word of the other.
+// The Levenshtein distance of two words.
 std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);  // from the part of a so far to each start of b
+    std::vector<std::size_t> row(b.size() + 1);  // from a's prefix so far to each prefix of b
     std::iota(row.begin(), row.end(), 0U);
     for (std::size_t i = 0; i < a.size(); ++i) {
         std::size_t diagonal = std::exchange(row[0], i + 1);
@@ -28,24 +28,24 @@ std::size_t Distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-// The parser for one run, and the command that it has found.
+// Parses one command line and keeps the command that it found.
 class Parser {
 public:
     explicit Parser(const Commands& commands);
 
-    // As ParseCommandLine.
+    // See ParseCommandLine.
     Command* Parse(std::vector<std::string> arguments, std::ostream& out);
 
 private:
     struct Group {
         CLI::App* app;
-        std::string prefix;  // of its commands' names: "key ", or nothing for the tool itself
+        std::string prefix;  // of its commands' names: "key ", or empty for the tool itself
     };
 
     Group& GroupOf(const Command& command);
     void Add(Command& command);
 
-    // Each says what is wrong, or nothing.
+    // Each returns what is wrong, or an empty string.
     static std::string UnknownCommand(const Group& group);
     std::string UnknownOption(const std::vector<std::string>& arguments) const;
     std::string NeedlessValue(const std::vector<std::string>& arguments) const;
@@ -54,7 +54,7 @@ private:
                             const std::vector<std::string>& arguments) const;
 
     CLI::App m_app{"Looks into strings files and keeps their protected entries.", "orva-strings"};
-    std::deque<Group> m_groups;  // the tool itself, then those of several commands
+    std::deque<Group> m_groups;  // the tool itself, then the groups of commands
     std::deque<Arguments> m_arguments;
     Command* m_command = nullptr;
     const Arguments* m_found = nullptr;  // the arguments of that command
@@ -115,8 +115,8 @@ void Parser::Add(Command& command) {
     });
 }
 
-// The word in the place of a command, and the command that was probably meant, which takes two changes
-// at most and leaves a letter of the word.
+// Names an unknown command, and the one that was probably meant: at most two changes away, and
+// fewer than the word has letters.
 std::string Parser::UnknownCommand(const Group& group) {
     const std::vector<std::string> unknown = group.app->remaining();
     if (unknown.empty() || unknown.front().compare(0, 1, "-") == 0) {  // an option
@@ -136,7 +136,7 @@ std::string Parser::UnknownCommand(const Group& group) {
     return "unknown command '" + group.prefix + word + '\'' + meant;
 }
 
-// The first option that its command does not have. What follows -- is not an option.
+// Names the first option that its command does not have. Nothing after -- is an option.
 std::string Parser::UnknownOption(const std::vector<std::string>& arguments) const {
     const auto end = std::find(arguments.begin(), arguments.end(), "--");
     for (std::string& word : m_app.remaining(true)) {
@@ -152,7 +152,7 @@ std::string Parser::UnknownOption(const std::vector<std::string>& arguments) con
     return "";
 }
 
-// The first option that has a value and takes none.
+// Names the first flag that was given a value.
 std::string Parser::NeedlessValue(const std::vector<std::string>& arguments) const {
     for (const std::string& word : arguments) {
         const std::string name = word.substr(0, word.find('='));
@@ -196,14 +196,14 @@ std::string Parser::WhatIsWrong(const CLI::ParseError& error,
         }
     }
     std::string text = error.what();
-    text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());  // marks
+    text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());  // MarkSpecial's
     return text;
 }
 
 Command* Parser::Parse(std::vector<std::string> arguments, std::ostream& out) {
     MarkSpecial(arguments);
     try {
-        // Reversed, as the parser takes a vector.
+        // CLI11 takes a vector in reverse order.
         m_app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {  // help or version

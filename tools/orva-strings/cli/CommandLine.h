@@ -7,8 +7,8 @@
 
 #include "tools/orva-strings/cli/Command.h"
 
-// Finds the command that the arguments ask for and sets its variables. Returns null if they asked for
-// help or the version, which is written to out. Throws UsageError if they are wrong.
+// Finds the command that the arguments name and sets its variables. If they request help or the
+// version, writes that to out and returns null. Throws UsageError if they are wrong.
 Command* ParseCommandLine(const Commands& commands, std::vector<std::string> arguments,
                           std::ostream& out);
 

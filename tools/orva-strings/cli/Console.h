@@ -11,26 +11,26 @@
 
 enum ExitStatus { kDone = 0, kFindings = 1, kUsageOrSystem = 2 };
 
-// Where a command reads and writes.
+// A command's input and output.
 class Console {
 public:
-    // readInput gives the bytes of standard input, and may throw. All three must outlive the object.
+    // readInput returns standard input's bytes and may throw. All three must outlive the object.
     Console(const std::function<std::string()>& readInput, std::ostream& out, std::ostream& err)
         : m_readInput(readInput), m_out(out), m_err(err) {}
 
     std::ostream& Out() const { return m_out; }
 
-    // The bytes of a file, or of standard input for -.
+    // Reads a file, or standard input for "-".
     FileSnapshot Read(const std::string& file) const;
 
-    // The key in a file, from standard input for -, or without a name the one built in.
+    // Reads the key in a file, or on standard input for "-". An empty name gives the built-in key.
     MasterKey ReadKey(const std::string& keyFile) const;
 
-    // Says something about the command itself.
+    // Prints a message about the command itself.
     void Say(Severity severity, const std::string& text) const;
 
-    // Prints findings about a file in the order of its lines, first those about all of it. Returns
-    // the status that follows from them.
+    // Prints findings about a file in line order, after those about the whole file. Returns the
+    // resulting exit status.
     ExitStatus Report(Findings findings, const std::string& file) const;
 
 private:

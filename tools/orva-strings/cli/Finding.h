@@ -10,19 +10,19 @@
 
 enum class Severity { kNote, kWarning, kError };
 
-// One thing that the command has to say.
+// One message, about a file or the command.
 struct Finding {
     Severity severity;
-    std::optional<std::size_t> line;  // from 0; absent if no single line is meant
+    std::optional<std::size_t> line;  // from 0; absent if not about a single line
     std::string text;
 };
 using Findings = std::vector<Finding>;
 
 bool HasError(const Findings& findings);
 
-// Writes "SUBJECT:LINE: SEVERITY: TEXT" as one line to err, subject and text Printable. The line is
-// one write, so that those of commands which share a pipe do not mix. The subject is the file's name,
-// or the command's own.
+// Writes the line "SUBJECT:LINE: SEVERITY: TEXT" to err, with subject and text escaped by
+// Printable. Each line is one write, so that commands sharing a pipe do not mix theirs. The subject
+// is the name of the file or of the command.
 void Print(const Finding& finding, std::string_view subject, std::ostream& err);
 
 #endif

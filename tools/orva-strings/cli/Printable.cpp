@@ -7,8 +7,8 @@
 
 namespace {
 
-// Whether the byte at a place belongs to a control character: of ASCII, or of those that are two
-// bytes in UTF-8, U+0080 to U+009F.
+// Whether byte i belongs to a control character: an ASCII one, or one of U+0080 to U+009F, which
+// are two bytes in UTF-8.
 bool IsControl(std::string_view text, std::size_t i) {
     const auto byteAt = [&](std::size_t at) {
         return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;

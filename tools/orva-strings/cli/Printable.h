@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
-// A text from a file or the user, safe for a terminal, which obeys control characters, and readable
-// back: a backslash becomes \\, a double quote \", a line feed \n, a tab \t, and each byte of any
-// other control character, in ASCII or of U+0080 to U+009F in UTF-8, \x and two upper-case
-// hexadecimal digits. All else stays as it is.
+// Escapes untrusted text, reversibly, so that its control characters cannot drive the terminal. A
+// backslash becomes \\, a double quote \", a line feed \n, a tab \t. Each byte of any other control
+// character (in ASCII, or U+0080 to U+009F in UTF-8) becomes \x and two upper-case hexadecimal
+// digits. Everything else is unchanged.
 std::string Printable(std::string_view text);
 
 #endif

@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-// The command line asks for something that makes no sense.
+// The command line is wrong.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -6,10 +6,10 @@
 #include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/document/StringsDocument.h"
 
-// A command that makes another strings file of one.
+// A command that changes a strings file.
 class ChangingCommand : public Command {
 public:
-    // FILE, --in-place and --output; a command adds its own.
+    // Declares FILE, --in-place and --output; derived commands add their own.
     void Declare(Arguments& arguments) override;
 
     ExitStatus Run(const Console& console) override;
@@ -18,7 +18,7 @@ protected:
     using Command::Command;
 
 private:
-    // With an error among the findings, nothing is written.
+    // If a finding is an error, nothing is written.
     virtual Findings Change(StringsDocument& document, const Console& console) = 0;
 
     std::string m_file;

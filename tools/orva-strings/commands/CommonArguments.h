@@ -1,4 +1,4 @@
-// The arguments that several commands have.
+// Arguments that several commands share.
 #ifndef ORVALANGUAGE_TOOLS_COMMANDS_COMMONARGUMENTS_H
 #define ORVALANGUAGE_TOOLS_COMMANDS_COMMONARGUMENTS_H
 

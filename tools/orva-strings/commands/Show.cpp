@@ -24,7 +24,7 @@ namespace {
 
 using Section = StringsDocument::Section;
 
-// The line of the first entry of each key.
+// The line of each key's first entry.
 std::map<std::string, std::size_t> LinesOf(const Section& section) {
     std::map<std::string, std::size_t> lines;
     for (const StringsDocument::Entry& entry : section.entries) {
@@ -34,7 +34,7 @@ std::map<std::string, std::size_t> LinesOf(const Section& section) {
 }
 
 // What a host gets for a key. Throws if that is not what is stored: a lookup that runs out of
-// memory tells nobody, and answers null or an empty text.
+// memory does not say so, and answers null or an empty text.
 const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
     const char* const text = ZuGetLocalizedString(key.c_str());
     const char* const stored = KorGetLocalizedString(key.c_str());
@@ -62,8 +62,8 @@ const char* WhyNull(const std::string& key) {
                : "the value is not protected, so it has no answer";
 }
 
-// Has the library load a section of these bytes, from a copy without a name. The section must be
-// there: for a missing one the library would read the copy twice.
+// Loads a section of these bytes through the library, from a nameless copy. The section must exist:
+// for a missing one, the library would read the copy twice.
 void LoadByCopy(const std::string& bytes, const std::string& language) {
     constexpr char kName[] = "strings";
     const SignalBlock held;
@@ -76,8 +76,8 @@ void LoadByCopy(const std::string& bytes, const std::string& language) {
     }
 }
 
-// Throws unless the library's table is this section, whole: a load ends the file where memory runs
-// out or a read fails, as if the rest were not there.
+// Throws unless the library's table holds the whole section: a load that runs out of memory or
+// fails to read treats that as the end of the file.
 void CheckLoaded(const Section& section) {
     std::string key;
     std::string name;
@@ -115,8 +115,8 @@ public:
         const std::vector<Section> sections = document.Sections();
         Findings findings;
         if (const Section* const section = Select(sections, findings)) {
-            // The copy can be read only once, so that a second pass for the first section must not
-            // be needed.
+            // The copy can be read only once, so the library must not need a second pass to find
+            // the first section.
             const bool isFallback = !findings.empty();
             LoadByCopy(document.Bytes(), isFallback ? "" : m_language);
             CheckLoaded(*section);
@@ -126,7 +126,7 @@ public:
     }
 
 private:
-    // The section to show, or null. Adds what there is to say of the choice.
+    // The section to show, or null. Adds any finding about the choice.
     const Section* Select(const std::vector<Section>& sections, Findings& findings) const {
         if (sections.empty()) {
             findings.push_back(NoSection());

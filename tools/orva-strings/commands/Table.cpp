@@ -1,6 +1,6 @@
 #include "tools/orva-strings/commands/Table.h"
 
-// Each is defined in the file of its command.
+// Each is defined in its command's file.
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
 std::unique_ptr<Command> MakeProtect();

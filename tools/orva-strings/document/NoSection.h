@@ -5,7 +5,7 @@
 
 #include "tools/orva-strings/cli/Finding.h"
 
-// What every command says of a document without a section.
+// What every command reports for a document without a section.
 inline Finding NoSection() {
     return {Severity::kError, std::nullopt, "there is no section in it"};
 }

@@ -30,21 +30,21 @@ bool IsBlank(const std::string& text) {
     return text.find_first_not_of(" \t") == std::string::npos;
 }
 
-// Whether a person who opens the file can read a text in the entry's line.
+// Whether someone who opens the file can read a text in the entry's line.
 bool IsReadable(const Entry& entry) {
     return !IsBlank(entry.beforeQuote) || !(IsBlank(entry.value) || LooksStored(entry.value));
 }
 
-// Whether a text was probably meant to be between the quotes after which it stands, which are empty:
-// it begins with a word, and not as a note does.
+// Whether the quotes are empty and the text after them was probably meant to be inside: it begins
+// with a word, unlike a note.
 bool HasLostItsQuotes(const Entry& entry) {
     const std::size_t start = entry.afterQuote.find_first_not_of(" \t");
     return entry.value.empty() && start != std::string::npos &&
            std::strchr(";#/,*-", entry.afterQuote[start]) == nullptr;
 }
 
-// Asks for each protected entry's new value, which may be none, and sets it. A text in front of the
-// value's quotes, which nothing changes, is a finding of the severity given.
+// Sets each protected entry to the value that newValue returns, if any. Text before the value's
+// quotes stays, and is a finding of the severity beforeQuote.
 template <typename NewValue>
 Findings ChangeProtected(StringsDocument& document, Severity beforeQuote,
                          const NewValue& newValue) {
@@ -108,7 +108,7 @@ Findings ProtectEntries(StringsDocument& document, const ProtectionKeys& keys, b
             }
             return EncodeProtectedText(keys, entry.value);
         });
-    // Looked for now, so that nothing within a text that is encrypted is taken for a line near one.
+    // Searched only now, so that nothing inside a text that gets encrypted is reported.
     for (const Entry& entry : document.NearProtected()) {
         if (IsReadable(entry)) {
             findings.push_back({Severity::kWarning, entry.line,

@@ -6,18 +6,18 @@
 #include "tools/orva-strings/cli/Finding.h"
 #include "tools/orva-strings/document/StringsDocument.h"
 
-// Each of the three changes the entries of all sections whose key begins with "IDE". With an error
-// among the findings, the document may be half changed and is no longer of use.
+// Each changes the entries of all sections whose key begins with "IDE". If a finding is an error,
+// the document may be half changed and must not be used further.
 
-// Puts readable values into the stored form; stored ones stay. A value that looks stored but does
-// not decode is a finding, unless isForced, which takes it for a text.
+// Converts readable values to the stored form; stored ones stay. A value that looks stored but does
+// not decode is an error, or counts as readable if isForced.
 Findings ProtectEntries(StringsDocument& document, const ProtectionKeys& keys, bool isForced);
 
-// Puts stored values back into readable form; readable ones stay.
+// Converts stored values back to readable text; readable ones stay.
 Findings RevealEntries(StringsDocument& document, const ProtectionKeys& keys);
 
-// Puts values stored with one key into what another makes of them. Readable ones and those that are
-// stored with the other already stay.
+// Converts values stored with the key `from` to the key `to`. Readable ones and those already
+// stored with `to` stay.
 Findings RekeyEntries(StringsDocument& document, const ProtectionKeys& from,
                       const ProtectionKeys& to);
 

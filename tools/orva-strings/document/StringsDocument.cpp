@@ -10,7 +10,7 @@
 
 namespace {
 
-// Splits the bytes of a line, its line feed included, where the library's reading ends.
+// Splits a line, including its line feed, into text and ending, as KorString::GetLine does.
 std::pair<std::string, std::string> SplitEnding(std::string_view bytes) {
     std::size_t length = bytes.size();
     if (length > 0 && bytes[length - 1] == '\n') {
@@ -22,7 +22,7 @@ std::pair<std::string, std::string> SplitEnding(std::string_view bytes) {
     return {std::string(bytes.substr(0, length)), std::string(bytes.substr(length))};
 }
 
-// Whether a line of this text and ending is one line, and an entry of this key and value.
+// Whether this text and ending make one line, which reads as an entry of this key and value.
 bool ReadsAs(const std::string& text, const std::string& ending, const std::string& key,
              const std::string& value) {
     std::string keyRead;
@@ -68,30 +68,30 @@ bool IsLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// Whether a byte is no mark of a comment, and no blank. What follows a carriage return is a piece of its
-// own.
+// Whether a byte ends the blanks and comment marks before a key. A carriage return does, since what
+// follows it is a separate piece.
 bool CanBeginKey(char c) {
     return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '\r';
 }
 
-// Whether a key was probably meant to be a protected one.
+// Whether a key was probably meant as a protected one.
 bool IsNearProtectedKey(std::string_view key) {
     const auto isLetterOfIde = [&](std::size_t i) { return (key[i] | 0x20) == "ide"[i]; };
     if (key.size() < 3 || !isLetterOfIde(0) || !isLetterOfIde(1) || !isLetterOfIde(2) ||
         key.find_first_of(" \t") != std::string_view::npos) {
         return false;
     }
-    // "Ideal" is another word.
+    // "Ideal" is a different word.
     return key.substr(0, 3) == "IDE" || key.size() == 3 || !IsLetter(key[3]);
 }
 
-// The key and value of a line whose start is no part of them, if they were probably meant to be a
-// protected entry's.
+// The key and value of a line that was probably meant as a protected entry, without what precedes
+// its key.
 std::optional<StringsDocument::Entry> ReadNearProtected(std::size_t line, std::string_view text) {
     while (!text.empty() && !CanBeginKey(text.front())) {
         text.remove_prefix(1);
     }
-    // A colon or a blank before a quote may stand for the equals sign.
+    // A colon or blanks before a quote may be meant as the equals sign.
     const std::size_t quote = text.find('"');
     std::size_t separator = std::min(text.find('='), text.find_first_of(": \t"));
     const std::string_view key = text.substr(0, separator);
@@ -101,7 +101,7 @@ std::optional<StringsDocument::Entry> ReadNearProtected(std::size_t line, std::s
         separator == std::string_view::npos) {
         return std::nullopt;
     }
-    // With a key that is long enough, whatever this one's length.
+    // Read with a key that is long enough, as this one may be too short.
     std::optional<StringsDocument::Entry> entry =
         ReadEntry(line, "IDE_=" + std::string(text.substr(separator + (hasEquals ? 1 : 0))));
     entry->key = key;
@@ -219,7 +219,7 @@ bool StringsDocument::SetValue(std::size_t line, const std::string& value) {
     const std::size_t first = text.find('"', equals);
     const std::size_t last = text.rfind('"');
 
-    // As it stands, and else with the quotes that are missing.
+    // First with the existing quotes, then with the missing ones added.
     std::string candidates[2];
     if (first == std::string::npos) {
         candidates[0] = key + '=' + value;

@@ -7,19 +7,19 @@
 #include <string_view>
 #include <vector>
 
-// A text as it stands between quotes in a strings file: each line feed as a backslash and an n.
+// A text as written between quotes in a strings file: each line feed as a backslash and an n.
 std::string Escaped(const std::string& text);
 
-// A strings file to be changed entry by entry: every byte that is not changed stays as it is. What
-// a line means is asked of the library's own line functions.
+// A strings file whose entries can be changed one by one; all other bytes stay as they are. Lines
+// are read with the library's own functions.
 class StringsDocument {
 public:
     struct Entry {
-        std::size_t line;  // its place, from 0
+        std::size_t line;  // from 0
         std::string key;
         std::string value;        // as the library reads it
-        std::string beforeQuote;  // between the = and the value's first quote; no part of the value
-        std::string afterQuote;  // after the line's last quote, if it has two; no part of it either
+        std::string beforeQuote;  // between the = and the first quote; not part of the value
+        std::string afterQuote;   // after the last quote, if there are two; not part of it either
     };
 
     // Why the library does not read a line as it was meant.
@@ -34,9 +34,9 @@ public:
     struct Section {
         std::size_t line;  // of its header, from 0
         std::string name;
-        std::vector<Entry> entries;  // of all its lines, those of a repeated key too; no header
+        std::vector<Entry> entries;  // all below the header, repeated keys included
 
-        // The keys that a load makes entries of: each once, and the header's.
+        // The keys of the entries that a load makes: each once, including the header's.
         std::set<std::string> Keys() const;
     };
 
@@ -45,34 +45,35 @@ public:
     // The whole file as it is now.
     std::string Bytes() const;
 
-    // Every section of the file, in its order. What stands before the first one belongs to none.
+    // All sections, in file order. Lines before the first header belong to none.
     std::vector<Section> Sections() const;
 
-    // The headers and protected entries that are not read: those after a byte-order mark or a carriage
-    // return, which ends no line, and protected entries before the first section.
+    // Headers and protected entries that the library does not read: those right after a byte-order
+    // mark or a carriage return, which ends no line, and protected entries before the first
+    // section.
     std::vector<Misplaced> MisplacedLines() const;
 
-    // Lines that were probably meant as protected entries but are none, Misplaced ones apart, with the
-    // keys that were meant: from the first letter, digit or underscore on there is a key of one word
-    // that begins with "IDE", or with "ide" in other case and no letter after it, and then =, or a colon
-    // or blanks and a quote.
+    // Lines other than Misplaced ones that were probably meant as protected entries but are not,
+    // with the keys that were meant. From its first letter, digit or underscore on, such a line has
+    // a one-word key that begins with "IDE", or with "ide" in any case and no letter after it. Then
+    // comes =, or a colon or blanks and a quote.
     std::vector<Entry> NearProtected() const;
 
-    // Gives the entry of a line another value. Quotes, and what stands before the first and behind
-    // the last, stay; a value without quotes gets them where it needs them.
+    // Changes the value of the entry on a line. Its quotes stay, and so does the text before the
+    // first and after the last. Missing quotes are added if the value needs them.
     //
     // Returns false, and changes nothing, if the value can't be written so that it reads back the
-    // same: there is no escape for a backslash in front of an n, for instance.
+    // same. For instance, a backslash before an n has no escape.
     bool SetValue(std::size_t line, const std::string& value);
 
 private:
     struct Line {
         std::string text;    // as the library reads it
-        std::string ending;  // what it drops: a carriage return, a line feed, both or none
+        std::string ending;  // what it drops: a carriage return, a line feed, both or neither
     };
 
-    // Calls visit with each line's place and text, and again with what follows each carriage return
-    // within it, up to the next.
+    // Calls visit(line, text, isWholeLine) for each line, and again for the text after each
+    // carriage return within it, up to the next.
     template <typename Visit>
     void ForEachPiece(const Visit& visit) const;
 

@@ -16,7 +16,7 @@ bool IsDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
 }
 
-// Adds the fingerprint of every whole marker in the text.
+// Adds the fingerprint of every complete marker in the text.
 void Collect(std::string_view text, std::set<std::string>& fingerprints) {
     for (std::size_t at = text.find(kLabel); at != std::string_view::npos;
          at = text.find(kLabel, at + 1)) {
@@ -37,7 +37,7 @@ std::set<std::string> FingerprintsIn(const std::string& path) {
     ReadFileInPieces(path, [&](std::string_view piece) {
         text += piece;
         Collect(text, fingerprints);
-        // What may be the first part of a marker that the next piece completes.
+        // Keeps what may be the start of a marker that the next piece completes.
         text.erase(0, text.size() - std::min(text.size(), kMarker - 1));
     });
     return fingerprints;

@@ -37,7 +37,7 @@ MasterKey MasterKey::BuiltIn() {
     const KeyMaterial material;
     MasterKey key;
     std::copy(std::begin(material.Bytes()), std::end(material.Bytes()), key.m_bytes);
-    ClearRegisters();  // a later call may save them
+    ClearRegisters();  // of the key, which a later call may save
     return key;
 }
 
@@ -64,7 +64,7 @@ MasterKey MasterKey::FromText(std::string text, const std::string& name) {
     }
     ClearMemory(text.data(), text.size());
     if (!isGood) {
-        // The build says the same of such a file.
+        // The build reports the same.
         throw std::runtime_error(
             name + (isLongEnough
                         ? ": must hold 64 hexadecimal digits, and has other characters among "

@@ -7,22 +7,22 @@
 
 #include "protection/ProtectedForm.h"
 
-// Key material for protected texts, as the tool handles it. Its bytes are cleared in the end.
+// Key material for protected texts. Cleared when destroyed.
 class MasterKey {
 public:
-    // The material that this build of the library holds.
+    // The material of this build of the library.
     static MasterKey BuiltIn();
 
-    // The material in a key file: 64 hexadecimal digits of either case, and at most one line feed, or
-    // carriage return and line feed, after them. The build (cmake/OrvaKey.cmake) accepts the same.
-    // Throws std::system_error if the file can't be read, std::runtime_error if it holds anything
-    // else.
+    // The material in a key file: 64 hexadecimal digits in either case, then at most one line
+    // ending, LF or CR LF. The build (cmake/OrvaKey.cmake) accepts the same files. Throws
+    // std::system_error if the file can't be read, std::runtime_error if it holds anything else.
     static MasterKey FromFile(const std::string& path);
 
-    // The material in the text of a key file, whose name is for the message. Throws as FromFile.
+    // The material in the text of a key file; name is for the message. Throws
+    // std::runtime_error as FromFile does.
     static MasterKey FromText(std::string text, const std::string& name);
 
-    // New material from the system's random source. Throws std::system_error.
+    // New material from the system's random source. Throws std::system_error if that fails.
     static MasterKey Random();
 
     MasterKey(const MasterKey&) = default;
@@ -34,18 +34,17 @@ public:
     // The length of a key file's text, in bytes.
     static constexpr std::size_t kFileText = 2 * kProtectedKey + 1;
 
-    // Writes the key as it stands in a key file, the line end included: kFileText bytes, which are the
-    // caller's to clear.
+    // Writes a key file's text, with its line feed: kFileText bytes, which the caller must clear.
     void WriteFileText(char* text) const;
 
     // The length of a fingerprint, in digits.
     static constexpr std::size_t kFingerprint = 16;
 
-    // Upper-case digits that tell keys apart and tell nothing about the key: of the SHA-256 of a label
-    // and the key's upper-case digits. The build computes the same.
+    // Identifies the key without revealing anything about it: the first kFingerprint upper-case
+    // digits of the SHA-256 of a label and the key's upper-case digits. The build does the same.
     std::string Fingerprint() const;
 
-    // Whether a fingerprint is that of the development key, which everybody knows.
+    // Whether a fingerprint is that of the development key, which is public.
     static bool IsOfDevelopmentKey(const std::string& fingerprint);
 
 private:

@@ -22,7 +22,7 @@ std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& t
 
     EncryptBlocks(keys.EncryptionKey(), keys.IV(), CRYPT_MODE_CBC, data.Get(), data.Size());
     ClearRegisters();  // of round keys
-    // Byte after byte is the same as the big-endian groups.
+    // Byte by byte gives the same digits as big-endian groups.
     return ToHexDigits(data.Get(), data.Size());
 }
 

@@ -21,6 +21,6 @@ bool CopyAccessList(const char* from, int to) {
     if (size >= 0) {
         return fsetxattr(to, kList, list, static_cast<std::size_t>(size), 0) == 0;
     }
-    // Without one, it must not keep what its folder gave it.
+    // No list to copy: remove any inherited from the folder.
     return HasNone() && (fremovexattr(to, kList) == 0 || HasNone());
 }

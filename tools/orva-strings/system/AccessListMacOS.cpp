@@ -8,7 +8,7 @@ bool CopyAccessList(const char* from, int to) {
     std::unique_ptr<void, decltype(&acl_free)> list(acl_get_file(from, ACL_TYPE_EXTENDED),
                                                     acl_free);
     if (list == nullptr && errno == ENOENT) {
-        list.reset(acl_init(0));  // not what its folder gave it
+        list.reset(acl_init(0));  // instead of one inherited from the folder
     }
     return list == nullptr ? errno == ENOTSUP || errno == EOPNOTSUPP
                            : acl_set_fd(to, static_cast<acl_t>(list.get())) == 0;

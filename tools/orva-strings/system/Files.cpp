@@ -19,10 +19,10 @@
 
 namespace {
 
-// This and the next class own what the system has made already, so making them allocates nothing: if
-// that failed, there would be nobody to close the file or to remove it.
+// This and the next class own what the system has already made, so their constructors allocate
+// nothing: if that failed, nothing would close or remove the file.
 
-// An open file, closed at the end of its scope. Its name, which is for messages, must outlive it.
+// An open file, closed when destroyed. Its name, which is for messages, must outlive it.
 class File {
 public:
     File(int descriptor, const char* name) : m_descriptor(descriptor), m_name(name) {
@@ -38,14 +38,14 @@ public:
 
     int Get() const { return m_descriptor; }
 
-    // Throws what errno says unless a call succeeded.
+    // Throws std::system_error from errno unless a call succeeded.
     void Check(bool hasSucceeded) const {
         if (!hasSucceeded) {
             throw std::system_error(errno, std::generic_category(), m_name);
         }
     }
 
-    // Returns how many bytes it has read, 0 at the end of the file.
+    // Returns the number of bytes read, 0 at the end of the file.
     std::size_t Read(char* buffer, std::size_t size) const {
         for (;;) {
             const ssize_t count = read(m_descriptor, buffer, size);
@@ -66,7 +66,7 @@ public:
 
     void Close() { Check(close(Release()) == 0); }
 
-    // Leaves it to the caller to close the descriptor.
+    // Returns the descriptor, which the caller must close.
     int Release() noexcept {
         const int descriptor = m_descriptor;
         m_descriptor = -1;
@@ -78,7 +78,7 @@ private:
     const char* m_name;
 };
 
-// Removes a file at the end of its scope, unless it is kept. The path must outlive it.
+// Removes a file when destroyed, unless it is kept. The path must outlive it.
 class Unfinished {
 public:
     explicit Unfinished(const char* path) noexcept : m_path(path) {}
@@ -96,25 +96,25 @@ private:
     const char* m_path;
 };
 
-// The mode of a file that gets another group, whose old one are others now: both have left what both
-// had.
+// The mode after a change of group. The old group's members are now others, so group and others
+// each keep only what both had.
 mode_t WithoutGroup(mode_t mode) {
     const mode_t common = mode & (mode >> 3U) & 0007U;
     return (mode & 0700U) | (common << 3U) | common;
 }
 
-// Follows the symbolic links at a path's end, even if they lead to nothing.
+// Follows the symbolic links at the end of a path, even dangling ones.
 std::string EndOfLinks(std::filesystem::path path) {
-    constexpr int kMostLinks = 40;  // another program may make a ring of them
+    constexpr int kMostLinks = 40;  // another program may make a loop of them
     for (int i = 0; i < kMostLinks && is_symlink(symlink_status(path)); ++i) {
         path = path.parent_path() / std::filesystem::read_symlink(path);
     }
     return path.string();
 }
 
-// Replaces the path's last six characters so that the name is new, and creates a file there. Returns
-// its descriptor, or -1 with errno set. mkostemp would ignore the mode and with it the folder's
-// default access list.
+// Creates a file under a new name, which differs from the path in its last six characters; updates
+// the path. Returns its descriptor, or -1 with errno set. Not mkostemp, which would ignore the mode
+// and so the folder's default access list.
 int CreateUnderNewName(std::string& path, mode_t mode) {
     for (;;) {
         std::uint8_t random[3];
@@ -148,13 +148,13 @@ void ReadInPieces(const File& file, const std::function<void(std::string_view)>&
 
 std::string ReadAll(const File& file) {
     std::string bytes;
-    bytes.reserve(kPiece);  // a key that comes in parts must not move, and leave a copy
+    bytes.reserve(kPiece);  // a key read in parts must not move, leaving a copy
     ReadInPieces(file, [&](std::string_view piece) { bytes += piece; });
     return bytes;
 }
 
-// Whether the rest of a file is these bytes. It does not read on after a difference: another program
-// may be writing faster than this one reads.
+// Whether the rest of a file is these bytes. Stops reading at a difference: another program may be
+// writing faster than this one reads.
 bool Holds(const File& file, std::string_view bytes) {
     char buffer[65536];
     while (const std::size_t count = file.Read(buffer, sizeof buffer)) {
@@ -171,16 +171,16 @@ bool IsSame(const struct stat& a, const struct stat& b) {
            a.st_uid == b.st_uid && a.st_gid == b.st_gid;
 }
 
-// A file that is to be replaced: what it is, and its bytes if they must be the same until then.
+// A file to replace: its status, and its bytes if they must not change before then.
 struct Replaced {
     struct stat status;
     std::optional<std::string_view> bytes;
 };
 
-// Gives a new file the owner, the group, the access list and the mode of the one that it replaces,
-// as far as the system allows.
+// Gives a new file the owner, group, access list and mode of the one that it replaces, as far as
+// the system allows.
 void CopyRights(const File& file, const char* from, const struct stat& status) {
-    // Without both owner and group the bits that act in their names go.
+    // Drop setuid and setgid unless owner and group are both kept.
     constexpr auto kSameOwner = static_cast<uid_t>(-1);
     const bool hasBoth = fchown(file.Get(), status.st_uid, status.st_gid) == 0;
     const bool hasGroup = hasBoth || fchown(file.Get(), kSameOwner, status.st_gid) == 0;
@@ -193,16 +193,16 @@ void CopyRights(const File& file, const char* from, const struct stat& status) {
 bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
     struct stat status = {};
     if (old.bytes) {
-        std::error_code none;  // the calls that follow will say what is wrong
+        std::error_code none;  // the calls below report what is wrong
         const auto written = std::filesystem::last_write_time(target, none);
-        // It may be a pipe by now, which must not keep the process waiting: its signals wait, too.
+        // It may be a pipe by now, and opening it must not block: signals are blocked too.
         File file(open(target, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), name);
         file.Check(fstat(file.Get(), &status) == 0);
         if (!IsSame(status, old.status) || !Holds(file, *old.bytes)) {
             return false;
         }
         file.Close();
-        // What was written to a part that had been read already shows by the time.
+        // The time reveals a write to a part that had already been read.
         if (std::filesystem::last_write_time(target, none) != written) {
             return false;
         }
@@ -213,14 +213,14 @@ bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
     return IsSame(status, old.status);
 }
 
-// Puts a file of these bytes in the place to which path leads: of the old one, or, with null, of
-// whatever is there in the end.
+// Puts a file of these bytes where path leads, in place of the old one or, if that is null, of
+// whatever is there by then.
 void PutFile(const std::string& path, std::string_view bytes, const Replaced* old) {
     if (old != nullptr && !S_ISREG(old->status.st_mode)) {
         throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
     }
     const std::string target = EndOfLinks(path);
-    // Open now, so that after the rename there is nothing left to refuse.
+    // Opened now, so that this can't fail after the rename.
     const File directory(OpenFolderOf(target), path.c_str());
     std::string newPath = target + ".XXXXXX";
     const SignalBlock held;
@@ -230,7 +230,7 @@ void PutFile(const std::string& path, std::string_view bytes, const Replaced* ol
     if (old != nullptr) {
         CopyRights(file, target.c_str(), old->status);
     }
-    file.Check(fsync(file.Get()) == 0);  // before the name leads to it
+    file.Check(fsync(file.Get()) == 0);  // before it gets its final name
     file.Close();
     if (old != nullptr && !IsUnchanged(target.c_str(), path.c_str(), *old)) {
         throw std::runtime_error(path + ": another program has changed it meanwhile");
@@ -281,7 +281,7 @@ void CreatePrivateFile(const std::string& path, std::string_view bytes) {
     const SignalBlock held;
     File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
     Unfinished unfinished(path.c_str());
-    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the process's mask leaves
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the umask
     file.Write(bytes);
     file.Check(fsync(file.Get()) == 0);
     file.Close();
@@ -292,7 +292,7 @@ void CreatePrivateFile(const std::string& path, std::string_view bytes) {
 NamelessFile::NamelessFile(const std::string& path, std::string_view bytes) {
     File file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
     file.Check(unlink(path.c_str()) == 0);
-    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the mask leaves: it is opened once more
+    file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the umask: it is opened again
     file.Write(bytes);
     file.Check(lseek(file.Get(), 0, SEEK_SET) == 0);
     m_descriptor = file.Release();

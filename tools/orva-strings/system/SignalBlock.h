@@ -3,15 +3,15 @@
 
 #include <csignal>
 
-// Holds back every signal that can be, until the end of its scope: one that ended the process in
-// between would leave a file behind that is not finished.
+// While it lives, blocks every signal that can be blocked: one that ended the process would leave
+// an unfinished file.
 class SignalBlock {
 public:
     SignalBlock() noexcept {
         sigset_t all;
         sigfillset(&all);
         for (const int fault : {SIGBUS, SIGFPE, SIGILL, SIGSEGV}) {
-            sigdelset(&all, fault);  // undefined while held back
+            sigdelset(&all, fault);  // undefined while blocked
         }
         pthread_sigmask(SIG_SETMASK, &all, &m_before);
     }
