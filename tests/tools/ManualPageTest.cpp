@@ -1,4 +1,5 @@
 // The manual page and the help list the same commands and arguments.
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -100,12 +101,8 @@ std::vector<Words> HelpOf(const std::string& command) {
 }
 
 bool HasAnyOf(const Words& words, const Words& names) {
-    for (const std::string& name : names) {
-        if (words.count(name) != 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& name) { return words.count(name) != 0; });
 }
 
 TEST(ManualPage, NamesTheCommandsAndOptionsOfTheHelp) {
