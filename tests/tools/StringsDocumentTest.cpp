@@ -71,7 +71,7 @@ TEST(StringsDocument, KnowsThePartsOfAnEntry) {
         {"ABCD=\"x", "ABCD", "x", "", ""},
         {"ABCD=a\"x ; note", "ABCD", "x ; note", "a", ""},
         {"ABCD=a\"", "ABCD", "", "a", ""},
-        // If there is none, everything is the value.
+        // Without a quote, everything is the value.
         {"ABCD=x ; note", "ABCD", "x ; note", "", ""},
         {"ABCD=a\\nb", "ABCD", "a\\nb", "", ""},
         {"ABCD=", "ABCD", "", "", ""},
