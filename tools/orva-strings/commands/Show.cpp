@@ -104,8 +104,7 @@ public:
             {"--language", "LANGUAGE", "The section's name; without it, the first section"},
             m_language);
         arguments.AddFlag("--fallback",
-                          "Show the first section, as the library does, if there is none of that "
-                          "name",
+                          "Show the first section, as the library does, if that one is missing",
                           m_hasFallback);
         arguments.AddFlag("--reveal", "Show protected texts too", m_isRevealed);
     }
