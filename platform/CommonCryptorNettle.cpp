@@ -5,7 +5,7 @@
 #include <nettle/cbc.h>
 #include <nettle/nettle-meta.h>
 
-#include "clearing/ClearMemory.h"
+#include "clearing/Cleared.h"
 #include "platform/CommonCryptor.h"
 
 namespace {
@@ -26,13 +26,6 @@ const nettle_cipher* CipherOf(std::size_t keyLength) {
     }
 }
 
-// Bytes that are cleared at the end of their scope.
-template <typename Bytes>
-struct Cleared {
-    ~Cleared() { ClearMemory(&bytes, sizeof bytes); }
-    Bytes bytes;
-};
-
 // One operation in progress: the key schedule and the chaining value.
 class BlockChain {
 public:
@@ -42,9 +35,9 @@ public:
           m_isEncryption(op == kCCEncrypt),
           m_isEcb((options & kCCOptionECBMode) != 0) {
         const auto setKey = m_isEncryption ? cipher.set_encrypt_key : cipher.set_decrypt_key;
-        setKey(&m_schedule.bytes, static_cast<const std::uint8_t*>(key));
+        setKey(&m_schedule.value, static_cast<const std::uint8_t*>(key));
         if (iv != nullptr && !m_isEcb) {
-            std::memcpy(m_iv.bytes, iv, kBlock);
+            std::memcpy(m_iv.value, iv, kBlock);
         }
     }
 
@@ -52,9 +45,9 @@ public:
     void Run(std::uint8_t* out, const std::uint8_t* in, std::size_t length) {
         const auto function = m_isEncryption ? m_cipher.encrypt : m_cipher.decrypt;
         if (m_isEcb) {
-            function(&m_schedule.bytes, length, out, in);
+            function(&m_schedule.value, length, out, in);
         } else if (m_isEncryption) {
-            cbc_encrypt(&m_schedule.bytes, function, kBlock, m_iv.bytes, length, out, in);
+            cbc_encrypt(&m_schedule.value, function, kBlock, m_iv.value, length, out, in);
         } else {
             // Decrypt from a copy, piece by piece: in place, Nettle leaves plaintext in its own
             // buffer. The copy holds only ciphertext.
@@ -62,7 +55,7 @@ public:
             for (std::size_t done = 0; done < length; done += kPiece) {
                 const std::size_t size = std::min(kPiece, length - done);
                 std::memcpy(piece, in + done, size);
-                cbc_decrypt(&m_schedule.bytes, function, kBlock, m_iv.bytes, size, out + done,
+                cbc_decrypt(&m_schedule.value, function, kBlock, m_iv.value, size, out + done,
                             piece);
             }
         }
@@ -127,9 +120,9 @@ extern "C" CCCryptorStatus CCCrypt(CCOperation op, CCAlgorithm alg, CCOptions op
 
     if (isPadded && op == kCCEncrypt) {
         chain.Run(out, in, whole);
-        std::fill(std::copy_n(in + whole, rest, last.bytes), std::end(last.bytes),
+        std::fill(std::copy_n(in + whole, rest, last.value), std::end(last.value),
                   static_cast<std::uint8_t>(kBlock - rest));
-        chain.Run(out + whole, last.bytes, kBlock);
+        chain.Run(out + whole, last.value, kBlock);
         return kCCSuccess;
     }
     if (!isPadded || rest != 0 || whole == 0) {
@@ -140,13 +133,13 @@ extern "C" CCCryptorStatus CCCrypt(CCOperation op, CCAlgorithm alg, CCOptions op
 
     const std::size_t before = whole - kBlock;
     chain.Run(out, in, before);
-    chain.Run(last.bytes, in + before, kBlock);
-    const std::size_t padding = PaddingOf(last.bytes);
+    chain.Run(last.value, in + before, kBlock);
+    const std::size_t padding = PaddingOf(last.value);
     if (padding == 0) {
         *dataOutMoved = before;
         return kCCDecodeError;
     }
-    std::copy_n(last.bytes, kBlock - padding, out + before);
+    std::copy_n(last.value, kBlock - padding, out + before);
     *dataOutMoved = whole - padding;
     return kCCSuccess;
 }

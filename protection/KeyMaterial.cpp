@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "KeyShares.h"
-#include "clearing/ClearMemory.h"
 
 namespace {
 
@@ -15,10 +14,6 @@ const volatile std::uint8_t kSecondShare[kProtectedKey] = ORVA_SECOND_KEY_SHARE;
 
 KeyMaterial::KeyMaterial() noexcept {
     for (std::size_t i = 0; i < kProtectedKey; ++i) {
-        m_bytes[i] = static_cast<std::uint8_t>(kFirstShare[i] ^ kSecondShare[i]);
+        m_bytes.value[i] = static_cast<std::uint8_t>(kFirstShare[i] ^ kSecondShare[i]);
     }
-}
-
-KeyMaterial::~KeyMaterial() {
-    ClearMemory(m_bytes, sizeof m_bytes);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "clearing/Cleared.h"
 #include "protection/ProtectedForm.h"
 
 // The library's own key material, combined from its two shares; cleared when destroyed. The build
@@ -11,14 +12,13 @@
 class KeyMaterial {
 public:
     KeyMaterial() noexcept;
-    ~KeyMaterial();
     KeyMaterial(const KeyMaterial&) = delete;
     KeyMaterial& operator=(const KeyMaterial&) = delete;
 
-    const std::uint8_t (&Bytes() const noexcept)[kProtectedKey] { return m_bytes; }
+    const std::uint8_t (&Bytes() const noexcept)[kProtectedKey] { return m_bytes.value; }
 
 private:
-    std::uint8_t m_bytes[kProtectedKey];
+    Cleared<std::uint8_t[kProtectedKey]> m_bytes;
 };
 
 #endif

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "clearing/ClearMemory.h"
 #include "clearing/ClearedArray.h"
 #include "crypt/CCryptAES.h"
 
@@ -54,14 +53,11 @@ bool EqualTags(const std::uint8_t* a, const std::uint8_t* b) {
 }  // namespace
 
 ProtectionKeys::ProtectionKeys(const std::uint8_t (&material)[kProtectedKey]) {
-    for (std::size_t i = 0; i < sizeof m_blocks / kProtectedBlock; ++i) {
-        WriteBlock(m_blocks + i * kProtectedBlock, i + 1);
+    auto& blocks = m_blocks.value;
+    for (std::size_t i = 0; i < sizeof blocks / kProtectedBlock; ++i) {
+        WriteBlock(blocks + i * kProtectedBlock, i + 1);
     }
-    EncryptBlocks(material, kZeroIV, CRYPT_MODE_ECB, m_blocks, sizeof m_blocks);
-}
-
-ProtectionKeys::~ProtectionKeys() {
-    ClearMemory(m_blocks, sizeof m_blocks);
+    EncryptBlocks(material, kZeroIV, CRYPT_MODE_ECB, blocks, sizeof blocks);
 }
 
 bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* bytes) {

@@ -19,6 +19,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "clearing/Cleared.h"
+
 // Whether an entry with this key, which must not be null, is protected.
 inline bool IsProtectedKey(const char* key) {
     return key[0] == 'I' && key[1] == 'D' && key[2] == 'E';
@@ -40,16 +42,15 @@ constexpr bool IsStoredLength(std::size_t digits) {
 struct ProtectionKeys {
     // Throws what the cipher classes throw.
     explicit ProtectionKeys(const std::uint8_t (&material)[kProtectedKey]);
-    ~ProtectionKeys();
     ProtectionKeys(const ProtectionKeys&) = delete;
     ProtectionKeys& operator=(const ProtectionKeys&) = delete;
 
-    const std::uint8_t* EncryptionKey() const { return m_blocks; }
-    const std::uint8_t* IV() const { return m_blocks + 2 * kProtectedBlock; }
-    const std::uint8_t* TagKey() const { return m_blocks + 3 * kProtectedBlock; }
+    const std::uint8_t* EncryptionKey() const { return m_blocks.value; }
+    const std::uint8_t* IV() const { return m_blocks.value + 2 * kProtectedBlock; }
+    const std::uint8_t* TagKey() const { return m_blocks.value + 3 * kProtectedBlock; }
 
 private:
-    std::uint8_t m_blocks[5 * kProtectedBlock];
+    Cleared<std::uint8_t[5 * kProtectedBlock]> m_blocks;
 };
 
 // Converts a stored text to its cipher bytes, half as many as it has digits. Returns false if the

@@ -36,7 +36,7 @@ int DigitValue(char c) {
 MasterKey MasterKey::BuiltIn() {
     const KeyMaterial material;
     MasterKey key;
-    std::copy(std::begin(material.Bytes()), std::end(material.Bytes()), key.m_bytes);
+    std::copy(std::begin(material.Bytes()), std::end(material.Bytes()), key.m_bytes.value);
     ClearRegisters();  // of the key, which a later call may save
     return key;
 }
@@ -60,16 +60,16 @@ MasterKey MasterKey::FromText(std::string text, const std::string& name) {
         const int high = DigitValue(text[2 * i]);
         const int low = DigitValue(text[2 * i + 1]);
         isGood = high >= 0 && low >= 0;
-        key.m_bytes[i] = static_cast<std::uint8_t>(16 * high + low);
+        key.m_bytes.value[i] = static_cast<std::uint8_t>(16 * high + low);
     }
     ClearMemory(text.data(), text.size());
     if (!isGood) {
         // The build reports the same.
         throw std::runtime_error(
             name + (isLongEnough
-                        ? ": must hold 64 hexadecimal digits, and has other characters among "
+                        ? ": must hold 64 hexadecimal digits, but has other characters among "
                           "them"
-                        : ": must hold 64 hexadecimal digits in one line, and has " +
+                        : ": must hold 64 hexadecimal digits in one line, but has " +
                               std::to_string(size) + " bytes"));
     }
     return key;
@@ -77,25 +77,21 @@ MasterKey MasterKey::FromText(std::string text, const std::string& name) {
 
 MasterKey MasterKey::Random() {
     MasterKey key;
-    if (getentropy(key.m_bytes, sizeof key.m_bytes) != 0) {
+    if (getentropy(key.m_bytes.value, sizeof key.m_bytes.value) != 0) {
         throw std::system_error(errno, std::generic_category(), "the system's random source");
     }
     return key;
-}
-
-MasterKey::~MasterKey() {
-    ClearMemory(m_bytes, sizeof m_bytes);
 }
 
 ProtectionKeys MasterKey::Derive() const {
     const struct AtEnd {
         ~AtEnd() { ClearRegisters(); }  // of round keys
     } atEnd;
-    return ProtectionKeys(m_bytes);
+    return ProtectionKeys(m_bytes.value);
 }
 
 void MasterKey::WriteFileText(char* text) const {
-    WriteHexDigits(m_bytes, sizeof m_bytes, text);
+    WriteHexDigits(m_bytes.value, sizeof m_bytes.value, text);
     text[kDigits] = '\n';
 }
 
@@ -103,7 +99,8 @@ std::string MasterKey::Fingerprint() const {
     constexpr std::string_view kLabel = "libOrvaLanguage key fingerprint ";
     const ClearedArray text(kLabel.size() + kDigits);
     auto* const chars = reinterpret_cast<char*>(text.Get());
-    WriteHexDigits(m_bytes, sizeof m_bytes, std::copy(kLabel.begin(), kLabel.end(), chars));
+    WriteHexDigits(m_bytes.value, sizeof m_bytes.value,
+                   std::copy(kLabel.begin(), kLabel.end(), chars));
     std::uint8_t digest[kSha256Digest];
     Sha256({chars, text.Size()}, digest);
     ClearRegisters();  // of the digits

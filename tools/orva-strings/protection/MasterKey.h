@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "clearing/Cleared.h"
 #include "protection/ProtectedForm.h"
 
 // Key material for protected texts. Cleared when destroyed.
@@ -24,10 +25,6 @@ public:
 
     // New material from the system's random source. Throws std::system_error if that fails.
     static MasterKey Random();
-
-    MasterKey(const MasterKey&) = default;
-    MasterKey& operator=(const MasterKey&) = default;
-    ~MasterKey();
 
     ProtectionKeys Derive() const;
 
@@ -50,7 +47,7 @@ public:
 private:
     MasterKey() = default;
 
-    std::uint8_t m_bytes[kProtectedKey] = {};
+    Cleared<std::uint8_t[kProtectedKey]> m_bytes = {};
 };
 
 #endif
