@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr int kLookUps = 2000;  // per run; each key has only one first lookup
+constexpr int kLookups = 2000;  // per run; each key has only one first lookup
 constexpr int kEntries = 1000;  // the first ones, which are looked up repeatedly
 constexpr std::size_t kTextLength = 64;
 
@@ -48,13 +48,13 @@ std::string File(int first, int count) {
     return file;
 }
 
-void LookUpFirst(benchmark::State& state) {
+void FirstLookup(benchmark::State& state) {
     static int done = kEntries;
     const TemporaryBundle bundle;
-    bundle.Write("x", File(done, kLookUps));
+    bundle.Write("x", File(done, kLookups));
     ZuLoadStrings("en", "x", bundle.Get());
     std::vector<std::string> keys;
-    for (int i = 0; i < kLookUps; ++i) {
+    for (int i = 0; i < kLookups; ++i) {
         keys.push_back(KeyOf(done++));
     }
     auto key = keys.begin();
@@ -65,15 +65,15 @@ void LookUpFirst(benchmark::State& state) {
         }
     }
 }
-BENCHMARK(LookUpFirst)->Name("LookUp/First")->Iterations(kLookUps);
+BENCHMARK(FirstLookup)->Name("Lookup/First")->Iterations(kLookups);
 
 // The floor: reading the digits with "%x" and the cipher calls, each twice, and nothing else. The
 // digits are those of real entries: random ones take longer to read than equal ones.
-void LookUpFirstFloor(benchmark::State& state) {
+void FirstLookupFloor(benchmark::State& state) {
     const MasterKey builtIn = MasterKey::BuiltIn();
     const ProtectionKeys keys = builtIn.Derive();
     std::vector<std::string> texts;
-    for (int i = 0; i < kLookUps; ++i) {
+    for (int i = 0; i < kLookups; ++i) {
         texts.push_back(EncodeProtectedText(keys, Text(i)));
     }
     auto text = texts.begin();
@@ -102,7 +102,7 @@ void LookUpFirstFloor(benchmark::State& state) {
         benchmark::DoNotOptimize(data);
     }
 }
-BENCHMARK(LookUpFirstFloor)->Name("LookUp/FirstFloor")->Iterations(kLookUps);
+BENCHMARK(FirstLookupFloor)->Name("Lookup/FirstFloor")->Iterations(kLookups);
 
 void LookUp(benchmark::State& state, bool isProtected) {
     const TemporaryBundle bundle;

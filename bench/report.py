@@ -21,7 +21,7 @@ import subprocess
 import sys
 
 OURS = "OrvaLanguage"
-LOOK_UP_PEERS = ("ICU", "Boost.Locale", "Qt", "GLib", "gettext")
+LOOKUP_PEERS = ("ICU", "Boost.Locale", "Qt", "GLib", "gettext")
 LOAD_PEERS = ("GLib", "nlohmann-json")
 SIZES = ("100", "1000", "10000", "100000", "installed")
 PACKAGES = ("g++", "libc6", "libicu-dev", "libboost-locale-dev", "qt6-base-dev", "libglib2.0-dev",
@@ -105,17 +105,17 @@ def goals(results, sizes):
     time, counter = results.time, results.counter
     for kind in ("hit", "miss"):
         for size in sizes:
-            peers = {peer: time(f"LookUp/{kind}/{peer}/{size}") for peer in LOOK_UP_PEERS}
+            peers = {peer: time(f"Lookup/{kind}/{peer}/{size}") for peer in LOOKUP_PEERS}
             fastest = min(peers, key=peers.get)
             yield Goal(f"Lookup, {kind}, {entries_of(results, size)} entries: times as fast",
-                       NANOSECONDS, time(f"LookUp/{kind}/{OURS}/{size}"), peers[fastest], speed_up,
+                       NANOSECONDS, time(f"Lookup/{kind}/{OURS}/{size}"), peers[fastest], speed_up,
                        "≥", 3, fastest)
-    yield Goal("Lookup, protected and cached, to a plain one", NANOSECONDS, time("LookUp/Cached"),
-               time("LookUp/Plain"), share, "≤", 2.5)
-    yield Goal("Lookup, 100,000 entries to 1,000", NANOSECONDS, time(f"LookUp/hit/{OURS}/100000"),
-               time(f"LookUp/hit/{OURS}/1000"), share, "<", 8)
+    yield Goal("Lookup, protected and cached, to a plain one", NANOSECONDS, time("Lookup/Cached"),
+               time("Lookup/Plain"), share, "≤", 2.5)
+    yield Goal("Lookup, 100,000 entries to 1,000", NANOSECONDS, time(f"Lookup/hit/{OURS}/100000"),
+               time(f"Lookup/hit/{OURS}/1000"), share, "<", 8)
     yield Goal("First lookup of a protected text, to its floor", MICROSECONDS,
-               time("LookUp/First"), time("LookUp/FirstFloor"), share, "≤", 1.5)
+               time("Lookup/First"), time("Lookup/FirstFloor"), share, "≤", 1.5)
 
     for size in ("1000", "10000"):
         for peer in LOAD_PEERS:
@@ -186,7 +186,7 @@ def processor():
 
 def document_text(results, sizes, summary, plot, note):
     loads = (OURS, *LOAD_PEERS, "std::map")
-    installed = f"\n\n\"Installed\" is the translations of the packages on the machine, in the language with the\nmost: {note}." if note else ""
+    installed = f"\n\n\"Installed\" is the translations that the packages on the machine bring: {note}. The\nkeys that are looked up are those of the language with the most entries." if note else ""
     return f"""# Performance
 
 `scripts/bench` compares this library with what a host would use instead, and writes this page.
@@ -211,10 +211,10 @@ which does not, was seen to take half the time of its `gettext`.
 
 Hits:
 
-{figures(results, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), sizes, 1)}
+{figures(results, "Lookup/hit", (OURS, *LOOKUP_PEERS, "std::map"), sizes, 1)}
 Misses; ICU and GLib search further before they give up:
 
-{figures(results, "LookUp/miss", (OURS, *LOOK_UP_PEERS, "std::map"), sizes, 1)}
+{figures(results, "Lookup/miss", (OURS, *LOOKUP_PEERS, "std::map"), sizes, 1)}
 ## Loads
 
 In milliseconds. For this library and `std::map`, the installed translations of all languages are one
@@ -247,8 +247,8 @@ def draw(results, sizes, path):
 
     matplotlib.rcParams.update({"svg.fonttype": "none", "svg.hashsalt": "", "font.size": 9,
                                 "axes.spines.top": False, "axes.spines.right": False})
-    figure, (look_ups, loads, starts) = pyplot.subplots(1, 3, figsize=(13, 4))
-    colour = {name: f"C{i}" for i, name in enumerate((OURS, *LOOK_UP_PEERS, "std::map"))}
+    figure, (lookups, loads, starts) = pyplot.subplots(1, 3, figsize=(13, 4))
+    colour = {name: f"C{i}" for i, name in enumerate((OURS, *LOOKUP_PEERS, "std::map"))}
     colour["nlohmann-json"] = "C8"
 
     def lines(axes, prefix, names, scale, title):
@@ -262,7 +262,7 @@ def draw(results, sizes, path):
             axis.set_major_formatter("{x:,g}")
         axes.legend(frameon=False, fontsize=7, loc="center left", bbox_to_anchor=(1, 0.5))
 
-    lines(look_ups, "LookUp/hit", (OURS, *LOOK_UP_PEERS, "std::map"), 1, "A lookup that hits, ns")
+    lines(lookups, "Lookup/hit", (OURS, *LOOKUP_PEERS, "std::map"), 1, "A lookup that hits, ns")
     lines(loads, "Load", (OURS, *LOAD_PEERS, "std::map"), MILLISECONDS[0], "A load, ms")
     hosts = {OURS: "host_orvalanguage", "gettext": "host_gettext", "ICU": "host_icu", "Qt": "host_qt"}
     starts.barh(list(hosts), [results.time(f"Start/{program}") / MILLISECONDS[0]

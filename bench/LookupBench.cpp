@@ -1,6 +1,6 @@
 // Lookups of keys in random order: this library's, and those of what a host would use instead.
 //
-// Usage: look_up_bench CORPUS [OPTION…]    CORPUS: a folder that make_corpora.py wrote, only one,
+// Usage: lookup_bench CORPUS [OPTION…]    CORPUS: a folder that make_corpora.py wrote, only one,
 // since gettext keeps all that it has found in one tree; options are Google Benchmark's.
 #include <cstdio>
 
@@ -41,7 +41,7 @@ void LookUp(benchmark::State& state, const Corpus& corpus, bool isHit) {
 template <typename Source>
 void Register(const Corpus& corpus) {
     for (const bool isHit : {true, false}) {
-        const std::string name = std::string("LookUp/") + (isHit ? "hit/" : "miss/") +
+        const std::string name = std::string("Lookup/") + (isHit ? "hit/" : "miss/") +
                                  Source::kName + '/' + corpus.Size();
         benchmark::RegisterBenchmark(name.c_str(), LookUp<Source>, corpus, isHit);
     }
@@ -59,7 +59,7 @@ void RegisterEach(const Corpus& corpus) {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     if (argc != 2) {
-        std::fputs("Usage: look_up_bench CORPUS [OPTION…]\n", stderr);
+        std::fputs("Usage: lookup_bench CORPUS [OPTION…]\n", stderr);
         return 2;
     }
     RegisterEach<OrvaLanguage, Icu, BoostLocale, QtTranslator, GLib, Gettext, StandardMap>(
