@@ -140,7 +140,7 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
         {{"protect", "-"},
          readable,
          StoredFile(DevelopmentKey()),
-         "orva-strings: note: protecting with the development key, which everybody knows\n"},
+         "orva-strings: note: protecting with the development key, which is public\n"},
         {{"protect", "--key-file", "-", Path("readable")}, digits + "\r\n", ofFirst, ""},
         {{"reveal", "--key-file", first, "-"}, ofFirst, readable, ""},
         {{"reveal", "-"}, StoredFile(DevelopmentKey()), readable, ""},
@@ -183,9 +183,9 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
 TEST_F(OrvaStringsInput, ThatIsEmptyIsNeitherAFileNorAKey) {
     const std::string first = Path("first.key");
     const std::string second = Path("second.key");
-    const std::string noSection = "-: error: there is no section in it\n";
+    const std::string noSection = "-: error: it has no section\n";
     const std::string noKey =
-        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, and has 0 bytes\n";
+        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, but has 0 bytes\n";
     const struct {
         std::vector<std::string> arguments;
         int status;

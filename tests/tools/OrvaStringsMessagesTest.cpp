@@ -107,7 +107,7 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
     const std::string why =
         ": the value looks stored but does not decode: it was damaged or made with another key\n";
     const std::string note =
-        "orva-strings: note: protecting with the development key, which everybody knows\n";
+        "orva-strings: note: protecting with the development key, which is public\n";
     const struct {
         std::vector<std::string> arguments;
         int status;
@@ -118,12 +118,12 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
         {{"protect", file, "--key-file", file},
          2,
          {"orva-strings: error: " + file +
-          ": must hold 64 hexadecimal digits in one line, and has " +
+          ": must hold 64 hexadecimal digits in one line, but has " +
           std::to_string(std::filesystem::file_size(file)) + " bytes\n"}},
         {{"show", file, "MENU", "NOT_THERE"},
          1,
          {file + ": error: NOT_THERE: there is no such key in the section\n"}},
-        {{"sections", "-"}, 1, {"-: error: there is no section in it\n"}},
+        {{"sections", "-"}, 1, {"-: error: it has no section\n"}},
         {{"sections", file + ".missing"},
          2,
          {"orva-strings: error: " + file + ".missing: No such file or directory\n"}},

@@ -41,14 +41,14 @@ const std::string kCountedKey =
 // A call, and what the command reports if it fails; null: it goes on.
 struct Step {
     std::string call;
-    const char* told;
+    const char* reported;
 };
 using Steps = std::vector<Step>;
 
 const char* const kGoesOn = nullptr;
-const char kTold[] = "file: Input/output error";
-const char kSomehowTold[] = "Input/output error";  // worded by the standard library
-const char kChanged[] = "file: another program has changed it meanwhile";
+const char kReported[] = "file: Input/output error";
+const char kReportedWithoutPath[] = "Input/output error";  // worded by the standard library
+const char kChanged[] = "file: another program has changed it in the meantime";
 
 bool Begins(const std::string& text, const std::string& begin) {
     return text.compare(0, begin.size(), begin) == 0;
@@ -129,15 +129,15 @@ protected:
     }
 
     // Checks how a failed call is reported.
-    void ExpectTold(const char* told) const {
-        if (told == kGoesOn) {
+    void ExpectReported(const char* reason) const {
+        if (reason == kGoesOn) {
             EXPECT_EQ(m_status, 0);
             EXPECT_EQ(m_err, "");
             return;
         }
         EXPECT_EQ(m_status, 2);
         EXPECT_TRUE(Begins(m_err, "orva-strings: error: ")) << m_err;
-        EXPECT_NE(m_err.find(told), std::string::npos) << m_err;
+        EXPECT_NE(m_err.find(reason), std::string::npos) << m_err;
     }
 
     // Runs the command, which must make these calls, and again for each of them that fails. The
@@ -148,7 +148,7 @@ protected:
         MakeFiles(old);
         const std::set<std::string> others = Names();
         Run(arguments);
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         EXPECT_EQ(BytesOf("file"), renewed);
         const std::string output = m_out;
         Texts expected;
@@ -156,22 +156,22 @@ protected:
             expected.push_back(step.call);
         }
         ASSERT_EQ(m_calls, expected);
-        bool isRenewed = false;
+        bool isReplaced = false;
         for (std::size_t n = 0; n < steps.size(); ++n) {
             const Step& step = steps[n];
             SCOPED_TRACE("call " + std::to_string(n) + " fails: " + step.call);
             MakeFiles(old);
             RunFailing(arguments, n);
-            ExpectTold(step.told);
-            const bool isNew = isRenewed || step.told == kGoesOn;
+            ExpectReported(step.reported);
+            const bool isNew = isReplaced || step.reported == kGoesOn;
             EXPECT_EQ(BytesOf("file"), isNew ? renewed : old);
-            EXPECT_EQ(m_out, step.told == kGoesOn ? output : "");
+            EXPECT_EQ(m_out, step.reported == kGoesOn ? output : "");
             std::set<std::string> names = others;
             if (isNew && !renewed.empty()) {
                 names.insert("file");
             }
             EXPECT_EQ(Names(), names);
-            isRenewed = isRenewed || step.call == turn;
+            isReplaced = isReplaced || step.call == turn;
         }
     }
 
@@ -207,33 +207,33 @@ protected:
 
 TEST_F(OrvaStringsSystemCalls, ReplaceAFileInPlace) {
     const Steps steps = {
-        {"open file O_RDONLY|O_CLOEXEC", kTold},
-        {"fstat file", kTold},
-        {"read file", kTold},
-        {"read file", kTold},
+        {"open file O_RDONLY|O_CLOEXEC", kReported},
+        {"fstat file", kReported},
+        {"read file", kReported},
+        {"read file", kReported},
         {"close file", kGoesOn},
-        {"lstat file", kSomehowTold},
-        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kTold},
+        {"lstat file", kReportedWithoutPath},
+        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kReported},
         {"hold signals", kGoesOn},
-        {"getentropy 3", kTold},
-        {"open file.A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600", kTold},
-        {"write file.A1A2A3", kTold},
+        {"getentropy 3", kReported},
+        {"open file.A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600", kReported},
+        {"write file.A1A2A3", kReported},
         {"fchown file.A1A2A3 owner", kGoesOn},
         {"getxattr file system.posix_acl_access", kGoesOn},
         {"fremovexattr file.A1A2A3 system.posix_acl_access", kGoesOn},
-        {"fchmod file.A1A2A3 640", kTold},
-        {"fsync file.A1A2A3", kTold},
-        {"close file.A1A2A3", kTold},
+        {"fchmod file.A1A2A3 640", kReported},
+        {"fsync file.A1A2A3", kReported},
+        {"close file.A1A2A3", kReported},
         {"stat file", kChanged},
-        {"open file O_RDONLY|O_NOCTTY|O_NONBLOCK|O_CLOEXEC", kTold},
-        {"fstat file", kTold},
-        {"read file", kTold},
-        {"read file", kTold},
-        {"close file", kTold},
+        {"open file O_RDONLY|O_NOCTTY|O_NONBLOCK|O_CLOEXEC", kReported},
+        {"fstat file", kReported},
+        {"read file", kReported},
+        {"read file", kReported},
+        {"close file", kReported},
         {"stat file", kChanged},
-        {"lstat file", kTold},
-        {"rename file.A1A2A3 file", kTold},
-        {"fsync .", kTold},
+        {"lstat file", kReported},
+        {"rename file.A1A2A3 file", kReported},
+        {"fsync .", kReported},
         {"release signals", kGoesOn},
         {"close .", kGoesOn},
     };
@@ -248,22 +248,22 @@ TEST_F(OrvaStringsSystemCalls, ReplaceAnOutputFile) {
         {"read stored", "stored: Input/output error"},
         {"read stored", "stored: Input/output error"},
         {"close stored", kGoesOn},
-        {"stat file", kTold},
-        {"lstat file", kSomehowTold},
-        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kTold},
+        {"stat file", kReported},
+        {"lstat file", kReportedWithoutPath},
+        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kReported},
         {"hold signals", kGoesOn},
-        {"getentropy 3", kTold},
-        {"open file.A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600", kTold},
-        {"write file.A1A2A3", kTold},
+        {"getentropy 3", kReported},
+        {"open file.A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600", kReported},
+        {"write file.A1A2A3", kReported},
         {"fchown file.A1A2A3 owner", kGoesOn},
         {"getxattr file system.posix_acl_access", kGoesOn},
         {"fremovexattr file.A1A2A3 system.posix_acl_access", kGoesOn},
-        {"fchmod file.A1A2A3 640", kTold},
-        {"fsync file.A1A2A3", kTold},
-        {"close file.A1A2A3", kTold},
-        {"lstat file", kTold},
-        {"rename file.A1A2A3 file", kTold},
-        {"fsync .", kTold},
+        {"fchmod file.A1A2A3 640", kReported},
+        {"fsync file.A1A2A3", kReported},
+        {"close file.A1A2A3", kReported},
+        {"lstat file", kReported},
+        {"rename file.A1A2A3 file", kReported},
+        {"fsync .", kReported},
         {"release signals", kGoesOn},
         {"close .", kGoesOn},
     };
@@ -279,17 +279,17 @@ TEST_F(OrvaStringsSystemCalls, MakeAnOutputFile) {
         {"read stored", "stored: Input/output error"},
         {"read stored", "stored: Input/output error"},
         {"close stored", kGoesOn},
-        {"stat file", kTold},
-        {"lstat file", kSomehowTold},
-        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kTold},
+        {"stat file", kReported},
+        {"lstat file", kReportedWithoutPath},
+        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kReported},
         {"hold signals", kGoesOn},
-        {"getentropy 3", kTold},
-        {"open file.A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 666", kTold},
-        {"write file.A1A2A3", kTold},
-        {"fsync file.A1A2A3", kTold},
-        {"close file.A1A2A3", kTold},
-        {"rename file.A1A2A3 file", kTold},
-        {"fsync .", kTold},
+        {"getentropy 3", kReported},
+        {"open file.A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 666", kReported},
+        {"write file.A1A2A3", kReported},
+        {"fsync file.A1A2A3", kReported},
+        {"close file.A1A2A3", kReported},
+        {"rename file.A1A2A3 file", kReported},
+        {"fsync .", kReported},
         {"release signals", kGoesOn},
         {"close .", kGoesOn},
     };
@@ -304,14 +304,14 @@ TEST_F(OrvaStringsSystemCalls, MakeAnOutputFile) {
 TEST_F(OrvaStringsSystemCalls, MakeAKeyFile) {
     const Steps steps = {
         {"getentropy 32", "the system's random source: Input/output error"},
-        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kTold},
+        {"open . O_RDONLY|O_DIRECTORY|O_CLOEXEC", kReported},
         {"hold signals", kGoesOn},
-        {"open file O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600", kTold},
-        {"fchmod file 600", kTold},
-        {"write file", kTold},
-        {"fsync file", kTold},
-        {"close file", kTold},
-        {"fsync .", kTold},
+        {"open file O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 600", kReported},
+        {"fchmod file 600", kReported},
+        {"write file", kReported},
+        {"fsync file", kReported},
+        {"close file", kReported},
+        {"fsync .", kReported},
         {"release signals", kGoesOn},
         {"close .", kGoesOn},
     };
@@ -321,10 +321,10 @@ TEST_F(OrvaStringsSystemCalls, MakeAKeyFile) {
 
 TEST_F(OrvaStringsSystemCalls, ReadAKeyFile) {
     const Steps steps = {
-        {"open file O_RDONLY|O_CLOEXEC", kTold},
-        {"fstat file", kTold},
-        {"read file", kTold},
-        {"read file", kTold},
+        {"open file O_RDONLY|O_CLOEXEC", kReported},
+        {"fstat file", kReported},
+        {"read file", kReported},
+        {"read file", kReported},
         {"close file", kGoesOn},
     };
     ExpectSteps({"key", "show", "--key-file", "file"}, steps, kCountedKey, kCountedKey, "");
@@ -332,9 +332,9 @@ TEST_F(OrvaStringsSystemCalls, ReadAKeyFile) {
 
 TEST_F(OrvaStringsSystemCalls, ReadALibrary) {
     const Steps steps = {
-        {"open file O_RDONLY|O_CLOEXEC", kTold},
-        {"read file", kTold},
-        {"read file", kTold},
+        {"open file O_RDONLY|O_CLOEXEC", kReported},
+        {"read file", kReported},
+        {"read file", kReported},
         {"close file", kGoesOn},
     };
     ExpectSteps({"key", "show", "--library", "file"}, steps, kLibrary, kLibrary, "");
@@ -351,7 +351,7 @@ TEST_F(OrvaStringsSystemCalls, ReadStandardInput) {
     for (const std::size_t n : {0U, 1U, 2U}) {
         lseek(stored, 0, SEEK_SET);
         RunFailing({"reveal", "-"}, n);
-        ExpectTold("standard input: Input/output error");
+        ExpectReported("standard input: Input/output error");
         EXPECT_EQ(m_out, "");
     }
     dup2(before, STDIN_FILENO);
@@ -363,10 +363,10 @@ TEST_F(OrvaStringsSystemCalls, MakeACopyToShow) {
     const std::string copy = "TMP/Contents/Resources/strings";
     const char copyTold[] = "/Contents/Resources/strings: Input/output error";
     const Steps steps = {
-        {"open file O_RDONLY|O_CLOEXEC", kTold},
-        {"fstat file", kTold},
-        {"read file", kTold},
-        {"read file", kTold},
+        {"open file O_RDONLY|O_CLOEXEC", kReported},
+        {"fstat file", kReported},
+        {"read file", kReported},
+        {"read file", kReported},
         {"close file", kGoesOn},
         {"hold signals", kGoesOn},
         {"mkdtemp tmp/orva-XXXXXX", "tmp/orva-XXXXXX: Input/output error"},
@@ -390,7 +390,7 @@ TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
     Run({"show", "long"});
     const std::string whole = m_out;
     ASSERT_NE(whole.find("LAST=\"text\"\n"), std::string::npos);
-    std::set<std::string> told;
+    std::set<std::string> reasons;
     bool wasMade = true;
     bool hasRead = false;  // in calls that are recorded
     for (std::size_t n = 0; wasMade; ++n) {
@@ -405,10 +405,10 @@ TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
         wasMade = count > n;
         EXPECT_EQ(out.str(), status == 0 ? whole : "") << n;
         EXPECT_EQ(status, err.str().empty() ? 0 : 2) << n;
-        told.insert(err.str().substr(err.str().rfind(": ") + 1));
+        reasons.insert(err.str().substr(err.str().rfind(": ") + 1));
     }
-    EXPECT_EQ(told.count(" the library could not load the copy made there\n"), 1U);
-    EXPECT_EQ(told.count(" the section could not be loaded whole\n"), hasRead ? 1U : 0U);
+    EXPECT_EQ(reasons.count(" the library could not load the copy made there\n"), 1U);
+    EXPECT_EQ(reasons.count(" the section could not be loaded whole\n"), hasRead ? 1U : 0U);
 }
 
 // The new file is in the folder of the file that it replaces, not in that of a link to it.
@@ -434,10 +434,10 @@ TEST_F(OrvaStringsSystemCalls, MakeTheNewFileBesideTheOldOne) {
         };
         EXPECT_EQ(made("open " + folder + " O_RDONLY|O_DIRECTORY|O_CLOEXEC"), 1) << arguments[2];
         if (file.empty()) {
-            ExpectTold("/nowhere/other: No such file or directory");
+            ExpectReported("/nowhere/other: No such file or directory");
             continue;
         }
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         EXPECT_EQ(made("open " + file + ".A1A2A3 O_WRONLY|O_CREAT|O_EXCL|O_CLOEXEC 666"), 1)
             << file;
         EXPECT_EQ(made("rename " + file + ".A1A2A3 " + file), 1) << file;
@@ -477,7 +477,7 @@ TEST_F(OrvaStringsSystemCalls, TakeAnotherNameWhereOneIsTaken) {
     std::vector<std::uint8_t> random(15);
     std::iota(random.begin(), random.end(), static_cast<std::uint8_t>(1));
     Run({"reveal", "--in-place", "file"}, nullptr, random);
-    ExpectTold(kGoesOn);
+    ExpectReported(kGoesOn);
     EXPECT_EQ(std::count(m_calls.begin(), m_calls.end(), "getentropy 3"), 5);
     EXPECT_EQ(std::count(m_calls.begin(), m_calls.end(), "rename file.0D0E0F file"), 1);
     EXPECT_EQ(BytesOf("file"), kPlain);
@@ -488,7 +488,7 @@ TEST_F(OrvaStringsSystemCalls, TakeAnotherNameWhereOneIsTaken) {
     MakeFiles(m_stored);
     random.resize(12);
     Run({"reveal", "--in-place", "file"}, nullptr, random);  // every name is taken
-    ExpectTold(kTold);
+    ExpectReported(kReported);
     EXPECT_EQ(BytesOf("file"), m_stored);
     EXPECT_EQ(Names(), names);
 }
@@ -503,7 +503,7 @@ TEST_F(OrvaStringsSystemCalls, MakeAKeyOf32RandomBytes) {
          {std::pair(random, digits), std::pair(SystemCalls::Counting(), kCountedKey)}) {
         std::filesystem::remove("key");
         Run({"key", "new", "key"}, nullptr, bytes);
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         EXPECT_EQ(BytesOf("key"), text);
         Run({"key", "new", "-"}, nullptr, bytes);
         EXPECT_EQ(m_calls, Texts{"getentropy 32"});
@@ -511,7 +511,7 @@ TEST_F(OrvaStringsSystemCalls, MakeAKeyOf32RandomBytes) {
     }
     random.pop_back();
     Run({"key", "new", "-"}, nullptr, random);
-    ExpectTold("the system's random source: Input/output error");
+    ExpectReported("the system's random source: Input/output error");
     EXPECT_EQ(m_out, "");
 }
 
@@ -522,14 +522,14 @@ TEST_F(OrvaStringsSystemCalls, MakeAKeyFileOnlyUnderANewName) {
     const std::set<std::string> names = Names();
     for (const char* const name : {"taken", "link"}) {
         Run({"key", "new", name});
-        ExpectTold((std::string(name) + ": File exists").c_str());
+        ExpectReported((std::string(name) + ": File exists").c_str());
         EXPECT_EQ(Names(), names);
     }
     EXPECT_EQ(BytesOf("taken"), kOther);
 }
 
 // From the moment they exist, even with a umask of 0.
-TEST_F(OrvaStringsSystemCalls, GiveNobodyElseARightToWhatIsUnfinished) {
+TEST_F(OrvaStringsSystemCalls, GiveNobodyElseAccessBeforeTheEnd) {
     umask(0);
     MakeFiles(m_stored);
     m_folder.Write("out", kOther);
@@ -557,7 +557,7 @@ TEST_F(OrvaStringsSystemCalls, GiveNobodyElseARightToWhatIsUnfinished) {
             expected = call == c.last ? c.mode : expected;
             return 0;
         });
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         EXPECT_EQ(seen, c.calls);
     }
     EXPECT_EQ(ModeOf("key"), 0600U);
@@ -577,7 +577,7 @@ TEST_F(OrvaStringsSystemCalls, LetNobodyElseIntoTheTemporaryFolder) {
         }
         return 0;
     });
-    ExpectTold(kGoesOn);
+    ExpectReported(kGoesOn);
     EXPECT_EQ(seen, 25U);
 }
 
@@ -608,7 +608,7 @@ TEST_F(OrvaStringsSystemCalls, ReplaceNothingButTheFileThatWasRead) {
             };
             Run(c.first);
             EXPECT_EQ(count, 2);
-            ExpectTold(kChanged);
+            ExpectReported(kChanged);
             EXPECT_EQ(BytesOf("file"), m_stored);
             EXPECT_EQ(Names(), names);
         }
@@ -656,7 +656,7 @@ TEST_F(OrvaStringsSystemCalls, NarrowTheModeWhereRightsCannotBeCopied) {
                              [&](const auto& begin) { return Begins(call, begin.first); });
             return found != c.refused.end() ? found->second : 0;
         });
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         EXPECT_EQ(BytesOf("file"), kPlain);
         EXPECT_EQ(ModeOf("file"), c.after) << (c.refused.empty() ? "" : c.refused.back().first)
                                            << " with " << std::oct << c.before;
@@ -683,7 +683,7 @@ TEST_F(OrvaStringsSystemCalls, SetTheAccessListBeforeTheModeOrNarrowThat) {
         Run({"reveal", "--in-place", "file"}, [&](const std::string& call) {
             return isRefused && Begins(call, "fsetxattr ") ? EIO : 0;
         });
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         const auto set = std::find(m_calls.begin(), m_calls.end(),
                                    "fsetxattr file.A1A2A3 system.posix_acl_access");
         ASSERT_NE(set, m_calls.end());
@@ -709,7 +709,7 @@ TEST_F(OrvaStringsSystemCalls, KeepOwnerAndGroup) {
         Run({"reveal", "--in-place", "file"}, [&](const std::string& call) {
             return !isOwnerKept && call == "fchown file.A1A2A3 owner" ? EPERM : 0;
         });
-        ExpectTold(kGoesOn);
+        ExpectReported(kGoesOn);
         struct stat status = {};
         ASSERT_EQ(stat("file", &status), 0);
         EXPECT_EQ(status.st_uid, isOwnerKept ? owner : geteuid());

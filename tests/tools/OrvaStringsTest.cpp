@@ -36,7 +36,7 @@ using namespace std::string_literals;  // for texts that hold NUL bytes
 namespace {
 
 const std::string kDevelopmentKeyNote =
-    "orva-strings: note: protecting with the development key, which everybody knows\n";
+    "orva-strings: note: protecting with the development key, which is public\n";
 
 const char kReadable[] =
     "// IDE_COMMENT=\"stays\"\r\n"
@@ -131,7 +131,7 @@ TEST_F(OrvaStrings, ReadsStandardInput) {
 const char kBeforeFirst[] = ": not read, because it comes before the first section\n";
 const char kAfterMark[] = ": not read, because a byte-order mark is in front of it\n";
 const char kAfterReturn[] =
-    ": not read, because it follows a carriage return, which ends no line\n";
+    ": not read, because it follows a carriage return, which does not end a line\n";
 
 TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
     const std::string before = kBeforeFirst;
@@ -141,8 +141,8 @@ TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
         std::string bytes;
         std::string errors;
     } cases[] = {
-        {"", "-: error: there is no section in it\n"},
-        {"MENU=\"x\"\n", "-: error: there is no section in it\n"},
+        {"", "-: error: it has no section\n"},
+        {"MENU=\"x\"\n", "-: error: it has no section\n"},
         {"QVLANG=en\rIDE_X=\"x\"\r", "-:1: error: IDE_X" + ret},
         {"QVLANG=en\rIDE_X=1\rMENU=2\rQVLANG=fr\rIDE_Y=3\r",
          "-:1: error: IDE_X" + ret + "-:1: error: QVLANG" + ret + "-:1: error: IDE_Y" + ret},
@@ -272,7 +272,7 @@ TEST_F(OrvaStrings, DoesNotWriteOverTheKey) {
              {"rekey", "--from", Path("other"), "--to", Path("key"), "-o", Path("key"), file}}) {
         EXPECT_EQ(Run(arguments), 2);
         EXPECT_EQ(m_err, "orva-strings: error: " + arguments[arguments.size() - 2] +
-                             ": this is the key file, and would be lost\n");
+                             ": this is the key file, which would be overwritten\n");
         EXPECT_EQ(ReadFile(Path("key")), ToHex(key) + "\n");
     }
 }
@@ -463,7 +463,7 @@ TEST_F(OrvaStrings, TakesAKeyFromStandardInput) {
     EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, "no key"), 2);
     EXPECT_EQ(
         m_err,
-        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, and has 6 bytes\n");
+        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, but has 6 bytes\n");
 
     std::filesystem::current_path(m_folder.Path());
     WriteKey("-", 2);
@@ -540,7 +540,7 @@ TEST_F(OrvaStrings, TellsLooksByDigitsAndLength) {
 TEST_F(OrvaStrings, RefusesATextWithANulByte) {
     EXPECT_EQ(Run({"protect", "-"}, "QVLANG=en\nIDE_X=\"a\0b\"\nIDE_Y=\"good\"\n"s), 1);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err, kDevelopmentKeyNote + "-:2: error: IDE_X: the text has a NUL byte in it\n");
+    EXPECT_EQ(m_err, kDevelopmentKeyNote + "-:2: error: IDE_X: the text contains a NUL byte\n");
 }
 
 TEST_F(OrvaStrings, RefusesToRevealWhatWouldNotReadBackTheSame) {
@@ -612,10 +612,10 @@ TEST_F(OrvaStrings, ShowsAnotherSectionOnlyByWish) {
 
     EXPECT_EQ(Run({"show", "-", "--fallback", "--language", "de"}, bytes), 0);
     EXPECT_EQ(m_out, "ABCD=\"1\"\nQVLANG=\"en\"\n");
-    EXPECT_EQ(m_err, "-: note: there is no section de, so this is the first\n");
+    EXPECT_EQ(m_err, "-: note: there is no section de, so this is the first section\n");
     EXPECT_EQ(Run({"show", "-", "--fallback", "--language", "de", "NONE"}, bytes), 1);
     EXPECT_EQ(m_err,
-              "-: note: there is no section de, so this is the first\n"
+              "-: note: there is no section de, so this is the first section\n"
               "-: error: NONE: there is no such key in the section\n");
 
     for (const auto& [language, text] : {std::pair{"FR", "2"}, std::pair{"", "1"}}) {
@@ -639,16 +639,15 @@ TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
     EXPECT_EQ(m_out, "MENU=\"x\"\nQVLANG=\"en\"\n");
     EXPECT_EQ(
         m_err,
-        "-:2: error: IDE_PLAIN: the value is not protected, so it has no answer\n"
+        "-:2: error: IDE_PLAIN: the value is not protected, so the library answers null\n"
         "-:4: error: IDE_WRONG: the value does not decode: it was damaged or made with another "
         "key\n");
     EXPECT_EQ(Run({"show", "-"}, "MENU=\"x\"\n"), 1);
-    EXPECT_EQ(m_err, "-: error: there is no section in it\n");
+    EXPECT_EQ(m_err, "-: error: it has no section\n");
 
     EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nABCD=1\nABCD\0X=2\n"s), 1);
     EXPECT_EQ(m_out, "ABCD=\"1\"\nQVLANG=\"en\"\n");
-    EXPECT_EQ(m_err,
-              "-:3: error: ABCD\\x00X: it has a NUL byte in it, so that no host can ask for it\n");
+    EXPECT_EQ(m_err, "-:3: error: ABCD\\x00X: it contains a NUL byte, so no host can ask for it\n");
 }
 
 TEST_F(OrvaStrings, ListsSections) {
@@ -780,10 +779,10 @@ TEST_F(OrvaStrings, CountsNotesAndBlankLinesInItsMessages) {
         EXPECT_EQ(m_out, "");
         EXPECT_EQ(Run({"show", "-"}, bytes), 1);
         EXPECT_EQ(m_err,
-                  "-:9: error: IDE_A: the value is not protected, so it has no answer\n"
+                  "-:9: error: IDE_A: the value is not protected, so the library answers null\n"
                   "-:11: error: IDE_B: the value does not decode: it was damaged or made with "
                   "another key\n"
-                  "-:18: error: IDE_D: the value is not protected, so it has no answer\n");
+                  "-:18: error: IDE_D: the value is not protected, so the library answers null\n");
         EXPECT_EQ(m_out,
                   "// IDE_OLD=\"x\"\n// note\\x0DIDE_E=\"x\"\nQVLANG=\"en\"\nide_c=\"x\"\n"
                   "\xEF\xBB\xBFQVLANG=\"de\"\n");
@@ -803,7 +802,7 @@ TEST_F(OrvaStrings, SaysEverywhereAlikeThatThereIsNoSection) {
         for (const char* bytes : {"", "MENU=\"x\"\n", "QVLANG\n"}) {
             EXPECT_EQ(Run(command, bytes), 1) << command[0];
             EXPECT_EQ(m_out, "") << command[0];
-            EXPECT_EQ(m_err, "-: error: there is no section in it\n") << command[0];
+            EXPECT_EQ(m_err, "-: error: it has no section\n") << command[0];
         }
     }
 }
@@ -819,7 +818,7 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
                          "-:4: error: IDE_C" + decode + "-:5: error: IDE_D" + kAfterReturn +
                          "-:5: error: IDE_C" + kAfterReturn);
     EXPECT_EQ(Run({"reveal", "-"}, "IDE_A=1\n"), 1);
-    EXPECT_EQ(m_err, "-: error: there is no section in it\n-:1: error: IDE_A"s + kBeforeFirst);
+    EXPECT_EQ(m_err, "-: error: it has no section\n-:1: error: IDE_A"s + kBeforeFirst);
 
     // Within a line, in the order of their places, however many.
     std::string bytes = "QVLANG=en\n//";
@@ -834,7 +833,7 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
 
     // A repeated key is reported at its first line.
     const std::string shown = "QVLANG=en\nIDE_B=text\nIDE_A=text\nIDE_B=other\n";
-    const std::string plain = ": the value is not protected, so it has no answer\n";
+    const std::string plain = ": the value is not protected, so the library answers null\n";
     EXPECT_EQ(Run({"show", "-"}, shown), 1);
     EXPECT_EQ(m_err, "-:2: error: IDE_B" + plain + "-:3: error: IDE_A" + plain);
     EXPECT_EQ(Run({"show", "-", "IDE_A", "NONE", "IDE_B"}, shown), 1);
@@ -906,8 +905,8 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
             m_err,
             c.isGood ? ""
                      : "orva-strings: error: " + file + ": must hold 64 hexadecimal digits" +
-                           (c.bytes.size() == 64 ? ", and has other characters among them\n"
-                                                 : " in one line, and has " +
+                           (c.bytes.size() == 64 ? ", but has other characters among them\n"
+                                                 : " in one line, but has " +
                                                        std::to_string(c.bytes.size()) + " bytes\n"))
             << c.what;
     }
@@ -1120,7 +1119,7 @@ TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
     const PipeWriter writer(Path("pipe"), [&] { std::ofstream(Path("pipe")) << kReadable; });
     EXPECT_EQ(Run({"protect", "--in-place", Path("pipe")}), 2);
     EXPECT_EQ(m_err, kDevelopmentKeyNote + NearEntriesOf(Path("pipe")) + "orva-strings: error: " +
-                         Path("pipe") + ": not a regular file, which alone can be replaced\n");
+                         Path("pipe") + ": only a regular file can be replaced\n");
     EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe")));
 }
 
@@ -1167,12 +1166,12 @@ TEST_F(OrvaStrings, ReplacesNothingThatChangedMeanwhile) {
         const FileSnapshot before = ReadSnapshot(file);
         c.change();
         struct stat changed = {};
-        const int isThere = lstat(file.c_str(), &changed);
+        const int exists = lstat(file.c_str(), &changed);
         const auto entries = EntriesInFolder();
         EXPECT_ANY_THROW(ReplaceFile(file, before, "new")) << c.what;
         EXPECT_EQ(EntriesInFolder(), entries) << "nothing is left beside it: " << c.what;
         struct stat after = {};
-        EXPECT_EQ(lstat(file.c_str(), &after), isThere);
+        EXPECT_EQ(lstat(file.c_str(), &after), exists);
         EXPECT_EQ(after.st_ino, changed.st_ino) << c.what;
         EXPECT_EQ(after.st_mode, changed.st_mode) << c.what;
         EXPECT_EQ(after.st_uid, changed.st_uid) << c.what;
@@ -1194,7 +1193,7 @@ TEST_F(OrvaStrings, SaysThatAnotherProgramChangedTheFile) {
         ReplaceFile(file, before, "new");
         ADD_FAILURE() << "it was replaced";
     } catch (const std::runtime_error& error) {
-        EXPECT_EQ(error.what(), file + ": another program has changed it meanwhile");
+        EXPECT_EQ(error.what(), file + ": another program has changed it in the meantime");
     }
 }
 
@@ -1243,7 +1242,7 @@ TEST_F(OrvaStrings, ReplacesNothingThatChangedToBytesOfTheSameLength) {
                 << place;
             EXPECT_EQ(out.str(), "");
             EXPECT_EQ(err.str(), NearEntriesOf(file) + "orva-strings: error: " + file +
-                                     ": another program has changed it meanwhile\n");
+                                     ": another program has changed it in the meantime\n");
             EXPECT_EQ(ReadFile(file) == changed, true) << place;
             EXPECT_EQ(EntriesInFolder(), 1) << "nothing is left beside it";
         }
@@ -1333,8 +1332,8 @@ TEST_F(OrvaStrings, WritesToTheFileOfExactlyTheName) {
 TEST_F(OrvaStrings, WritesNoFileWithoutAResult) {
     const std::string good = Write("good", kReadable);
     const std::string bad = Write("bad", "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
-    for (const bool isThere : {false, true}) {
-        if (isThere) {
+    for (const bool exists : {false, true}) {
+        if (exists) {
             Write("out", "old");
         }
         const auto entries = EntriesInFolder();
@@ -1417,8 +1416,8 @@ TEST_F(OrvaStrings, WritesToNothingButARegularFile) {
         std::string name;
         std::string why;
     } cases[] = {
-        {m_folder.Path(), "not a regular file, which alone can be replaced"},
-        {Path("pipe"), "not a regular file, which alone can be replaced"},
+        {m_folder.Path(), "only a regular file can be replaced"},
+        {Path("pipe"), "only a regular file can be replaced"},
         {Path("missing/out"), "No such file or directory"},
         {Path("missing/"), "No such file or directory"},
         {Path("pipe/out"), "Not a directory"},
@@ -1459,7 +1458,7 @@ TEST_F(OrvaStrings, TakesEveryArgumentAsItIs) {
             expected += ": there is no such key in the section\n";
             if (!language.empty()) {
                 expected = "-: note: there is no section " + Printable(language) +
-                           ", so this is the first\n" + expected;
+                           ", so this is the first section\n" + expected;
             }
             EXPECT_EQ(m_err, expected);
         }
@@ -1526,7 +1525,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
     const std::string file = Write("x" + c, "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
     const std::string fileShown = Path("x" + shown);
     const std::string key = Write("key" + c, ToHex(CountingBytes(32)));
-    const std::string badKey = ": must hold 64 hexadecimal digits in one line, and has 81 bytes\n";
+    const std::string badKey = ": must hold 64 hexadecimal digits in one line, but has 81 bytes\n";
     ASSERT_EQ(mkfifo(Path("pipe" + c).c_str(), 0600), 0);
     const std::string error = "orva-strings: error: ";
     const std::string help = " (see --help)\n";
@@ -1568,15 +1567,15 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
          error + missingShown + "/out: No such file or directory\n"},
         {{"reveal", "-o", Path("pipe" + c), good},
          2,
-         error + Path("pipe" + shown) + ": not a regular file, which alone can be replaced\n"},
+         error + Path("pipe" + shown) + ": only a regular file can be replaced\n"},
         {{"reveal", "--key-file", key, "-o", key, good},
          2,
-         error + Path("key" + shown) + ": this is the key file, and would be lost\n"},
+         error + Path("key" + shown) + ": this is the key file, which would be overwritten\n"},
         // Other arguments.
         {{"show", "--language", c, good}, 1, good + ": error: there is no section " + shown + "\n"},
         {{"show", "--fallback", "--language", c, good},
          0,
-         good + ": note: there is no section " + shown + ", so this is the first\n"},
+         good + ": note: there is no section " + shown + ", so this is the first section\n"},
         {{"show", good, "KEY" + c},
          1,
          good + ": error: KEY" + shown + ": there is no such key in the section\n"},
@@ -1653,7 +1652,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfAFile) {
          "-:2: warning: IDE_" + shown +
              ": the value is empty; the text after its quotes stays readable\n"},
         {"IDE_" + c + "=\"a\0b\""s,
-         "-:2: error: IDE_" + shown + ": the text has a NUL byte in it\n"},
+         "-:2: error: IDE_" + shown + ": the text contains a NUL byte\n"},
         {"//IDE_\x1B\x07\x7F\xC2\x9B=x",
          "-:2: warning: IDE_\\x1B\\x07\\x7F\\xC2\\x9B: this looks like a protected entry but is "
          "not "
@@ -1669,10 +1668,9 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfAFile) {
         EXPECT_EQ(m_err, each.err);
     }
     EXPECT_EQ(Run({"show", "-"}, header + "IDE_" + c + "=x\nABCD\0\x1B=x\n"s), 1);
-    EXPECT_EQ(m_err,
-              "-:2: error: IDE_" + shown +
-                  ": the value is not protected, so it has no answer\n-:3: error: "
-                  "ABCD\\x00\\x1B: it has a NUL byte in it, so that no host can ask for it\n");
+    EXPECT_EQ(m_err, "-:2: error: IDE_" + shown +
+                         ": the value is not protected, so the library answers null\n-:3: error: "
+                         "ABCD\\x00\\x1B: it contains a NUL byte, so no host can ask for it\n");
 }
 
 TEST_F(OrvaStrings, SendsNoControlCharactersOfTheSystem) {

@@ -106,6 +106,6 @@ void Arguments::Finish() const {
         throw UsageError("only one of FILE and the key files can be -, which is standard input");
     }
     if (const std::string* const output = OutputOverAKey()) {
-        throw UsageError(*output + ": this is the key file, and would be lost");
+        throw UsageError(*output + ": this is the key file, which would be overwritten");
     }
 }

@@ -53,7 +53,7 @@ private:
     std::string WhatIsWrong(const CLI::ParseError& error,
                             const std::vector<std::string>& arguments) const;
 
-    CLI::App m_app{"Looks into strings files and keeps their protected entries.", "orva-strings"};
+    CLI::App m_app{"Inspects strings files and manages their protected entries.", "orva-strings"};
     std::deque<Group> m_groups;  // the tool itself, then the groups of commands
     std::deque<Arguments> m_arguments;
     Command* m_command = nullptr;
@@ -81,8 +81,7 @@ Parser::Parser(const Commands& commands) {
         examples.insert(examples.end(), own.begin(), own.end());
     }
     m_app.footer(Footer(examples) +
-                 "Exit status: 0 done, 1 something in the file stands in the way, 2 wrong usage or "
-                 "system error.");
+                 "Exit status: 0 done, 1 a problem in the file, 2 wrong usage or a system error.");
 }
 
 Parser::Group& Parser::GroupOf(const Command& command) {

@@ -24,8 +24,7 @@ private:
     Findings Change(StringsDocument& document, const Console& console) override {
         const MasterKey key = console.ReadKey(m_keyFile);
         if (m_keyFile.empty() && MasterKey::IsOfDevelopmentKey(key.Fingerprint())) {
-            console.Say(Severity::kNote,
-                        "protecting with the development key, which everybody knows");
+            console.Say(Severity::kNote, "protecting with the development key, which is public");
         }
         return ProtectEntries(document, key.Derive(), m_isForced);
     }

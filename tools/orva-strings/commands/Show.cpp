@@ -51,7 +51,7 @@ const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
 // Why the library answers null for a key.
 const char* WhyNull(const std::string& key) {
     if (key.find('\0') != std::string::npos) {
-        return "it has a NUL byte in it, so that no host can ask for it";
+        return "it contains a NUL byte, so no host can ask for it";
     }
     const char* const stored = KorGetLocalizedString(key.c_str());
     if (stored == nullptr) {
@@ -59,7 +59,7 @@ const char* WhyNull(const std::string& key) {
     }
     return LooksStored(stored)
                ? "the value does not decode: it was damaged or made with another key"
-               : "the value is not protected, so it has no answer";
+               : "the value is not protected, so the library answers null";
 }
 
 // Loads a section of these bytes through the library, from a nameless copy. The section must exist:
@@ -144,7 +144,8 @@ private:
             findings.push_back({Severity::kError, std::nullopt, what});
             return nullptr;
         }
-        findings.push_back({Severity::kNote, std::nullopt, what + ", so this is the first"});
+        findings.push_back(
+            {Severity::kNote, std::nullopt, what + ", so this is the first section"});
         return &sections.front();
     }
 

@@ -7,7 +7,7 @@
 
 // What every command reports for a document without a section.
 inline Finding NoSection() {
-    return {Severity::kError, std::nullopt, "there is no section in it"};
+    return {Severity::kError, std::nullopt, "it has no section"};
 }
 
 #endif

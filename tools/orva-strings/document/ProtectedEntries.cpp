@@ -23,7 +23,7 @@ const char* WhyNotRead(StringsDocument::Obstacle obstacle) {
         case StringsDocument::Obstacle::kCarriageReturn:
             break;
     }
-    return "not read, because it follows a carriage return, which ends no line";
+    return "not read, because it follows a carriage return, which does not end a line";
 }
 
 bool IsBlank(const std::string& text) {
@@ -98,7 +98,7 @@ Findings ProtectEntries(StringsDocument& document, const ProtectionKeys& keys, b
                 return std::nullopt;
             }
             if (entry.value.find('\0') != std::string::npos) {
-                found.push_back(Error(entry.line, entry.key, "the text has a NUL byte in it"));
+                found.push_back(Error(entry.line, entry.key, "the text contains a NUL byte"));
                 return std::nullopt;
             }
             if (HasLostItsQuotes(entry)) {

@@ -78,19 +78,19 @@ private:
     const char* m_name;
 };
 
-// Removes a file when destroyed, unless it is kept. The path must outlive it.
-class Unfinished {
+// Removes a file when destroyed, unless cancelled. The path must outlive it.
+class RemoveOnFailure {
 public:
-    explicit Unfinished(const char* path) noexcept : m_path(path) {}
-    ~Unfinished() {
+    explicit RemoveOnFailure(const char* path) noexcept : m_path(path) {}
+    ~RemoveOnFailure() {
         if (m_path != nullptr) {
             unlink(m_path);
         }
     }
-    Unfinished(const Unfinished&) = delete;
-    Unfinished& operator=(const Unfinished&) = delete;
+    RemoveOnFailure(const RemoveOnFailure&) = delete;
+    RemoveOnFailure& operator=(const RemoveOnFailure&) = delete;
 
-    void Keep() noexcept { m_path = nullptr; }
+    void Cancel() noexcept { m_path = nullptr; }
 
 private:
     const char* m_path;
@@ -105,8 +105,8 @@ mode_t WithoutGroup(mode_t mode) {
 
 // Follows the symbolic links at the end of a path, even dangling ones.
 std::string EndOfLinks(std::filesystem::path path) {
-    constexpr int kMostLinks = 40;  // another program may make a loop of them
-    for (int i = 0; i < kMostLinks && is_symlink(symlink_status(path)); ++i) {
+    constexpr int kMaxLinks = 40;  // another program may make a loop of them
+    for (int i = 0; i < kMaxLinks && is_symlink(symlink_status(path)); ++i) {
         path = path.parent_path() / std::filesystem::read_symlink(path);
     }
     return path.string();
@@ -217,15 +217,15 @@ bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
 // whatever is there by then.
 void PutFile(const std::string& path, std::string_view bytes, const Replaced* old) {
     if (old != nullptr && !S_ISREG(old->status.st_mode)) {
-        throw std::runtime_error(path + ": not a regular file, which alone can be replaced");
+        throw std::runtime_error(path + ": only a regular file can be replaced");
     }
     const std::string target = EndOfLinks(path);
     // Opened now, so that this can't fail after the rename.
     const File directory(OpenFolderOf(target), path.c_str());
     std::string newPath = target + ".XXXXXX";
-    const SignalBlock held;
+    const SignalBlock blocked;
     File file(CreateUnderNewName(newPath, old != nullptr ? 0600 : 0666), path.c_str());
-    Unfinished unfinished(newPath.c_str());
+    RemoveOnFailure removal(newPath.c_str());
     file.Write(bytes);
     if (old != nullptr) {
         CopyRights(file, target.c_str(), old->status);
@@ -233,10 +233,10 @@ void PutFile(const std::string& path, std::string_view bytes, const Replaced* ol
     file.Check(fsync(file.Get()) == 0);  // before it gets its final name
     file.Close();
     if (old != nullptr && !IsUnchanged(target.c_str(), path.c_str(), *old)) {
-        throw std::runtime_error(path + ": another program has changed it meanwhile");
+        throw std::runtime_error(path + ": another program has changed it in the meantime");
     }
     file.Check(std::rename(newPath.c_str(), target.c_str()) == 0);
-    unfinished.Keep();
+    removal.Cancel();
     directory.Check(fsync(directory.Get()) == 0);
 }
 
@@ -269,24 +269,24 @@ void ReplaceFile(const std::string& path, const FileSnapshot& before, std::strin
 
 void WriteFile(const std::string& path, std::string_view bytes) {
     Replaced old = {};
-    const bool isThere = stat(path.c_str(), &old.status) == 0;
-    if (!isThere && errno != ENOENT) {
+    const bool exists = stat(path.c_str(), &old.status) == 0;
+    if (!exists && errno != ENOENT) {
         throw std::system_error(errno, std::generic_category(), path);
     }
-    PutFile(path, bytes, isThere ? &old : nullptr);
+    PutFile(path, bytes, exists ? &old : nullptr);
 }
 
 void CreatePrivateFile(const std::string& path, std::string_view bytes) {
     const File directory(OpenFolderOf(path), path.c_str());
-    const SignalBlock held;
+    const SignalBlock blocked;
     File file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600), path.c_str());
-    Unfinished unfinished(path.c_str());
+    RemoveOnFailure removal(path.c_str());
     file.Check(fchmod(file.Get(), 0600) == 0);  // whatever the umask
     file.Write(bytes);
     file.Check(fsync(file.Get()) == 0);
     file.Close();
     directory.Check(fsync(directory.Get()) == 0);
-    unfinished.Keep();
+    removal.Cancel();
 }
 
 NamelessFile::NamelessFile(const std::string& path, std::string_view bytes) {
