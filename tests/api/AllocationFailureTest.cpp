@@ -137,7 +137,7 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
     }
 }
 
-TEST(AllocationFailure, CannotHappenInAPlainLookUp) {
+TEST(AllocationFailure, CannotHappenInAPlainLookup) {
     const TemporaryBundle bundle;
     bundle.Write("x", "QVLANG=en\n" + kLong + "=1\n");
     ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 2);

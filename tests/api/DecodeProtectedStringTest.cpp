@@ -237,10 +237,10 @@ TEST(DecodeProtectedString, RejectsEveryOtherSpellingOfAGroup) {
                 continue;
             }
             for (int byte = 0; byte < 256; ++byte) {
-                for (const bool isBehind : {true, false}) {
+                for (const bool isAtTheEnd : {true, false}) {
                     std::string other = good;
                     other.erase(group, 1);
-                    other.insert(isBehind ? group + 7 : group, 1, static_cast<char>(byte));
+                    other.insert(isAtTheEnd ? group + 7 : group, 1, static_cast<char>(byte));
                     if (other == good) {
                         continue;
                     }

@@ -52,7 +52,7 @@ protected:
     std::string m_output = "text";
 };
 
-TEST_F(DecoderCalls, AreTwoAtTheFirstLookUpAndNoneAfterwards) {
+TEST_F(DecoderCalls, AreTwoInTheFirstLookupAndNoneLater) {
     const char* const text = ZuGetLocalizedString("IDE_TWO");
     EXPECT_STREQ(text, "text");
     ASSERT_EQ(m_calls.size(), 2U);
@@ -71,7 +71,7 @@ TEST_F(DecoderCalls, AreTwoAtTheFirstLookUpAndNoneAfterwards) {
     EXPECT_EQ(m_calls.size(), 2U);
 }
 
-TEST_F(DecoderCalls, IsOneAtEachLookUpOfWhatDoesNotDecode) {
+TEST_F(DecoderCalls, IsOneInEachLookupOfAnUndecodableText) {
     for (const std::int32_t status : {1, -1, 207}) {
         gSizingStatus = status;
         m_calls.clear();

@@ -507,8 +507,8 @@ protected:
                 plan.turn = n;
                 plan.beforeTurn = [&](const ReadFaults::Progress& progress) {
                     hasHappened = true;
-                    (progress.isAgain ? again : first) = event.reading(progress.bytes);
-                    if (!progress.isAgain) {
+                    (progress.isRepeated ? again : first) = event.reading(progress.bytes);
+                    if (!progress.isRepeated) {
                         again = event.next;
                     }
                     event.make();

@@ -31,8 +31,8 @@ void* Allocate(std::size_t size) {
         throw std::bad_alloc();
     }
     // malloc returns null for an impossible size, but a sanitizer's would end the process.
-    constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() - kHeader;
-    auto* const block = static_cast<char*>(size > kMost ? nullptr : std::malloc(size + kHeader));
+    constexpr std::size_t kMaxSize = std::numeric_limits<std::ptrdiff_t>::max() - kHeader;
+    auto* const block = static_cast<char*>(size > kMaxSize ? nullptr : std::malloc(size + kHeader));
     if (block == nullptr) {
         throw std::bad_alloc();
     }

@@ -17,7 +17,7 @@ Function* System(const char* name) {
 }
 
 // Whether the read that begins now must fail.
-bool IsToFail() {
+bool ShouldFail() {
     ++gCalls;
     if (gCalls == gPlan->turn) {
         gPlan->beforeTurn(gProgress);
@@ -54,7 +54,7 @@ extern "C" ssize_t read(int file, void* bytes, size_t length) {
     if (gPlan == nullptr) {
         return systems(file, bytes, length);
     }
-    if (IsToFail()) {
+    if (ShouldFail()) {
         Note(0);
         errno = gPlan->error;
         return -1;

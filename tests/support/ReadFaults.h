@@ -14,7 +14,7 @@ public:
 
     // How far reading has come: a file is read to its end or to a failure, and then again.
     struct Progress {
-        bool isAgain = false;
+        bool isRepeated = false;
         std::size_t bytes = 0;  // in this reading
     };
 
