@@ -9,6 +9,7 @@
 
 #include <OrvaLanguage/OrvaLanguage.h>
 
+#include "platform/ExecutablePath.h"
 #include "platform/ResourcePath.h"
 
 namespace fs = std::filesystem;
@@ -20,7 +21,6 @@ struct __CFBundle {   // NOLINT(bugprone-reserved-identifier): the platform's ow
 namespace {
 
 constexpr std::string_view kFrameworkEnding = ".framework";
-constexpr std::string_view kDeletedEnding = " (deleted)";
 
 bool EndsWith(std::string_view text, std::string_view ending) {
     return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
@@ -90,19 +90,9 @@ fs::path ResourcesFolder(const fs::path& bundle) {
 }
 
 // The application that the running executable belongs to, or an empty path if the system does not
-// say where the executable is.
+// know where the executable is.
 fs::path MainBundleFolder() {
-    std::error_code error;
-    std::string executableName = fs::read_symlink("/proc/self/exe", error).string();
-    if (error) {
-        return {};
-    }
-    // The system adds this ending if the executable was replaced or removed while it runs, as by an
-    // upgrade.
-    if (EndsWith(executableName, kDeletedEnding) && !fs::exists(executableName, error)) {
-        executableName.resize(executableName.size() - kDeletedEnding.size());
-    }
-    const fs::path executable = executableName;
+    const fs::path executable = ExecutablePath();
     fs::path folder = executable.parent_path();
     const fs::path parent = folder.parent_path();
     if (parent.filename() == "Contents") {

@@ -1,0 +1,71 @@
+# All that the build knows about the system: its sources, libraries, folders and link options. Every
+# system but macOS is taken for Linux. docs/porting.md lists the rest that differs.
+set(platform "${PROJECT_SOURCE_DIR}/platform")
+set(support "${PROJECT_SOURCE_DIR}/support")
+set(tool_system "${PROJECT_SOURCE_DIR}/tools/orva-strings/system")
+
+if(APPLE)
+    set(orva_platform_sources "${platform}/ResourcePathCoreFoundation.cpp")
+    set(orva_support_sources "${support}/OpenBundleCoreFoundation.cpp")
+    set(orva_tool_sources
+        "${platform}/Sha256CommonCrypto.cpp"
+        "${tool_system}/AccessListMacOS.cpp")
+
+    set(orva_system_libraries "-framework CoreFoundation")
+    set(orva_static_link_flags "-framework CoreFoundation")
+    set(orva_executable_folder MacOS)
+    set(orva_program_link_options "")
+else()
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(Nettle REQUIRED IMPORTED_TARGET nettle)
+
+    set(orva_platform_sources
+        "${platform}/CommonCryptorNettle.cpp"
+        "${platform}/ExecutablePathLinux.cpp"
+        "${platform}/ResourcePathFolder.cpp")
+    set(orva_support_sources "${support}/OpenBundleFolder.cpp")
+    set(orva_tool_sources
+        "${platform}/Sha256Nettle.cpp"
+        "${tool_system}/AccessListLinux.cpp")
+
+    set(orva_system_libraries PkgConfig::Nettle)
+    # For Libs.private in the .pc file. Not Requires.private: a host links only the shared library
+    # and needs no Nettle package.
+    list(TRANSFORM Nettle_LIBRARIES PREPEND "-l" OUTPUT_VARIABLE orva_static_link_flags)
+    list(JOIN orva_static_link_flags " " orva_static_link_flags)
+    set(orva_executable_folder Linux)
+    # Lazy binding would save registers that hold key bytes to the stack.
+    set(orva_program_link_options LINKER:-z,relro,-z,now)
+endif()
+
+# orva_link_library(TARGET VERSION_SCRIPT EXPORTED_SYMBOLS): the library's name, version, place and
+# exports, in the linker's terms. The last two are the files that orva_write_export_lists writes.
+function(orva_link_library target version_script exported_symbols)
+    if(APPLE)
+        # Where the application's executable finds the library in its bundle.
+        set_target_properties(${target} PROPERTIES
+            INSTALL_NAME_DIR "@executable_path/../Frameworks"
+            BUILD_WITH_INSTALL_NAME_DIR ON
+            LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/Frameworks"
+            LINK_DEPENDS "${exported_symbols}")
+        target_link_options(${target} PRIVATE
+            "SHELL:-Xlinker -exported_symbols_list -Xlinker \"${exported_symbols}\"")
+    else()
+        # First the library's own folder, for an application that carries a copy of Nettle; in the
+        # build tree too, where CMake would otherwise add an empty entry: the current folder. Then
+        # the user's folders, and that of a Nettle outside the system's library folders.
+        set(nettle_folders "${Nettle_LIBRARY_DIRS}")
+        list(REMOVE_ITEM nettle_folders "" ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES})
+        set_target_properties(${target} PROPERTIES
+            VERSION "${PROJECT_VERSION}"
+            SOVERSION "${PROJECT_VERSION_MAJOR}"
+            INSTALL_RPATH "$ORIGIN;${CMAKE_INSTALL_RPATH};${nettle_folders}"
+            BUILD_WITH_INSTALL_RPATH ON
+            LINK_DEPENDS "${version_script}")
+        target_link_options(${target} PRIVATE
+            ${orva_program_link_options}
+            LINKER:-Bsymbolic-functions  # calls stay in this copy, whatever others the process has
+            LINKER:--enable-new-dtags  # so that LD_LIBRARY_PATH still comes before the run path
+            "SHELL:-Xlinker \"--version-script=${version_script}\"")
+    endif()
+endfunction()
