@@ -72,7 +72,7 @@ def is_suitable(key, text):
 
 
 def installed_entries():
-    """The entries of each language, and how many were left out, as some format can't hold them."""
+    """The entries of each language, and how many were left out: not every format can hold those."""
     sections = {}
     unsuitable = 0
     for path in sorted(path for folder in CATALOGS for path in folder.glob("*/LC_MESSAGES/*.mo")):
@@ -179,7 +179,7 @@ def main():
         write_corpus(folder, sections, language)
         total = sum(len(entries) for entries in sections.values())
         note = (f"{total:,} entries of {len(sections)} languages; {unsuitable:,} more are left "
-                f"out, as some format can't hold them")
+                f"out, because not every format can hold them")
         (folder / "note").write_text(note)
         print(note)
 

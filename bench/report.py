@@ -110,26 +110,26 @@ def goals(results, sizes):
             yield Goal(f"Lookup, {kind}, {entries_of(results, size)} entries: times as fast",
                        NANOSECONDS, time(f"Lookup/{kind}/{OURS}/{size}"), peers[fastest], speed_up,
                        "≥", 3, fastest)
-    yield Goal("Lookup, protected and cached, to a plain one", NANOSECONDS, time("Lookup/Cached"),
-               time("Lookup/Plain"), share, "≤", 2.5)
-    yield Goal("Lookup, 100,000 entries to 1,000", NANOSECONDS, time(f"Lookup/hit/{OURS}/100000"),
-               time(f"Lookup/hit/{OURS}/1000"), share, "<", 8)
-    yield Goal("First lookup of a protected text, to its floor", MICROSECONDS,
-               time("Lookup/First"), time("Lookup/FirstFloor"), share, "≤", 1.5)
+    yield Goal("Lookup, protected and cached", NANOSECONDS, time("Lookup/Cached"),
+               time("Lookup/Plain"), share, "≤", 2.5, "plain")
+    yield Goal("Lookup, hit, 100,000 entries", NANOSECONDS, time(f"Lookup/hit/{OURS}/100000"),
+               time(f"Lookup/hit/{OURS}/1000"), share, "<", 8, "1,000 entries")
+    yield Goal("First lookup of a protected text", MICROSECONDS, time("Lookup/First"),
+               time("Lookup/FirstFloor"), share, "≤", 1.5, "its conversions and cipher calls")
 
     for size in ("1000", "10000"):
         for peer in LOAD_PEERS:
             yield Goal(f"Load, {int(size):,} entries", MILLISECONDS, time(f"Load/{OURS}/{size}"),
                        time(f"Load/{peer}/{size}"), share, "<", 1, peer)
     skipped = counter("LoadSection/10000/9", "skipped")
-    yield Goal("Load, last of ten sections: GB/s through those before", MILLISECONDS,
+    yield Goal("Load, last of ten sections: GB/s of those skipped", MILLISECONDS,
                time("LoadSection/10000/9"), time("LoadSection/10000/0"),
-               lambda last, first: skipped / (last - first), "≥", 0.6, "the first")
+               lambda last, first: skipped / (last - first), "≥", 0.6, "first section")
     for size in (10_000, 100_000, 1_000_000):
         n_log_n = size * math.log(size) / (1000 * math.log(1000))
-        yield Goal(f"Load, {size:,} entries to 1,000, by n log n", MILLISECONDS,
+        yield Goal(f"Load, {size:,} entries: growth over that of n log n", MILLISECONDS,
                    time(f"LoadGrowing/{size}"), time("LoadGrowing/1000"),
-                   lambda many, few, n=n_log_n: many / few / n, "≤", 1)
+                   lambda many, few, n=n_log_n: many / few / n, "≤", 1, "1,000 entries")
 
     yield Goal("Memory of 10,000 entries", MEBIBYTES, counter("Heap/host_orvalanguage", "bytes"),
                counter("Heap/host_map", "bytes"), share, "≤", 1.2, "std::map")
@@ -138,11 +138,12 @@ def goals(results, sizes):
                    time(f"Start/{program}"), share, "<", 1, peer)
     yield Goal("A host's start: ms more", MILLISECONDS, time("Start/host_orvalanguage"),
                time("Start/host_gettext"), milliseconds_more, "≤", 1.5, "gettext")
-    yield Goal("A program's start, with the library and without: ms more", MILLISECONDS,
-               time("Start/start_with"), time("Start/start_without"), milliseconds_more, "<", 0.5)
-    yield Goal("A program's memory, with the library and without: MiB more", MEBIBYTES,
+    yield Goal("A program's start with the library: ms more", MILLISECONDS,
+               time("Start/start_with"), time("Start/start_without"), milliseconds_more, "<", 0.5,
+               "without")
+    yield Goal("A program's memory with the library: MiB more", MEBIBYTES,
                counter("Resident/start_with", "bytes"), counter("Resident/start_without", "bytes"),
-               mebibytes_more, "<", 1)
+               mebibytes_more, "<", 1, "without")
     for operation in ("Decrypt", "Encrypt"):
         yield Goal(f"Cipher call, {operation.lower()} 64 bytes", NANOSECONDS,
                    time(f"CCCrypt/{operation}"), time(f"Nettle/{operation}"), share, "≤", 1.3,
@@ -186,7 +187,10 @@ def processor():
 
 def document_text(results, sizes, summary, plot, note):
     loads = (OURS, *LOAD_PEERS, "std::map")
-    installed = f"\n\n\"Installed\" is the translations that the packages on the machine bring: {note}. The\nkeys that are looked up are those of the language with the most entries." if note else ""
+    installed = f"""
+
+"Installed" means the translations in the packages installed on the machine: {note}.
+The keys looked up are those of the language with the most entries.""" if note else ""
     return f"""# Performance
 
 `scripts/bench` compares this library with what a host would use instead, and writes this page.
@@ -198,16 +202,19 @@ the others' in random order. Compare the ratios: the times are those of one mach
 ## Goals
 
 {summary}
+The figure is ours divided by the other's, unless the first column says otherwise after its colon.
+
 ![Lookups, loads and starts, ours and the others']({plot})
 
 ## Lookups
 
-In nanoseconds, of keys drawn at random, 23 bytes long on average in the generated tables.{installed}
+Times are in nanoseconds. The keys are drawn at random; in the tables of 100 to 100,000 entries, which
+are generated, they are 23 bytes long on average.{installed}
 
 The calls are `ures_getStringByKey`, `boost::locale::gettext`, `QTranslator::translate`,
-`g_key_file_get_string` and `dgettext`; a `std::map` of strings, filled through the library's line
-functions, for comparison. Those of Boost, Qt and GLib return a new text each time. Boost's facet,
-which does not, was seen to take half the time of its `gettext`.
+`g_key_file_get_string` and `dgettext`. A `std::map` of strings, filled through the library's line
+functions, is there for comparison. The calls of Boost, Qt and GLib return a new text each time. Boost's
+message facet, which does not, took half the time of `boost::locale::gettext` when it was tried.
 
 Hits:
 
@@ -217,25 +224,26 @@ Misses; ICU and GLib search further before they give up:
 {figures(results, "Lookup/miss", (OURS, *LOOKUP_PEERS, "std::map"), sizes, 1)}
 ## Loads
 
-In milliseconds. For this library and `std::map`, the installed translations of all languages are one
-strings file, and they skip the languages before the one they load. The others have that language in a
-file of its own.
+Times are in milliseconds. This library and `std::map` read the installed translations from one strings
+file with all languages, and skip the languages before the one to load. The others have that language in
+a file of its own.
 
 {figures(results, "Load", loads, sizes, MILLISECONDS[0])}
-Protecting a file of 10,000 texts takes the companion command {results.time("ProtectFile") / 1e6:.0f} ms.
+`orva-strings protect` takes {results.time("ProtectFile") / 1e6:.0f} ms for 10,000 texts, not counting its start and its reading and
+writing of files.
 
-Compared with any C++ program, a host's start with this library also links two shared libraries,
-itself and Nettle, about 0.1 ms each, and reads 1,000 lines of text. ICU, Qt and gettext map catalogs
+Besides what any C++ program does, a host with this library links two more shared libraries at its start,
+this one and Nettle, at about 0.1 ms each, and reads 1,000 lines of text. ICU, Qt and gettext map catalogs
 that were compiled beforehand, and have next to nothing to load.
 
 ## Reproducing these figures
 
-    scripts/bench    # the table and this page
-    scripts/bench --short
+    scripts/bench            # the table and this page
+    scripts/bench --short    # makes the corpora that the next command needs
     bench/count_instructions.py build/release/bench/{{host_orvalanguage,short-corpora}}
 
-The last counts the instructions of loads and lookups, which are the same in every run, and compares
-them with [bench/instructions.json](../bench/instructions.json).
+The last command counts the instructions of loads and lookups and compares them with
+[bench/instructions.json](../bench/instructions.json). Unlike times, the counts are the same in every run.
 """
 
 
