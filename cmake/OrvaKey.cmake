@@ -18,11 +18,11 @@ function(orva_read_key file digits)
     string(LENGTH "${hex}" hex_length)
     if(NOT hex_length EQUAL 128)
         message(FATAL_ERROR
-            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits in one line, but has ${size} bytes.")
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits on one line, but has ${size} bytes.")
     endif()
     if(NOT hex MATCHES "^(3[0-9]|4[1-6]|6[1-6])+$")
         message(FATAL_ERROR
-            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, but has other characters among them.")
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, but has other characters.")
     endif()
     file(STRINGS "${file}" text)
     string(TOUPPER "${text}" text)
