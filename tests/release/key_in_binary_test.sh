@@ -67,9 +67,9 @@ refused() { # SENTENCE FILE
     grep -qF -- "$1" <<<"$(tr -s ' \n' ' ' <"$work/configure-refused.log")" || { cat "$work/configure-refused.log"; exit 1; }
     rm -rf "$work/tree-refused"
 }
-refused "there is no file $work/missing." "$work/missing"
+refused "ORVA_KEY_FILE: $work/missing is missing or is a folder." "$work/missing"
 mkdir "$work/folder"
-refused "there is no file $work/folder." "$work/folder"
+refused "ORVA_KEY_FILE: $work/folder is missing or is a folder." "$work/folder"
 : >"$work/empty"
 refused "must hold 64 hexadecimal digits on one line, but has 0 bytes." "$work/empty"
 echo "${key:1}" >"$work/short"
@@ -84,7 +84,7 @@ echo "${key:1}g" >"$work/letters"
 refused "must hold 64 hexadecimal digits, but has other characters." "$work/letters"
 
 configure development ""
-grep -qF "Protected texts: development key" "$work/configure-development.log"
+grep -qF "Protected texts: the development key, which is public; for a release, set ORVA_KEY_FILE to a key file" "$work/configure-development.log"
 if grep -q "development" "$work/configure-build.log" "$work/configure-again.log"; then
     echo "a build with its own key speaks of the development key"
     exit 1
