@@ -1,14 +1,14 @@
 # The key material for protected texts: ORVA_KEY_FILE, or by default the public development key in
 # this folder. The build writes it, as two shares, to its own folder and never to the source tree.
 set(ORVA_KEY_FILE "" CACHE FILEPATH
-    "File of 64 hexadecimal digits, the key for protected texts; empty: the development key")
+    "File that holds the key for protected texts, 64 hexadecimal digits; empty: the development key")
 
 # orva_read_key(FILE DIGITS): sets DIGITS to the digits of a key file in upper case. The file must
 # hold 64 hexadecimal digits in either case, then at most one line ending, LF or CR LF.
 # `orva-strings` accepts the same files.
 function(orva_read_key file digits)
     if(NOT EXISTS "${file}" OR IS_DIRECTORY "${file}")
-        message(FATAL_ERROR "ORVA_KEY_FILE: there is no file ${file}.")
+        message(FATAL_ERROR "ORVA_KEY_FILE: ${file} is missing or is a folder.")
     endif()
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
     # Read as hexadecimal because CMake strings lose NUL bytes.
@@ -18,11 +18,11 @@ function(orva_read_key file digits)
     string(LENGTH "${hex}" hex_length)
     if(NOT hex_length EQUAL 128)
         message(FATAL_ERROR
-            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits in one line, but has ${size} bytes.")
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits on one line, but has ${size} bytes.")
     endif()
     if(NOT hex MATCHES "^(3[0-9]|4[1-6]|6[1-6])+$")
         message(FATAL_ERROR
-            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, but has other characters among them.")
+            "ORVA_KEY_FILE: ${file} must hold 64 hexadecimal digits, but has other characters.")
     endif()
     file(STRINGS "${file}" text)
     string(TOUPPER "${text}" text)
@@ -51,7 +51,9 @@ function(orva_write_key_shares folder)
     orva_read_key("${file}" upper_digits)
     orva_key_fingerprint("${upper_digits}" fingerprint)
     if(ORVA_KEY_FILE STREQUAL "")
-        message(STATUS "Protected texts: development key, which is public (set ORVA_KEY_FILE)")
+        message(STATUS
+            "Protected texts: the development key, which is public; for a release, set ORVA_KEY_FILE "
+            "to a key file")
     else()
         message(STATUS "Protected texts: key with fingerprint ${fingerprint}")
     endif()

@@ -11,6 +11,7 @@ endif()
 foreach(component IN LISTS OrvaLanguage_FIND_COMPONENTS)
     if(OrvaLanguage_FIND_REQUIRED_${component} AND NOT OrvaLanguage_${component}_FOUND)
         set(OrvaLanguage_FOUND FALSE)
-        set(OrvaLanguage_NOT_FOUND_MESSAGE "The component ${component} is not installed.")
+        set(OrvaLanguage_NOT_FOUND_MESSAGE
+            "There is no component ${component}, or it is not installed.")
     endif()
 endforeach()

@@ -25,7 +25,7 @@ TemporaryBundle::TemporaryBundle() : m_bundle(nullptr) {
     }
     m_bundle = OpenBundle(m_folder.Path());
     if (m_bundle == nullptr) {
-        throw std::runtime_error("no bundle: " + m_folder.Path().string());
+        throw std::runtime_error(m_folder.Path().string() + ": can't be opened as a bundle");
     }
 }
 

@@ -1,5 +1,5 @@
-// The layer below OrvaLanguage.h, for C++17 hosts: the loader, the plain lookup, the table itself
-// and the functions that read a strings file line by line.
+// The layer below OrvaLanguage.h, for C++17 hosts: the loader, the lookup without decoding, the
+// table itself and the functions that read a strings file line by line.
 #ifndef ORVALANGUAGE_KORSTRING_H
 #define ORVALANGUAGE_KORSTRING_H
 
@@ -40,9 +40,9 @@ class KorString {
 public:
     KorString() = delete;
 
-    // The keywords that begin a language line and a region line: "QVLANG=" and "QVREGION=". They
+    // The keywords that begin a section's header and a region line: "QVLANG=" and "QVREGION=". They
     // are read at every call and must not be null. On ELF systems, several copies of the library in
-    // one process may share one copy's keywords; don't change them there.
+    // one process may share their keywords; don't change them in such a process.
     ORVA_EXPORT static const char* LANG_STATEMENT;
     ORVA_EXPORT static const char* REGION_STATEMENT;
 
@@ -51,8 +51,8 @@ public:
 
     // Reads the next line, without its line feed and without a carriage return at its very end. A
     // last line without a line feed counts. Returns false if no line is left, reading failed, or
-    // memory ran out (the stream is then bad); line is then of no use. Throws only what the caller
-    // has requested from the stream with exceptions().
+    // memory ran out (the stream is then bad); the content of line is then unspecified. Throws only
+    // what the caller has requested from the stream with exceptions().
     ORVA_EXPORT static bool GetLine(std::ifstream& stream, std::string& line);
 
     // Whether line is the header of the section with this name: it begins with the exact keyword,
@@ -60,7 +60,8 @@ public:
     // section. False for a null name or an empty line.
     ORVA_EXPORT static bool SearchLanguageKey(std::string line, const char* language);
 
-    // The same for REGION_STATEMENT. The loader does not use it: to it, a region line is an entry.
+    // The same for REGION_STATEMENT. The loader does not use it, but treats a region line as an
+    // entry.
     ORVA_EXPORT static bool SearchRegionKey(std::string line, const char* region);
 
     // Returns a copy of text, which must not be null, with each "\n" escape (a backslash and a

@@ -17,7 +17,7 @@
 // library is unloaded.
 //
 // Only the order of the virtual functions and the layout of Texts are compiled into a host, so a
-// host may use any standard library, whichever the library was built with.
+// host's standard library need not be the one that the library was built with.
 //
 // Any number of threads may read a map at once, but not while a load runs.
 class KorStringMap {
@@ -116,8 +116,8 @@ private:
     virtual bool FindTexts(const char* key, std::size_t length, Texts* texts) const noexcept = 0;
     // How many keys are less than this one.
     virtual std::size_t LowerRank(const char* key, std::size_t length) const = 0;
-    // The texts of the entry that this many keys are less than. The rank is less than Size(), and
-    // LowerRank has been called before.
+    // The texts of the entry with this rank: the number of keys less than its own. The rank is less
+    // than Size(), and LowerRank has been called before.
     virtual Texts TextsAt(std::size_t rank) const noexcept = 0;
 };
 

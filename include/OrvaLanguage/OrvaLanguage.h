@@ -6,15 +6,16 @@
  * - Texts passed in are NUL-terminated bytes and are not kept: the caller may free them afterwards.
  * - Texts returned belong to the library; the caller never frees or changes them. Each call says
  *   how long its text lives.
- * - Only the result (0, or null) shows a failure. Nothing is printed or logged, errno means
- *   nothing, and no call ends the process. The only exception that a call can throw is
- *   std::bad_alloc, when memory runs out; it ends a C host.
+ * - Only the result (0, or null) shows a failure. Nothing is printed or logged, and errno means
+ *   nothing. The only exception that a call can throw is std::bad_alloc, when memory runs out. It
+ *   ends a C host, which can't catch it; nothing else ends the process.
  * - Each copy of the library in the process has one table, without a lock. Lookups may run
- *   concurrently, except for the first of a protected key (see ZuGetLocalizedString). A load must
- *   not run at the same time as another load or a lookup. No call may run while the process exits
- *   or the library is unloaded, which destroys the table: a host joins its threads first, or ends
- *   with _exit. No call may come from a signal handler, nor from a static initialiser that may run
- *   before the library's. A forked process has a table of its own.
+ *   concurrently, except for the first successful one of a protected key (see
+ *   ZuGetLocalizedString). A load must not run at the same time as another load or a lookup. No
+ *   call may run while the process exits or the library is unloaded, which destroys the table, so a
+ *   host must join its threads first, or end with _exit. No call may come from a signal handler,
+ *   nor from a static initialiser that may run before the library's. A forked process has a table
+ *   of its own.
  */
 #ifndef ORVALANGUAGE_ORVALANGUAGE_H
 #define ORVALANGUAGE_ORVALANGUAGE_H
@@ -55,8 +56,8 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * it count, and a section not reached counts as missing.
  *
  * Throws std::bad_alloc if memory runs out elsewhere. The table is then the earlier one if the file
- * was not open yet; otherwise it holds the entries read so far. Lookups behave as after the
- * previous load.
+ * was not open yet; otherwise it holds the entries read so far. ZuGetLocalizedString searches it if
+ * the previous ZuLoadStrings succeeded, and otherwise still returns null.
  *
  * Every text handed out from the table is invalid once a load has opened its file.
  */
@@ -77,12 +78,12 @@ ORVA_EXPORT int ZuLoadStrings(const char* language, const char* fileName,
  * An ordinary text is valid until a load opens its file. A protected text is decoded at its first
  * lookup and kept. It is valid until the process exits or the library is unloaded, and every later
  * lookup returns it, even if a reload has brought another text for its key. After a reload that
- * lacks the key, the answer is null. If memory runs out at the first lookup, the answer is null, or
- * empty from then on.
+ * lacks the key, the answer is null. If memory runs out at the first lookup, the answer is either
+ * null, and the next lookup tries again, or an empty text, which is then kept.
  *
  * The first successful lookup of a protected key writes to the cache of decoded texts, so it must not
- * run at the same time as another lookup of a protected key. A host with several threads looks up
- * each one before it starts them. Throws nothing.
+ * run at the same time as another lookup of a protected key. A host with several threads should
+ * look up each protected key once before it starts the threads. Throws nothing.
  */
 ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
 

@@ -86,9 +86,9 @@ done
 accepts -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_TESTS=OFF -DORVA_BUILD_EXAMPLES=OFF
 does_not_say "is off"
 for part in TESTS BENCHMARKS FUZZERS; do
-    refuses "ORVA_BUILD_$part=ON: it needs ORVA_BUILD_TOOLS." -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_$part=ON
+    refuses "ORVA_BUILD_$part can't be ON: it needs ORVA_BUILD_TOOLS." -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_$part=ON
 done
-refuses "ORVA_BUILD_EXAMPLES=ON: it needs ORVA_BUILD_TOOLS or ORVA_STRINGS_EXECUTABLE." \
+refuses "ORVA_BUILD_EXAMPLES can't be ON: it needs ORVA_BUILD_TOOLS or ORVA_STRINGS_EXECUTABLE." \
     -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_EXAMPLES=ON
 accepts -DORVA_BUILD_TOOLS=OFF -DORVA_BUILD_EXAMPLES=ON -DORVA_STRINGS_EXECUTABLE="$tool"
 refuses "ORVA_STRINGS_EXECUTABLE: there is no file $work/none." -DORVA_STRINGS_EXECUTABLE="$work/none"
@@ -120,9 +120,9 @@ has_target orva-strings || fail "a cross-build has no orva-strings"
 if has_target SampleHost; then
     fail "a cross-build has a sample host whose texts it can't protect"
 fi
-refuses "ORVA_BUILD_TESTS=ON: cross-built programs do not run here; set CMAKE_CROSSCOMPILING_EMULATOR." \
+refuses "ORVA_BUILD_TESTS can't be ON: cross-built programs do not run here; set CMAKE_CROSSCOMPILING_EMULATOR." \
     -DORVA_BUILD_TESTS=ON
-refuses "ORVA_BUILD_EXAMPLES=ON: a cross-built orva-strings does not run here; set ORVA_STRINGS_EXECUTABLE to one that does." \
+refuses "ORVA_BUILD_EXAMPLES can't be ON: a cross-built orva-strings does not run here; set ORVA_STRINGS_EXECUTABLE to one that does." \
     -DORVA_BUILD_EXAMPLES=ON
 accepts -DCMAKE_CROSSCOMPILING_EMULATOR=env
 does_not_say "is off"

@@ -118,5 +118,5 @@ for asked in "development tools" "prefix nonsense"; do
         echo "find_package finds a component $2 where none is installed"
         exit 1
     fi
-    grep -q "The component $2 is not installed" "$work/cmake.log" || { cat "$work/cmake.log"; exit 1; }
+    grep -qF "There is no component $2, or it is not installed." "$work/cmake.log" || { cat "$work/cmake.log"; exit 1; }
 done

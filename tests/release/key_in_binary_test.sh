@@ -67,24 +67,24 @@ refused() { # SENTENCE FILE
     grep -qF -- "$1" <<<"$(tr -s ' \n' ' ' <"$work/configure-refused.log")" || { cat "$work/configure-refused.log"; exit 1; }
     rm -rf "$work/tree-refused"
 }
-refused "there is no file $work/missing." "$work/missing"
+refused "ORVA_KEY_FILE: $work/missing is missing or is a folder." "$work/missing"
 mkdir "$work/folder"
-refused "there is no file $work/folder." "$work/folder"
+refused "ORVA_KEY_FILE: $work/folder is missing or is a folder." "$work/folder"
 : >"$work/empty"
-refused "must hold 64 hexadecimal digits in one line, but has 0 bytes." "$work/empty"
+refused "must hold 64 hexadecimal digits on one line, but has 0 bytes." "$work/empty"
 echo "${key:1}" >"$work/short"
-refused "must hold 64 hexadecimal digits in one line, but has 64 bytes." "$work/short"
+refused "must hold 64 hexadecimal digits on one line, but has 64 bytes." "$work/short"
 printf '%s\n\n' "$key" >"$work/two"
-refused "must hold 64 hexadecimal digits in one line, but has 66 bytes." "$work/two"
+refused "must hold 64 hexadecimal digits on one line, but has 66 bytes." "$work/two"
 printf '%s\0' "${key:1}" >"$work/nul"
-refused "must hold 64 hexadecimal digits, but has other characters among them." "$work/nul"
+refused "must hold 64 hexadecimal digits, but has other characters." "$work/nul"
 printf '%02000d' 0 >"$work/long"
-refused "must hold 64 hexadecimal digits in one line, but has 2000 bytes." "$work/long"
+refused "must hold 64 hexadecimal digits on one line, but has 2000 bytes." "$work/long"
 echo "${key:1}g" >"$work/letters"
-refused "must hold 64 hexadecimal digits, but has other characters among them." "$work/letters"
+refused "must hold 64 hexadecimal digits, but has other characters." "$work/letters"
 
 configure development ""
-grep -qF "Protected texts: development key" "$work/configure-development.log"
+grep -qF "Protected texts: the development key, which is public; for a release, set ORVA_KEY_FILE to a key file" "$work/configure-development.log"
 if grep -q "development" "$work/configure-build.log" "$work/configure-again.log"; then
     echo "a build with its own key speaks of the development key"
     exit 1

@@ -21,8 +21,9 @@ const std::string kOther = "libOrvaLanguage key fingerprint: 0123456789ABCDE0\0"
 const std::string kOfDevelopmentKey = "libOrvaLanguage key fingerprint: 43AB51767D620902\0"s;
 
 constexpr char kShown[] = "fingerprint: 0123456789ABCDEF\ndevelopment key: no\n";
-constexpr char kNone[] = ": error: it holds no key fingerprint, so it is not libOrvaLanguage\n";
-constexpr char kSeveral[] = ": error: it holds fingerprints of different keys\n";
+constexpr char kNone[] =
+    ": error: the file holds no key fingerprint, so it is not libOrvaLanguage\n";
+constexpr char kSeveral[] = ": error: the file holds fingerprints of different keys\n";
 
 class LibraryFingerprint : public ::testing::Test {
 protected:

@@ -183,9 +183,10 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
 TEST_F(OrvaStringsInput, ThatIsEmptyIsNeitherAFileNorAKey) {
     const std::string first = Path("first.key");
     const std::string second = Path("second.key");
-    const std::string noSection = "-: error: it has no section\n";
+    const std::string noSection = "-: error: the file has no section\n";
     const std::string noKey =
-        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, but has 0 bytes\n";
+        "orva-strings: error: standard input: must hold 64 hexadecimal digits on one line, but has "
+        "0 bytes\n";
     const struct {
         std::vector<std::string> arguments;
         int status;

@@ -118,12 +118,12 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
         {{"protect", file, "--key-file", file},
          2,
          {"orva-strings: error: " + file +
-          ": must hold 64 hexadecimal digits in one line, but has " +
+          ": must hold 64 hexadecimal digits on one line, but has " +
           std::to_string(std::filesystem::file_size(file)) + " bytes\n"}},
         {{"show", file, "MENU", "NOT_THERE"},
          1,
          {file + ": error: NOT_THERE: there is no such key in the section\n"}},
-        {{"sections", "-"}, 1, {"-: error: it has no section\n"}},
+        {{"sections", "-"}, 1, {"-: error: the file has no section\n"}},
         {{"sections", file + ".missing"},
          2,
          {"orva-strings: error: " + file + ".missing: No such file or directory\n"}},

@@ -408,7 +408,7 @@ TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
         reasons.insert(err.str().substr(err.str().rfind(": ") + 1));
     }
     EXPECT_EQ(reasons.count(" the library could not load the copy made there\n"), 1U);
-    EXPECT_EQ(reasons.count(" the section could not be loaded whole\n"), hasRead ? 1U : 0U);
+    EXPECT_EQ(reasons.count(" the library could not load the whole section\n"), hasRead ? 1U : 0U);
 }
 
 // The new file is in the folder of the file that it replaces, not in that of a link to it.

@@ -128,10 +128,11 @@ TEST_F(OrvaStrings, ReadsStandardInput) {
     EXPECT_EQ(m_out, kReadable);
 }
 
-const char kBeforeFirst[] = ": not read, because it comes before the first section\n";
-const char kAfterMark[] = ": not read, because a byte-order mark is in front of it\n";
+const char kBeforeFirst[] = ": this entry is not read, because it comes before the first section\n";
+const char kAfterMark[] =
+    ": this entry is not read, because a byte-order mark comes right before it\n";
 const char kAfterReturn[] =
-    ": not read, because it follows a carriage return, which does not end a line\n";
+    ": this entry is not read, because it follows a carriage return, which does not end a line\n";
 
 TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
     const std::string before = kBeforeFirst;
@@ -141,8 +142,8 @@ TEST_F(OrvaStrings, RefusesWhatIsNeverRead) {
         std::string bytes;
         std::string errors;
     } cases[] = {
-        {"", "-: error: it has no section\n"},
-        {"MENU=\"x\"\n", "-: error: it has no section\n"},
+        {"", "-: error: the file has no section\n"},
+        {"MENU=\"x\"\n", "-: error: the file has no section\n"},
         {"QVLANG=en\rIDE_X=\"x\"\r", "-:1: error: IDE_X" + ret},
         {"QVLANG=en\rIDE_X=1\rMENU=2\rQVLANG=fr\rIDE_Y=3\r",
          "-:1: error: IDE_X" + ret + "-:1: error: QVLANG" + ret + "-:1: error: IDE_Y" + ret},
@@ -272,7 +273,7 @@ TEST_F(OrvaStrings, DoesNotWriteOverTheKey) {
              {"rekey", "--from", Path("other"), "--to", Path("key"), "-o", Path("key"), file}}) {
         EXPECT_EQ(Run(arguments), 2);
         EXPECT_EQ(m_err, "orva-strings: error: " + arguments[arguments.size() - 2] +
-                             ": this is the key file, which would be overwritten\n");
+                             ": the output would overwrite this key file\n");
         EXPECT_EQ(ReadFile(Path("key")), ToHex(key) + "\n");
     }
 }
@@ -461,9 +462,9 @@ TEST_F(OrvaStrings, TakesAKeyFromStandardInput) {
     EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, ToHex(second)), 0);
     EXPECT_EQ(m_out, fingerprint);
     EXPECT_EQ(Run({"key", "show", "--key-file", "-"}, "no key"), 2);
-    EXPECT_EQ(
-        m_err,
-        "orva-strings: error: -: must hold 64 hexadecimal digits in one line, but has 6 bytes\n");
+    EXPECT_EQ(m_err,
+              "orva-strings: error: standard input: must hold 64 hexadecimal digits on one line, "
+              "but has 6 bytes\n");
 
     std::filesystem::current_path(m_folder.Path());
     WriteKey("-", 2);
@@ -540,7 +541,9 @@ TEST_F(OrvaStrings, TellsLooksByDigitsAndLength) {
 TEST_F(OrvaStrings, RefusesATextWithANulByte) {
     EXPECT_EQ(Run({"protect", "-"}, "QVLANG=en\nIDE_X=\"a\0b\"\nIDE_Y=\"good\"\n"s), 1);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err, kDevelopmentKeyNote + "-:2: error: IDE_X: the text contains a NUL byte\n");
+    EXPECT_EQ(m_err, kDevelopmentKeyNote +
+                         "-:2: error: IDE_X: the text contains a NUL byte, so a host would see "
+                         "only what comes before it\n");
 }
 
 TEST_F(OrvaStrings, RefusesToRevealWhatWouldNotReadBackTheSame) {
@@ -643,11 +646,13 @@ TEST_F(OrvaStrings, ShowsWhatHasNoAnswer) {
         "-:4: error: IDE_WRONG: the value does not decode: it was damaged or made with another "
         "key\n");
     EXPECT_EQ(Run({"show", "-"}, "MENU=\"x\"\n"), 1);
-    EXPECT_EQ(m_err, "-: error: it has no section\n");
+    EXPECT_EQ(m_err, "-: error: the file has no section\n");
 
     EXPECT_EQ(Run({"show", "-"}, "QVLANG=en\nABCD=1\nABCD\0X=2\n"s), 1);
     EXPECT_EQ(m_out, "ABCD=\"1\"\nQVLANG=\"en\"\n");
-    EXPECT_EQ(m_err, "-:3: error: ABCD\\x00X: it contains a NUL byte, so no host can ask for it\n");
+    EXPECT_EQ(m_err,
+              "-:3: error: ABCD\\x00X: the key contains a NUL byte, so ZuGetLocalizedString can't "
+              "look it up\n");
 }
 
 TEST_F(OrvaStrings, ListsSections) {
@@ -802,7 +807,7 @@ TEST_F(OrvaStrings, SaysEverywhereAlikeThatThereIsNoSection) {
         for (const char* bytes : {"", "MENU=\"x\"\n", "QVLANG\n"}) {
             EXPECT_EQ(Run(command, bytes), 1) << command[0];
             EXPECT_EQ(m_out, "") << command[0];
-            EXPECT_EQ(m_err, "-: error: it has no section\n") << command[0];
+            EXPECT_EQ(m_err, "-: error: the file has no section\n") << command[0];
         }
     }
 }
@@ -818,7 +823,7 @@ TEST_F(OrvaStrings, ReportsInTheOrderOfTheLines) {
                          "-:4: error: IDE_C" + decode + "-:5: error: IDE_D" + kAfterReturn +
                          "-:5: error: IDE_C" + kAfterReturn);
     EXPECT_EQ(Run({"reveal", "-"}, "IDE_A=1\n"), 1);
-    EXPECT_EQ(m_err, "-: error: it has no section\n-:1: error: IDE_A"s + kBeforeFirst);
+    EXPECT_EQ(m_err, "-: error: the file has no section\n-:1: error: IDE_A"s + kBeforeFirst);
 
     // Within a line, in the order of their places, however many.
     std::string bytes = "QVLANG=en\n//";
@@ -905,8 +910,8 @@ TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
             m_err,
             c.isGood ? ""
                      : "orva-strings: error: " + file + ": must hold 64 hexadecimal digits" +
-                           (c.bytes.size() == 64 ? ", but has other characters among them\n"
-                                                 : " in one line, but has " +
+                           (c.bytes.size() == 64 ? ", but has other characters\n"
+                                                 : " on one line, but has " +
                                                        std::to_string(c.bytes.size()) + " bytes\n"))
             << c.what;
     }
@@ -1013,7 +1018,7 @@ TEST_F(OrvaStrings, NamesWhatIsWrongWithTheCommandLine) {
         {{"key", "show", "--libary", file}, "unknown option '--libary'"},
         {{"protect", "--a\nb=[]", file}, "unknown option '--a\\nb'"},
         {{"protect", "-k[]", file}, "unknown option '-k[]'"},
-        {{"protect", ""}, "FILE: it names no file"},
+        {{"protect", ""}, "FILE: the name is empty"},
         {{"sections", file, "--", "--more"}, "The following argument was not expected: --more"},
     };
     for (const auto& c : cases) {
@@ -1042,6 +1047,14 @@ TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
     EXPECT_EQ(m_err, "");
     EXPECT_EQ(Run({"protect", "--help"}), 0);
     EXPECT_NE(m_out.find("--key-file"), std::string::npos);
+    for (const auto& arguments : std::vector<std::vector<std::string>>{{}, {"key"}}) {
+        std::vector<std::string> help = arguments;
+        help.emplace_back("--help");
+        EXPECT_EQ(Run(help), 0);
+        EXPECT_NE(m_out.find(" [OPTIONS] COMMAND\n"), std::string::npos) << m_out;
+        EXPECT_NE(m_out.find("\nCommands:\n"), std::string::npos) << m_out;
+        EXPECT_EQ(m_out.find("ubcommand"), std::string::npos) << m_out;
+    }
     EXPECT_EQ(Run({"--version"}), 0);
     EXPECT_EQ(m_out, ORVA_VERSION "\n");
 }
@@ -1525,7 +1538,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
     const std::string file = Write("x" + c, "QVLANG=en\nIDE_X=" + std::string(64, '0') + "\n");
     const std::string fileShown = Path("x" + shown);
     const std::string key = Write("key" + c, ToHex(CountingBytes(32)));
-    const std::string badKey = ": must hold 64 hexadecimal digits in one line, but has 81 bytes\n";
+    const std::string badKey = ": must hold 64 hexadecimal digits on one line, but has 81 bytes\n";
     ASSERT_EQ(mkfifo(Path("pipe" + c).c_str(), 0600), 0);
     const std::string error = "orva-strings: error: ";
     const std::string help = " (see --help)\n";
@@ -1557,7 +1570,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
         {{"key", "show", "--library", missing}, 2, error + noFile},
         {{"key", "show", "--library", file},
          1,
-         fileShown + ": error: it holds no key fingerprint, so it is not libOrvaLanguage\n"},
+         fileShown + ": error: the file holds no key fingerprint, so it is not libOrvaLanguage\n"},
         {{"key", "new", key}, 2, error + Path("key" + shown) + ": File exists\n"},
         {{"key", "new", missing + "/new"},
          2,
@@ -1570,7 +1583,7 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfItsArguments) {
          error + Path("pipe" + shown) + ": only a regular file can be replaced\n"},
         {{"reveal", "--key-file", key, "-o", key, good},
          2,
-         error + Path("key" + shown) + ": this is the key file, which would be overwritten\n"},
+         error + Path("key" + shown) + ": the output would overwrite this key file\n"},
         // Other arguments.
         {{"show", "--language", c, good}, 1, good + ": error: there is no section " + shown + "\n"},
         {{"show", "--fallback", "--language", c, good},
@@ -1652,7 +1665,8 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfAFile) {
          "-:2: warning: IDE_" + shown +
              ": the value is empty; the text after its quotes stays readable\n"},
         {"IDE_" + c + "=\"a\0b\""s,
-         "-:2: error: IDE_" + shown + ": the text contains a NUL byte\n"},
+         "-:2: error: IDE_" + shown +
+             ": the text contains a NUL byte, so a host would see only what comes before it\n"},
         {"//IDE_\x1B\x07\x7F\xC2\x9B=x",
          "-:2: warning: IDE_\\x1B\\x07\\x7F\\xC2\\x9B: this looks like a protected entry but is "
          "not "
@@ -1670,7 +1684,8 @@ TEST_F(OrvaStrings, SendsNoControlCharactersOfAFile) {
     EXPECT_EQ(Run({"show", "-"}, header + "IDE_" + c + "=x\nABCD\0\x1B=x\n"s), 1);
     EXPECT_EQ(m_err, "-:2: error: IDE_" + shown +
                          ": the value is not protected, so the library answers null\n-:3: error: "
-                         "ABCD\\x00\\x1B: it contains a NUL byte, so no host can ask for it\n");
+                         "ABCD\\x00\\x1B: the key contains a NUL byte, so ZuGetLocalizedString "
+                         "can't look it up\n");
 }
 
 TEST_F(OrvaStrings, SendsNoControlCharactersOfTheSystem) {
@@ -1868,7 +1883,7 @@ TEST_F(OrvaStrings, ReportsAResultThatCannotBeWritten) {
                   {"protect", "-"}, [] { return kReadable; }, out, err),
               2);
     EXPECT_EQ(err.str(), kDevelopmentKeyNote + NearEntriesOf("-") +
-                             "orva-strings: error: can't write the result\n");
+                             "orva-strings: error: can't write to standard output\n");
 }
 
 }  // namespace

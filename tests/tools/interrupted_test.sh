@@ -52,7 +52,7 @@ stop_at() { # VARIABLE N STATUS BYTES
     [ ! -e "$work/folder/file" ] || [ "$(stat -c %a "$work/folder/file")" = "$mode" ] ||
         { echo "$1=$2 changed the mode"; exit 1; }
     [ -z "$(find "$work/folder" -type f -perm "/$(printf %o $((0777 & ~0$mode)))")" ] ||
-        { echo "$1=$2 left what others may read who may not read the file"; exit 1; }
+        { echo "$1=$2 left something that users who cannot read the file can read"; exit 1; }
     [ "$1" = KILL_AT ] || [ -z "$(find "$work/folder" -mindepth 1 ! -name file)" ] ||
         { echo "$1=$2 left a file"; exit 1; }
 }

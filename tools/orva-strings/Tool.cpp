@@ -17,7 +17,7 @@ int Run(std::vector<std::string> arguments, const Console& console) {
     const ExitStatus status = command != nullptr ? command->Run(console) : kDone;
     console.Out().flush();
     if (!console.Out()) {
-        throw std::runtime_error("can't write the result");
+        throw std::runtime_error("can't write to standard output");
     }
     return status;
 }

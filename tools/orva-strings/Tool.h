@@ -7,8 +7,8 @@
 #include <vector>
 
 // Runs the tool with its arguments, without the program name. readInput returns the bytes of
-// standard input and may throw. Returns the exit status: 0 on success, 1 if something in a file is
-// wrong, 2 if the arguments are wrong, the system refuses or memory runs out. Throws nothing.
+// standard input and may throw. Returns the exit status: 0 on success, 1 if a finding is an error, 2
+// on any other failure. Throws nothing.
 int RunTool(std::vector<std::string> arguments, const std::function<std::string()>& readInput,
             std::ostream& out, std::ostream& err);
 

@@ -18,7 +18,7 @@ bool IsSpecial(std::string_view argument) {
 // An empty name (an unset variable) is an error, not the built-in key.
 std::string NamesAFile(std::string name) {
     Unmark(name);
-    return name.empty() ? "it names no file" : "";
+    return name.empty() ? "the name is empty" : "";
 }
 
 }  // namespace
@@ -106,6 +106,6 @@ void Arguments::Finish() const {
         throw UsageError("only one of FILE and the key files can be -, which is standard input");
     }
     if (const std::string* const output = OutputOverAKey()) {
-        throw UsageError(*output + ": this is the key file, which would be overwritten");
+        throw UsageError(*output + ": the output would overwrite this key file");
     }
 }

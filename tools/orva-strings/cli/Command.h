@@ -34,7 +34,7 @@ public:
     // Declares the arguments. They are set once, before Run.
     virtual void Declare(Arguments& arguments) = 0;
 
-    // Throws std::exception if the system refuses something, or memory runs out.
+    // Returns kDone or kFindings. Throws std::exception where the exit status is kUsageOrSystem.
     virtual ExitStatus Run(const Console& console) = 0;
 
 protected:

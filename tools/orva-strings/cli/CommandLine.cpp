@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr char kHeading[] = "Commands";  // of the list of them in the help
+
 // The Levenshtein distance of two words.
 std::size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> row(b.size() + 1);  // from a's prefix so far to each prefix of b
@@ -71,6 +73,7 @@ std::string Footer(const std::vector<const char*>& examples) {
 }
 
 Parser::Parser(const Commands& commands) {
+    m_app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     m_app.require_subcommand(1);
     m_app.set_version_flag("--version", ORVA_VERSION);
     m_groups.push_back({&m_app, ""});
@@ -96,13 +99,14 @@ Parser::Group& Parser::GroupOf(const Command& command) {
         return *found;
     }
     m_groups.push_back({m_app.add_subcommand(name, command.Text().group.summary), prefix});
-    m_groups.back().app->require_subcommand(1);
+    m_groups.back().app->group(kHeading)->require_subcommand(1);
     return m_groups.back();
 }
 
 void Parser::Add(Command& command) {
     const CommandText& text = command.Text();
     CLI::App* const app = GroupOf(command).app->add_subcommand(text.name, text.summary);
+    app->group(kHeading);
     if (!text.examples.empty()) {
         app->footer(Footer(text.examples));
     }

@@ -11,7 +11,7 @@ MasterKey Console::ReadKey(const std::string& keyFile) const {
     if (keyFile.empty()) {
         return MasterKey::BuiltIn();
     }
-    return keyFile == "-" ? MasterKey::FromText(m_readInput(), keyFile)
+    return keyFile == "-" ? MasterKey::FromText(m_readInput(), "standard input")
                           : MasterKey::FromFile(keyFile);
 }
 

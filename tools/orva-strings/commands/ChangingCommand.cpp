@@ -1,5 +1,6 @@
 #include "tools/orva-strings/commands/ChangingCommand.h"
 
+#include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/system/Files.h"
 
@@ -16,8 +17,7 @@ void ChangingCommand::Declare(Arguments& arguments) {
 
 ExitStatus ChangingCommand::Run(const Console& console) {
     if (m_isInPlace && m_file == "-") {
-        console.Say(Severity::kError, "--in-place needs a file, not -");
-        return kUsageOrSystem;
+        throw UsageError("--in-place needs a file, not -");
     }
     const FileSnapshot before = console.Read(m_file);
     StringsDocument document(before.bytes);

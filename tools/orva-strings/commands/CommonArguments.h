@@ -9,7 +9,7 @@ constexpr Argument kStringsFile = {"FILE", "", "The strings file; - is standard 
 
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",
-    "File of 64 hexadecimal digits, - for standard input; without it, the key built in",
+    "File of 64 hexadecimal digits; - is standard input; without this option, the built-in key",
     Role::kKey};
 
 #endif

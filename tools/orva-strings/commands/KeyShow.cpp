@@ -15,10 +15,11 @@ public:
 
     void Declare(Arguments& arguments) override {
         arguments.Add(kKeyFile, m_keyFile);
-        arguments.Add({"--library", "LIBRARY",
-                       "Show the key of this built library; the file is read, never run",
-                       Role::kFile, false, kKeyFile.name},
-                      m_library);
+        arguments.Add(
+            {"--library", "LIBRARY",
+             "Show the fingerprint of the key in this built library; the file is read, never run",
+             Role::kFile, false, kKeyFile.name},
+            m_library);
     }
 
     ExitStatus Run(const Console& console) override {
@@ -30,8 +31,9 @@ public:
         }
         if (fingerprints.size() != 1) {
             const char* const why =
-                fingerprints.empty() ? "it holds no key fingerprint, so it is not libOrvaLanguage"
-                                     : "it holds fingerprints of different keys";
+                fingerprints.empty()
+                    ? "the file holds no key fingerprint, so it is not libOrvaLanguage"
+                    : "the file holds fingerprints of different keys";
             return console.Report({{Severity::kError, std::nullopt, why}}, m_library);
         }
         const std::string& fingerprint = *fingerprints.begin();

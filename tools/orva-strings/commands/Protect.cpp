@@ -8,7 +8,7 @@ class Protect : public ChangingCommand {
 public:
     Protect()
         : ChangingCommand({"protect",
-                           "Store every readable entry whose key begins with IDE in protected form",
+                           "Encrypt every readable entry whose key begins with IDE",
                            {"protect -o Shipped.strings Source.strings",
                             "protect --in-place --key-file release.key Sample.strings"}}) {}
 

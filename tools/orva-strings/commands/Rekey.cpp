@@ -7,17 +7,17 @@ class Rekey : public ChangingCommand {
 public:
     Rekey()
         : ChangingCommand({"rekey",
-                           "Store protected entries with another key",
+                           "Re-encrypt protected entries with another key",
                            {"rekey --from old.key --to new.key --in-place Sample.strings"}}) {}
 
     void Declare(Arguments& arguments) override {
         ChangingCommand::Declare(arguments);
-        arguments.Add({"--from", "KEYFILE", "Key file they are stored with; - is standard input",
-                       Role::kKey, true},
-                      m_from);
-        arguments.Add({"--to", "KEYFILE", "Key file to store them with; - is standard input",
-                       Role::kKey, true},
-                      m_to);
+        arguments.Add(
+            {"--from", "KEYFILE", "File with the old key; - is standard input", Role::kKey, true},
+            m_from);
+        arguments.Add(
+            {"--to", "KEYFILE", "File with the new key; - is standard input", Role::kKey, true},
+            m_to);
     }
 
 private:

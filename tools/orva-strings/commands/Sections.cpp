@@ -15,7 +15,10 @@ namespace {
 
 class Sections : public Command {
 public:
-    Sections() : Command({"sections", "List the sections: line, entries, protected, name", {}}) {}
+    Sections()
+        : Command({"sections",
+                   "List the sections: line, number of entries, how many are protected, name",
+                   {}}) {}
 
     void Declare(Arguments& arguments) override { arguments.Add(kStringsFile, m_file); }
 

@@ -42,7 +42,7 @@ const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
         const std::optional<std::string> decoded = DecodeProtectedText(keys, stored);
         if (text == nullptr ? decoded.has_value()
                             : !decoded || std::strcmp(text, decoded->c_str()) != 0) {
-            throw std::runtime_error(key + ": the library could not decode it");
+            throw std::runtime_error(key + ": the library could not decode the value");
         }
     }
     return text;
@@ -51,7 +51,7 @@ const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
 // Why the library answers null for a key.
 const char* WhyNull(const std::string& key) {
     if (key.find('\0') != std::string::npos) {
-        return "it contains a NUL byte, so no host can ask for it";
+        return "the key contains a NUL byte, so ZuGetLocalizedString can't look it up";
     }
     const char* const stored = KorGetLocalizedString(key.c_str());
     if (stored == nullptr) {
@@ -85,7 +85,7 @@ void CheckLoaded(const Section& section) {
     const KorStringMap& table = KorString::gMapLocalizedStrings;
     const auto header = table.Find("QVLANG");
     if (!header || header->value != name || table.Size() != section.Keys().size()) {
-        throw std::runtime_error("the section could not be loaded whole");
+        throw std::runtime_error("the library could not load the whole section");
     }
 }
 
@@ -103,9 +103,10 @@ public:
         arguments.Add(
             {"--language", "LANGUAGE", "The section's name; without it, the first section"},
             m_language);
-        arguments.AddFlag("--fallback",
-                          "Show the first section, as the library does, if that one is missing",
-                          m_hasFallback);
+        arguments.AddFlag(
+            "--fallback",
+            "If no section has that name, show the first one, as the library would load it",
+            m_hasFallback);
         arguments.AddFlag("--reveal", "Show protected texts too", m_isRevealed);
     }
 

@@ -7,7 +7,7 @@
 
 // What every command reports for a document without a section.
 inline Finding NoSection() {
-    return {Severity::kError, std::nullopt, "it has no section"};
+    return {Severity::kError, std::nullopt, "the file has no section"};
 }
 
 #endif

@@ -17,13 +17,14 @@ Finding Error(std::size_t line, const std::string& key, const char* what) {
 const char* WhyNotRead(StringsDocument::Obstacle obstacle) {
     switch (obstacle) {
         case StringsDocument::Obstacle::kNoSectionYet:
-            return "not read, because it comes before the first section";
+            return "this entry is not read, because it comes before the first section";
         case StringsDocument::Obstacle::kByteOrderMark:
-            return "not read, because a byte-order mark is in front of it";
+            return "this entry is not read, because a byte-order mark comes right before it";
         case StringsDocument::Obstacle::kCarriageReturn:
             break;
     }
-    return "not read, because it follows a carriage return, which does not end a line";
+    return "this entry is not read, because it follows a carriage return, which does not end a "
+           "line";
 }
 
 bool IsBlank(const std::string& text) {
@@ -98,7 +99,9 @@ Findings ProtectEntries(StringsDocument& document, const ProtectionKeys& keys, b
                 return std::nullopt;
             }
             if (entry.value.find('\0') != std::string::npos) {
-                found.push_back(Error(entry.line, entry.key, "the text contains a NUL byte"));
+                found.push_back(Error(
+                    entry.line, entry.key,
+                    "the text contains a NUL byte, so a host would see only what comes before it"));
                 return std::nullopt;
             }
             if (HasLostItsQuotes(entry)) {

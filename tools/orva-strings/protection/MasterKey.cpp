@@ -66,11 +66,9 @@ MasterKey MasterKey::FromText(std::string text, const std::string& name) {
     if (!isGood) {
         // The build reports the same.
         throw std::runtime_error(
-            name + (isLongEnough
-                        ? ": must hold 64 hexadecimal digits, but has other characters among "
-                          "them"
-                        : ": must hold 64 hexadecimal digits in one line, but has " +
-                              std::to_string(size) + " bytes"));
+            name + (isLongEnough ? ": must hold 64 hexadecimal digits, but has other characters"
+                                 : ": must hold 64 hexadecimal digits on one line, but has " +
+                                       std::to_string(size) + " bytes"));
     }
     return key;
 }
