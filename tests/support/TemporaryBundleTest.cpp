@@ -87,6 +87,9 @@ TEST_F(TemporaryBundleTest, NamesWhatCannotBeWritten) {
     fs::create_directory(m_folder.Path() / "folder");
     EXPECT_EQ(error([&] { m_folder.Write("folder", "bytes"); }),
               (m_folder.Path() / "folder").string() + ": Is a directory");
+    fs::create_symlink("/dev/full", m_folder.Path() / "full");
+    EXPECT_EQ(error([&] { m_folder.Write("full", "bytes"); }),
+              (m_folder.Path() / "full").string() + ": No space left on device");
 
     const TemporaryBundle bundle;
     bundle.Link("link", "file");

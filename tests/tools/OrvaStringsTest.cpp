@@ -971,10 +971,12 @@ TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
         {{"section", "-"}, "unknown command 'section'; did you mean 'sections'?"},
         {{"Show", "-"}, "unknown command 'Show'; did you mean 'show'?"},
         {{"hsow", "-"}, "unknown command 'hsow'; did you mean 'show'?"},
+        {{"otect"}, "unknown command 'otect'; did you mean 'protect'?"},
         {{"revael"}, "unknown command 'revael'; did you mean 'reveal'?"},
         {{"sectixxx"}, "unknown command 'sectixxx'"},
         {{"keys"}, "unknown command 'keys'; did you mean 'key'?"},
         {{"rekei"}, "unknown command 'rekei'; did you mean 'rekey'?"},
+        {{"reky"}, "unknown command 'reky'; did you mean 'rekey'?"},
         {{"ke"}, "unknown command 'ke'; did you mean 'key'?"},
         {{"xx"}, "unknown command 'xx'"},
         {{"y"}, "unknown command 'y'"},
@@ -1019,6 +1021,7 @@ TEST_F(OrvaStrings, NamesWhatIsWrongWithTheCommandLine) {
         {{"protect", "--a\nb=[]", file}, "unknown option '--a\\nb'"},
         {{"protect", "-k[]", file}, "unknown option '-k[]'"},
         {{"protect", ""}, "FILE: the name is empty"},
+        {{"sections", file, "-"}, "The following argument was not expected: -"},
         {{"sections", file, "--", "--more"}, "The following argument was not expected: --more"},
     };
     for (const auto& c : cases) {
@@ -1042,9 +1045,17 @@ TEST_F(OrvaStrings, RefusesAValueForAnOptionWithoutOne) {
 }
 
 TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
+    const std::string rekey =
+        "  orva-strings rekey --from old.key --to new.key --in-place Sample.strings\n";
     EXPECT_EQ(Run({"--help"}), 0);
-    EXPECT_NE(m_out.find("Examples:\n"), std::string::npos);
+    EXPECT_NE(m_out.find("\nExamples:\n  orva-strings protect -o Shipped.strings Source.strings\n"),
+              std::string::npos)
+        << m_out;
+    EXPECT_NE(m_out.find(rekey), std::string::npos) << m_out;
+    EXPECT_NE(m_out.find("Exit status: 0 done, 1 "), std::string::npos) << m_out;
     EXPECT_EQ(m_err, "");
+    EXPECT_EQ(Run({"rekey", "--help"}), 0);
+    EXPECT_NE(m_out.find("\nExamples:\n" + rekey), std::string::npos) << m_out;
     EXPECT_EQ(Run({"protect", "--help"}), 0);
     EXPECT_NE(m_out.find("--key-file"), std::string::npos);
     for (const auto& arguments : std::vector<std::vector<std::string>>{{}, {"key"}}) {
@@ -1329,7 +1340,7 @@ TEST_F(OrvaStrings, TakesAHyphenForStandardOutput) {
 
 TEST_F(OrvaStrings, WritesToTheFileOfExactlyTheName) {
     std::filesystem::current_path(m_folder.Path());
-    for (const std::string name : {"[file]", "[]", "++", "=file", "file\n", "[file]\n"}) {
+    for (const std::string name : {"[file]", "[]", "++", "=file", "file\n", "[file]\n", "\n"}) {
         for (const auto& option : std::vector<std::vector<std::string>>{
                  {"-o", name}, {"-o" + name}, {"--output", name}, {"--output=" + name}}) {
             std::vector<std::string> arguments = {"protect", "-"};
