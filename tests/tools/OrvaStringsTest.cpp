@@ -1021,7 +1021,7 @@ TEST_F(OrvaStrings, NamesWhatIsWrongWithTheCommandLine) {
         {{"protect", "--a\nb=[]", file}, "unknown option '--a\\nb'"},
         {{"protect", "-k[]", file}, "unknown option '-k[]'"},
         {{"protect", ""}, "FILE: the name is empty"},
-        {{"show", "--language=a", "--language=b", file},
+        {{"show", "--reveal", "--language=a", "--language=b", file},
          "--language: At Most 1 required but received 2"},
         {{"sections", file, "-"}, "The following argument was not expected: -"},
         {{"sections", file, "--", "--more"}, "The following argument was not expected: --more"},
