@@ -1,3 +1,5 @@
+#include <sys/types.h>
+
 #include <cerrno>
 #include <memory>
 #include <sys/acl.h>

@@ -99,8 +99,9 @@ private:
 // The mode after a change of group. The old group's members are now others, so group and others
 // each keep only what both had.
 mode_t WithoutGroup(mode_t mode) {
-    const mode_t common = mode & (mode >> 3U) & 0007U;
-    return (mode & 0700U) | (common << 3U) | common;
+    const unsigned bits = mode;  // on macOS mode_t is short
+    const unsigned common = bits & (bits >> 3U) & 0007U;
+    return static_cast<mode_t>((bits & 0700U) | (common << 3U) | common);
 }
 
 // Follows the symbolic links at the end of a path, even dangling ones.
