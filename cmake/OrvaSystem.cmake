@@ -46,6 +46,8 @@ function(orva_link_library target version_script exported_symbols)
         set_target_properties(${target} PROPERTIES
             INSTALL_NAME_DIR "@executable_path/../Frameworks"
             BUILD_WITH_INSTALL_NAME_DIR ON
+            MACHO_CURRENT_VERSION "${PROJECT_VERSION}"
+            MACHO_COMPATIBILITY_VERSION "${PROJECT_VERSION_MAJOR}.0.0"
             LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/Frameworks"
             LINK_DEPENDS "${exported_symbols}")
         target_link_options(${target} PRIVATE
