@@ -75,7 +75,11 @@ std::ptrdiff_t PiecesLeftBy(void (*function)()) {
 
 // Every register that a call may change holds a known value before the call but not afterwards.
 TEST(ClearRegisters, LeavesNothingInThem) {
-    if (!__builtin_cpu_supports("avx")) {
+    unsigned eax = 0;
+    unsigned ebx = 0;
+    unsigned ecx = 0;
+    unsigned edx = 0;
+    if (__get_cpuid(1, &eax, &ebx, &ecx, &edx) == 0 || (ecx & bit_AVX) == 0) {
         GTEST_SKIP() << "the processor's vector registers are smaller than this test saves";
     }
     EXPECT_GE(PiecesLeftBy([] {}), 16 * 4) << "an empty function changes few of them";
