@@ -139,6 +139,21 @@ TEST(StringsDocument, KnowsThePartsOfALineNearAProtectedEntry) {
     EXPECT_EQ(near[2].afterQuote, " z");
 }
 
+TEST(StringsDocument, TakesNoOtherWordForAProtectedEntry) {
+    std::vector<std::string> words = {"XDE_A", "IXE_A", "IDX_A", "XXE_A", "XDX_A", "IXX_A",
+                                      "XXX_A", "ideA",  "ideZ",  "idea",  "idez",  "ID"};
+    for (const char c :
+         std::string("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_")) {
+        words.push_back(std::string{c} + "IDE_A");
+    }
+    for (const std::string& word : words) {
+        EXPECT_TRUE(StringsDocument("//" + word + "=\"x\"").NearProtected().empty()) << word;
+    }
+    for (const std::string word : {"ide@", "ide[", "ide`", "ide{", "ide0", "ide", "iDe_A"}) {
+        EXPECT_EQ(StringsDocument("//" + word + "=\"x\"").NearProtected().size(), 1U) << word;
+    }
+}
+
 TEST(StringsDocument, KnowsWhatIsNotReadAndWhy) {
     using Obstacle = StringsDocument::Obstacle;
     const StringsDocument document(
