@@ -47,8 +47,9 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * "QVLANG", its value the section's name. Returns 0 on failure. ZuGetLocalizedString then returns
  * null for every key until a load succeeds, and
  * - if the file was not opened, the earlier table and the texts handed out from it stay. Causes: a
- *   null language or fileName, a fileName that is not UTF-8, a bundle whose folder is gone, a path
- *   of 1024 bytes or more, a file that is missing or unreadable;
+ *   null language or fileName, a fileName that is not UTF-8, a bundle whose folder is gone, on macOS
+ *   a bundle without the folders Contents and Resources, a path of 1024 bytes or more (which macOS
+ *   may truncate instead), a file that is missing or unreadable;
  * - if the file was opened but holds no section, the table is empty. Causes: an empty file, a
  *   folder.
  *
