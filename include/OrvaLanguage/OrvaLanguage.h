@@ -48,8 +48,8 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * null for every key until a load succeeds, and
  * - if the file was not opened, the earlier table and the texts handed out from it stay. Causes: a
  *   null language or fileName, a fileName that is not UTF-8, a bundle whose folder is gone, on macOS
- *   a bundle without the folders Contents and Resources, a path of 1024 bytes or more (which macOS
- *   may truncate instead), a file that is missing or unreadable;
+ *   a bundle with neither Contents nor Resources, a path of 1024 bytes or more (which macOS may
+ *   truncate instead), a file that is missing or unreadable;
  * - if the file was opened but holds no section, the table is empty. Causes: an empty file, a
  *   folder.
  *
@@ -58,7 +58,7 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  *
  * Throws std::bad_alloc if memory runs out elsewhere. The table is then the earlier one if the file
  * was not open yet; otherwise it holds the entries read so far. ZuGetLocalizedString searches it if
- * the previous ZuLoadStrings succeeded, and otherwise still returns null.
+ * the last ZuLoadStrings that returned had succeeded, and otherwise still returns null.
  *
  * Every text handed out from the table is invalid once a load has opened its file.
  */
