@@ -127,8 +127,8 @@ void LookUp(benchmark::State& state, bool isProtected) {
         }
     }
 }
-BENCHMARK_CAPTURE(LookUp, Cached, true);
-BENCHMARK_CAPTURE(LookUp, Plain, false);
+BENCHMARK_CAPTURE(LookUp, Cached, true)->Name("Lookup/Cached");
+BENCHMARK_CAPTURE(LookUp, Plain, false)->Name("Lookup/Plain");
 
 void ProtectFile(benchmark::State& state) {
     const ProtectionKeys keys = MasterKey::BuiltIn().Derive();
