@@ -1,15 +1,15 @@
 # All that the build knows about the system: its sources, libraries, folders and link options. Every
 # system but macOS is taken for Linux. docs/porting.md lists the rest that differs.
-set(platform "${PROJECT_SOURCE_DIR}/platform")
-set(support "${PROJECT_SOURCE_DIR}/support")
-set(tool_system "${PROJECT_SOURCE_DIR}/tools/orva-strings/system")
+set(orva_platform_folder "${PROJECT_SOURCE_DIR}/platform")
+set(orva_support_folder "${PROJECT_SOURCE_DIR}/support")
+set(orva_tool_system_folder "${PROJECT_SOURCE_DIR}/tools/orva-strings/system")
 
 if(APPLE)
-    set(orva_platform_sources "${platform}/ResourcePathCoreFoundation.cpp")
-    set(orva_support_sources "${support}/OpenBundleCoreFoundation.cpp")
+    set(orva_platform_sources "${orva_platform_folder}/ResourcePathCoreFoundation.cpp")
+    set(orva_support_sources "${orva_support_folder}/OpenBundleCoreFoundation.cpp")
     set(orva_tool_sources
-        "${platform}/Sha256CommonCrypto.cpp"
-        "${tool_system}/AccessListMacOS.cpp")
+        "${orva_platform_folder}/Sha256CommonCrypto.cpp"
+        "${orva_tool_system_folder}/AccessListMacOS.cpp")
 
     set(orva_system_libraries "-framework CoreFoundation")
     set(orva_static_link_flags "-framework CoreFoundation")
@@ -20,13 +20,13 @@ else()
     pkg_check_modules(Nettle REQUIRED IMPORTED_TARGET nettle)
 
     set(orva_platform_sources
-        "${platform}/CommonCryptorNettle.cpp"
-        "${platform}/ExecutablePathLinux.cpp"
-        "${platform}/ResourcePathFolder.cpp")
-    set(orva_support_sources "${support}/OpenBundleFolder.cpp")
+        "${orva_platform_folder}/CommonCryptorNettle.cpp"
+        "${orva_platform_folder}/ExecutablePathLinux.cpp"
+        "${orva_platform_folder}/ResourcePathFolder.cpp")
+    set(orva_support_sources "${orva_support_folder}/OpenBundleFolder.cpp")
     set(orva_tool_sources
-        "${platform}/Sha256Nettle.cpp"
-        "${tool_system}/AccessListLinux.cpp")
+        "${orva_platform_folder}/Sha256Nettle.cpp"
+        "${orva_tool_system_folder}/AccessListLinux.cpp")
 
     set(orva_system_libraries PkgConfig::Nettle)
     # For Libs.private in the .pc file. Not Requires.private: a host links only the shared library

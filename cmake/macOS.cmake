@@ -3,8 +3,8 @@
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_OSX_ARCHITECTURES x86_64 CACHE STRING "Architecture to build for: x86_64 or arm64")
 set(CMAKE_SYSTEM_PROCESSOR "${CMAKE_OSX_ARCHITECTURES}")
-cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH project)
-set(CMAKE_OSX_SYSROOT "${project}/build/macos-sysroot" CACHE PATH "Headers and libraries of macOS")
+cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH orva_project)
+set(CMAKE_OSX_SYSROOT "${orva_project}/build/macos-sysroot" CACHE PATH "Headers and libraries of macOS")
 
 foreach(language IN ITEMS C CXX)
     set(CMAKE_${language}_COMPILER_TARGET "${CMAKE_SYSTEM_PROCESSOR}-apple-macos")
