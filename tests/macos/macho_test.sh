@@ -39,8 +39,9 @@ expect "imports without a library" "" \
     "$(grep '(undefined)' <<<"$symbols" | grep -vE ' \(from (CoreFoundation|libSystem|libc\+\+)\)$' || true)"
 expect "libraries" "/System/Library/Frameworks/CoreFoundation.framework/Versions/A/CoreFoundation
 /usr/lib/libSystem.B.dylib
-/usr/lib/libc++.1.dylib" "$(awk '$1 == "cmd" { load = $2 == "LC_LOAD_DYLIB" }
+/usr/lib/libc++.1.dylib" "$(awk '$1 == "cmd" { load = $2 ~ /DYLIB$/ && $2 != "LC_ID_DYLIB" }
     load && $1 == "name" { print $2 }' <<<"$headers" | sort)"
+expect "run paths" "" "$(grep LC_RPATH <<<"$headers" || true)"
 
 expect "install name" "@executable_path/../Frameworks/libOrvaLanguage.dylib" \
     "$(llvm-objdump-19 --macho --arch="$architecture" --dylib-id "$library" | tail -n 1)"
@@ -56,7 +57,7 @@ expect "namespace" TWOLEVEL "$(grep -A 3 '^Mach header' <<<"$headers" | grep -o 
 # Code for arm64 does not name the objects.
 expect "initialisers" "__GLOBAL__sub_I_StaticObjects.cpp" \
     "$(llvm-objdump-19 --macho --arch="$architecture" --section=__DATA_CONST,__mod_init_func "$library" |
-        sed -nE 's/.*(__GLOBAL__sub_I_.*)/\1/p')"
+        sed -nE 's/^0x[0-9a-f]+ 0x[0-9a-f]+ //p')"
 case $architecture in
 x86_64) objects=$'gMapDecodedStrings\ngMapLocalizedStrings\ngDecodeMutex\ngCryptMutex' ;;
 *) objects=$'object\nobject\nobject\nobject' ;;
