@@ -34,12 +34,12 @@ else()
     list(TRANSFORM Nettle_LIBRARIES PREPEND "-l" OUTPUT_VARIABLE orva_static_link_flags)
     list(JOIN orva_static_link_flags " " orva_static_link_flags)
     set(orva_executable_folder Linux)
-    # Lazy binding would save registers that hold key bytes to the stack.
+    # Lazy binding would save registers to the stack, and with them key bytes.
     set(orva_program_link_options LINKER:-z,relro,-z,now)
 endif()
 
 # orva_link_library(TARGET VERSION_SCRIPT EXPORTED_SYMBOLS): the library's name, version, place and
-# exports, in the linker's terms. The last two are the files that orva_write_export_lists writes.
+# exports, in the linker's terms. orva_write_export_lists writes the two files.
 function(orva_link_library target version_script exported_symbols)
     if(APPLE)
         # Where the application's executable finds the library in its bundle.

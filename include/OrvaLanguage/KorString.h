@@ -19,8 +19,9 @@ struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own 
 // Like ZuLoadStrings, with the same arguments, result and thread rules, but does not affect whether
 // ZuGetLocalizedString answers: that depends on the last ZuLoadStrings alone.
 //
-// Throws std::bad_alloc if memory runs out. The table is then the earlier one if the file was not
-// open yet; otherwise it holds the entries read so far. The file is closed.
+// Throws std::bad_alloc if memory runs out, except for a line too long for memory, which ends the
+// file as in ZuLoadStrings. After a throw, the table is the earlier one if the file was not open yet;
+// otherwise it holds the entries read so far. The file is closed.
 ORVA_EXPORT int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundle);
 
 // Looks up a key in the table as it is, whatever the last load returned.
@@ -33,9 +34,9 @@ ORVA_EXPORT int KorLoadStrings(const char* language, const char* fileName, __CFB
 ORVA_EXPORT const char* KorGetLocalizedString(const char* key);
 
 // Reads a strings file line by line. There are no instances. The functions keep no state: any
-// thread may call them with its own stream and strings, but must not change a keyword while another
-// thread reads it. ConvertNewLine and GetLocalizedElement throw std::bad_alloc if memory runs out,
-// as does copying a line argument.
+// thread may call them with its own stream and strings, but must not change a keyword
+// (LANG_STATEMENT, REGION_STATEMENT) while another thread reads it. ConvertNewLine and
+// GetLocalizedElement throw std::bad_alloc if memory runs out, as does copying a line argument.
 class KorString {
 public:
     KorString() = delete;

@@ -45,7 +45,7 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  *
  * Returns the number of entries in the new table. The section's header is one of them: its key is
  * "QVLANG", its value the section's name. Returns 0 on failure. ZuGetLocalizedString then returns
- * null for every key until a load succeeds, and
+ * null for every key until a ZuLoadStrings succeeds, and
  * - if the file was not opened, the earlier table and the texts handed out from it stay. Causes: a
  *   null language or fileName, a fileName that is not UTF-8, a bundle whose folder is gone, on macOS
  *   a bundle with neither Contents nor Resources, a path of 1024 bytes or more (which macOS may
@@ -103,7 +103,8 @@ ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
  *
  * Returns the bundle, to be closed with ZuCloseBundle once, or null if path is null or not a
  * folder, or is relative and the current folder is gone. Throws std::bad_alloc if memory runs out.
- * May run on any thread at any time, as may ZuCloseBundle for a bundle that no call is using.
+ * May run on any thread, even during a load or a lookup, as may ZuCloseBundle for a bundle that no
+ * call is using.
  */
 ORVA_EXPORT struct __CFBundle* ZuOpenBundle(const char* path);
 

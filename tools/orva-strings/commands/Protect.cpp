@@ -16,7 +16,7 @@ public:
         ChangingCommand::Declare(arguments);
         arguments.Add(kKeyFile, m_keyFile);
         arguments.AddFlag("--force",
-                          "Treat a value that looks stored but does not decode as readable text",
+                          "If a value looks stored but does not decode, take it for readable text",
                           m_isForced);
     }
 
