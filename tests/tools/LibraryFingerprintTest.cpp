@@ -103,7 +103,8 @@ TEST_F(LibraryFingerprint, IsFoundWhereverItStandsInALargeFile) {
     for (const std::size_t piece : {1U, 2U}) {
         for (std::size_t before = piece * kPiece - kMarker.size(); before <= piece * kPiece;
              ++before) {
-            m_folder.Write("library", std::string(before, 'l') + kMarker + std::string(100, '\0'));
+            m_folder.Write("library",
+                           'x' + std::string(before - 1, 'l') + kMarker + std::string(100, '\0'));
             EXPECT_EQ(Show({"--library", file}), 0) << before;
             EXPECT_EQ(m_out, kShown) << before;
         }
