@@ -1,6 +1,7 @@
 // A load from the main bundle when the system does not say which executable runs, as without /proc.
 // Replaces the system's call.
 #include <cerrno>
+#include <string>
 #include <unistd.h>
 
 #include <OrvaLanguage/KorString.h>
@@ -12,6 +13,7 @@
 namespace {
 
 bool gIsUnknown = false;
+std::string gPath;  // what the system answers instead, unless empty
 
 TEST(UnknownExecutable, HasNoMainBundle) {
     const TemporaryBundle bundle;
@@ -23,10 +25,24 @@ TEST(UnknownExecutable, HasNoMainBundle) {
     EXPECT_STREQ(KorGetLocalizedString("MENU_OPEN"), "Open") << "the table stays";
 }
 
+// A file that can't be seen is no reason to cut its path: only the system's own ending is.
+TEST(UnknownExecutable, KeepsAPathThatIsNotThere) {
+    const TemporaryFolder folder;
+    folder.Write("x", "QVLANG=en\nMENU_OPEN=Open\n");
+    for (const std::string ending : {"", " (deleted)"}) {
+        gPath = folder.Path().string() + "/app" + ending;
+        EXPECT_EQ(ZuLoadStrings("en", "x", nullptr), 2) << gPath;
+    }
+    gPath.clear();
+}
+
 }  // namespace
 
-extern "C" ssize_t readlink(const char*, char*, size_t) noexcept {
+extern "C" ssize_t readlink(const char*, char* target, size_t size) noexcept {
     gIsUnknown = false;
+    if (!gPath.empty()) {
+        return static_cast<ssize_t>(gPath.copy(target, size));
+    }
     errno = ENOENT;
     return -1;
 }
