@@ -53,9 +53,10 @@ function(orva_link_library target version_script exported_symbols)
         target_link_options(${target} PRIVATE
             "SHELL:-Xlinker -exported_symbols_list -Xlinker \"${exported_symbols}\"")
     else()
-        # First the library's own folder, for an application that carries a copy of Nettle; in the
-        # build tree too, where CMake would otherwise add an empty entry: the current folder. Then
-        # the user's folders, and that of a Nettle outside the system's library folders.
+        # The run path: first the library's own folder, for an application that carries a copy of
+        # Nettle (in the build tree too, where CMake would otherwise add an empty entry, which means
+        # the current folder); then those of CMAKE_INSTALL_RPATH, and that of a Nettle outside the
+        # system's library folders.
         set(nettle_folders "${Nettle_LIBRARY_DIRS}")
         list(REMOVE_ITEM nettle_folders "" ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES})
         set_target_properties(${target} PROPERTIES
