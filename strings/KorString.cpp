@@ -2,6 +2,8 @@
 
 #include <OrvaLanguage/KorString.h>
 
+#include "strings/LineEnding.h"
+
 namespace {
 
 constexpr char kEscape[] = "\\n";
@@ -43,9 +45,7 @@ bool KorString::GetLine(std::ifstream& stream, std::string& line) {
     if (!std::getline(stream, line)) {
         return false;
     }
-    if (!line.empty() && line.back() == '\r') {
-        line.pop_back();
-    }
+    line.resize(TextLength(line));
     return true;
 }
 

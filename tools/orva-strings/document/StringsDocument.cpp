@@ -7,18 +7,13 @@
 #include <OrvaLanguage/KorString.h>
 
 #include "protection/ProtectedForm.h"
+#include "strings/LineEnding.h"
 
 namespace {
 
-// Splits a line, including its line feed, into text and ending, as KorString::GetLine does.
+// Splits a line into text and ending, which is its line feed, if any, and what precedes that.
 std::pair<std::string, std::string> SplitEnding(std::string_view bytes) {
-    std::size_t length = bytes.size();
-    if (length > 0 && bytes[length - 1] == '\n') {
-        --length;
-    }
-    if (length > 0 && bytes[length - 1] == '\r') {
-        --length;
-    }
+    const std::size_t length = TextLength(bytes.substr(0, bytes.find('\n')));
     return {std::string(bytes.substr(0, length)), std::string(bytes.substr(length))};
 }
 
