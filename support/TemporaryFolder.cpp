@@ -13,15 +13,9 @@ namespace fs = std::filesystem;
 TemporaryFolder::TemporaryFolder() {
     const char* const folder = std::getenv("TMPDIR");
     const bool isNamed = folder != nullptr && *folder != '\0';
-    std::string name = (fs::path(isNamed ? folder : "/tmp") / "orva-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), name);
-    }
-    try {
-        m_path = name;
-    } catch (...) {
-        rmdir(name.c_str());
-        throw;
+    m_path = (fs::path(isNamed ? folder : "/tmp") / "orva-XXXXXX").string();
+    if (mkdtemp(m_path.data()) == nullptr) {
+        throw std::system_error(errno, std::generic_category(), m_path);
     }
 }
 
@@ -35,7 +29,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void TemporaryFolder::Write(const std::string& name, std::string_view bytes) const {
-    const fs::path path = m_path / name;
+    const fs::path path = Path() / name;
     std::ofstream file(path, std::ios::binary);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();

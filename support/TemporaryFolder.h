@@ -15,13 +15,13 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    const std::filesystem::path& Path() const { return m_path; }
+    std::filesystem::path Path() const { return m_path; }
 
     // Creates or replaces a file in the folder.
     void Write(const std::string& name, std::string_view bytes) const;
 
 private:
-    std::filesystem::path m_path;
+    std::string m_path;  // not a path, which would allocate after the folder is made
 };
 
 #endif

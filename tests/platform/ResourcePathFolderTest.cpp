@@ -39,7 +39,7 @@ std::string PathIn(const std::string& bundlePath, const std::string& fileName) {
 
 TEST(ZuOpenBundle, TakesAFolderAndNothingElse) {
     const TemporaryFolder folder;
-    const fs::path& root = folder.Path();
+    const fs::path root = folder.Path();
     std::ofstream(root / "file") << "x";
     fs::create_directory(root / "folder");
     fs::create_symlink("folder", root / "link");
