@@ -13,6 +13,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -26,7 +27,7 @@
 #include "tools/orva-strings/Tool.h"
 #include "tools/orva-strings/system/Files.h"
 
-using namespace std::string_literals;  // for texts that hold NUL bytes
+using namespace std::literals;  // for texts that hold NUL bytes
 
 namespace {
 
@@ -663,20 +664,21 @@ TEST_F(OrvaStringsSystemCalls, NarrowTheModeWhereRightsCannotBeCopied) {
     }
 }
 
+constexpr char kList[] = "system.posix_acl_access";
+// The owner, one more user and the mask have rw; the group and others have nothing.
+constexpr std::string_view kAccess =
+    "\2\0\0\0"
+    "\1\0\6\0\xFF\xFF\xFF\xFF"
+    "\2\0\6\0\x39\x30\0\0"
+    "\4\0\0\0\xFF\xFF\xFF\xFF"
+    "\x10\0\6\0\xFF\xFF\xFF\xFF"
+    "\x20\0\0\0\xFF\xFF\xFF\xFF"sv;
+
 // If the list can't be set, the group's bits in the mode would apply to the group itself.
 TEST_F(OrvaStringsSystemCalls, SetTheAccessListBeforeTheModeOrNarrowThat) {
-    constexpr char kList[] = "system.posix_acl_access";
-    // The owner, one more user and the mask have rw; the group and others have nothing.
-    const std::string list =
-        "\2\0\0\0"
-        "\1\0\6\0\xFF\xFF\xFF\xFF"
-        "\2\0\6\0\x39\x30\0\0"
-        "\4\0\0\0\xFF\xFF\xFF\xFF"
-        "\x10\0\6\0\xFF\xFF\xFF\xFF"
-        "\x20\0\0\0\xFF\xFF\xFF\xFF"s;
     for (const bool isRefused : {false, true}) {
         MakeFiles(m_stored);
-        if (setxattr("file", kList, list.data(), list.size(), 0) != 0) {
+        if (setxattr("file", kList, kAccess.data(), kAccess.size(), 0) != 0) {
             GTEST_SKIP() << "the file system has no access lists";
         }
         ASSERT_EQ(ModeOf("file"), 0660U);
@@ -689,7 +691,31 @@ TEST_F(OrvaStringsSystemCalls, SetTheAccessListBeforeTheModeOrNarrowThat) {
         ASSERT_NE(set, m_calls.end());
         EXPECT_EQ(*(set + 1), isRefused ? "fchmod file.A1A2A3 600" : "fchmod file.A1A2A3 660");
         EXPECT_EQ(getxattr("file", kList, nullptr, 0),
-                  isRefused ? -1 : static_cast<ssize_t>(list.size()));
+                  isRefused ? -1 : static_cast<ssize_t>(kAccess.size()));
+    }
+}
+
+// A folder may give its new files a list.
+TEST_F(OrvaStringsSystemCalls, ReplaceTheAccessListOfTheFolder) {
+    for (const bool hasList : {true, false}) {
+        MakeFiles(m_stored);
+        if (hasList && setxattr("file", kList, kAccess.data(), kAccess.size(), 0) != 0) {
+            GTEST_SKIP() << "the file system has no access lists";
+        }
+        // Gives the other user read access only.
+        std::string inherited(kAccess);
+        inherited[14] = 4;
+        ASSERT_EQ(setxattr(".", "system.posix_acl_default", inherited.data(), inherited.size(), 0),
+                  0);
+        Run({"reveal", "--in-place", "file"});
+        char list[64];
+        const ssize_t size = getxattr("file", kList, list, sizeof list);
+        if (hasList) {
+            EXPECT_EQ(std::string(list, size < 0 ? 0 : static_cast<std::size_t>(size)), kAccess);
+        } else {
+            EXPECT_EQ(size, -1);
+        }
+        EXPECT_EQ(removexattr(".", "system.posix_acl_default"), 0);
     }
 }
 

@@ -60,7 +60,9 @@ public:
         while (!bytes.empty()) {
             const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
             Check(written >= 0 || errno == EINTR);
-            bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+            if (written >= 0) {
+                bytes.remove_prefix(static_cast<std::size_t>(written));
+            }
         }
     }
 
