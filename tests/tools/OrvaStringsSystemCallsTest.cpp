@@ -387,8 +387,12 @@ TEST_F(OrvaStringsSystemCalls, MakeACopyToShow) {
 
 // If one of the library's own calls for a load fails, that ends the command or changes nothing.
 TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
-    m_folder.Write("long", m_stored + "MORE=\"" + std::string(100000, 'x') + "\"\nLAST=\"text\"\n");
-    Run({"show", "long"});
+    const std::string longText(100000, 'x');
+    // If reading fails before the header, the library takes the first section; here it is as large.
+    m_folder.Write("long", "QVLANG=de\nOTHER=\"\"\nMENU=\"" + longText +
+                               "\"\nMORE=\"\"\nLAST=\"\"\n" + m_stored + "MORE=\"" + longText +
+                               "\"\nLAST=\"text\"\n");
+    Run({"show", "--language", "en", "long"});
     const std::string whole = m_out;
     ASSERT_NE(whole.find("LAST=\"text\"\n"), std::string::npos);
     std::set<std::string> reasons;
@@ -402,7 +406,8 @@ TEST_F(OrvaStringsSystemCalls, LoadTheCopyWholeOrNotAtAll) {
             hasRead = hasRead || (IsOfALoad(call) && Begins(call, "read "));
             return IsOfALoad(call) && count++ == n ? EIO : 0;
         });
-        const int status = RunTool({"show", "long"}, ReadStandardInput, out, err);
+        const int status =
+            RunTool({"show", "--language", "en", "long"}, ReadStandardInput, out, err);
         wasMade = count > n;
         EXPECT_EQ(out.str(), status == 0 ? whole : "") << n;
         EXPECT_EQ(status, err.str().empty() ? 0 : 2) << n;

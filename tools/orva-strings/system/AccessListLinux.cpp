@@ -18,7 +18,7 @@ bool HasNone() {
 bool CopyAccessList(const char* from, int to) {
     char list[XATTR_SIZE_MAX];
     const ssize_t size = getxattr(from, kList, list, sizeof list);
-    if (size >= 0) {
+    if (size != -1) {
         return fsetxattr(to, kList, list, static_cast<std::size_t>(size), 0) == 0;
     }
     // No list to copy: remove any inherited from the folder.

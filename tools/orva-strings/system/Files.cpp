@@ -26,10 +26,10 @@ namespace {
 class File {
 public:
     File(int descriptor, const char* name) : m_descriptor(descriptor), m_name(name) {
-        Check(descriptor >= 0);
+        Check(descriptor != -1);
     }
     ~File() {
-        if (m_descriptor >= 0) {
+        if (m_descriptor != -1) {
             close(m_descriptor);
         }
     }
@@ -49,18 +49,19 @@ public:
     std::size_t Read(char* buffer, std::size_t size) const {
         for (;;) {
             const ssize_t count = read(m_descriptor, buffer, size);
-            Check(count >= 0 || errno == EINTR);
-            if (count >= 0) {
+            if (count != -1) {
                 return static_cast<std::size_t>(count);
             }
+            Check(errno == EINTR);
         }
     }
 
     void Write(std::string_view bytes) const {
         while (!bytes.empty()) {
             const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
-            Check(written >= 0 || errno == EINTR);
-            if (written >= 0) {
+            if (written == -1) {
+                Check(errno == EINTR);
+            } else {
                 bytes.remove_prefix(static_cast<std::size_t>(written));
             }
         }
@@ -127,7 +128,7 @@ int CreateUnderNewName(std::string& path, mode_t mode) {
         const std::string digits = ToHexDigits(random, sizeof random);
         path.replace(path.size() - digits.size(), digits.size(), digits);
         const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (file >= 0 || errno != EEXIST) {
+        if (file != -1 || errno != EEXIST) {
             return file;
         }
     }
