@@ -13,8 +13,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <malloc.h>
-#include <new>
 #include <ostream>
 #include <sched.h>
 #include <set>
@@ -32,6 +30,7 @@
 
 #include "api/PlaintextCache.h"
 #include "support/TemporaryFolder.h"
+#include "tests/support/FreedBlocks.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/Secrets.h"
 #include "tests/support/StoredForm.h"
@@ -46,11 +45,6 @@ namespace fs = std::filesystem;
 namespace {
 
 using Hits = MemorySearch::Hits;
-
-// Counts the blocks that are freed with this text in them. The search of the memory finds a copy in a
-// freed block only until the heap uses the block again.
-char gNotToBeFreed[13];
-int gFreedWithIt = 0;
 
 // Longer than a string object holds inline, and than the pieces in which texts are encrypted.
 const char kText[] =
@@ -275,11 +269,14 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyThatCameThroughAPipeByteByByte) {
         _exit(0);
     }
     const int key = open(Path("first.key").c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_EQ(read(key, gNotToBeFreed, sizeof gNotToBeFreed - 1), sizeof gNotToBeFreed - 1);
+    char digits[8] = {};  // fewer than what the search finds
+    ASSERT_EQ(read(key, digits, sizeof digits - 1), sizeof digits - 1);
     close(key);
-    EXPECT_EQ(Run({"reveal", "--key-file", "-", Path("first")}, pipe), 0);
-    gNotToBeFreed[0] = '\0';
-    EXPECT_EQ(gFreedWithIt, 0);
+    {
+        const FreedBlocks freed(digits);
+        EXPECT_EQ(Run({"reveal", "--key-file", "-", Path("first")}, pipe), 0);
+        EXPECT_EQ(FreedBlocks::WithText(), 0);
+    }
     EXPECT_EQ(m_search.Found(), Hits());
     EXPECT_EQ(m_out.Text(), BytesOf("readable"));
     EXPECT_EQ(waitpid(writer, nullptr, 0), writer);
@@ -396,23 +393,3 @@ TEST_F(OrvaStringsMemory, IsInNoTemporaryFile) {
 }
 
 }  // namespace
-
-void* operator new(std::size_t size) {
-    if (void* const block = std::malloc(size)) {
-        return block;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* block) noexcept {
-    if (block != nullptr && gNotToBeFreed[0] != '\0' &&
-        memmem(block, malloc_usable_size(block), gNotToBeFreed, std::strlen(gNotToBeFreed)) !=
-            nullptr) {
-        ++gFreedWithIt;
-    }
-    std::free(block);
-}
-
-void operator delete(void* block, std::size_t /*size*/) noexcept {
-    operator delete(block);
-}
