@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -15,7 +14,6 @@
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -1092,57 +1090,6 @@ TEST_F(OrvaStrings, KeepsModeAndLinkInPlace) {
     }
     EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
     EXPECT_EQ(EntriesInFolder(), 2) << "nothing else is left in the folder";
-}
-
-// An access list as Linux stores it: the rights of the owner, one more user, the group, the mask
-// and others.
-std::string AccessList(std::uint16_t user, std::uint16_t group, std::uint16_t mask) {
-    struct Entry {
-        std::uint16_t tag;
-        std::uint16_t rights;
-        std::uint32_t id;
-    };
-    const Entry entries[] = {
-        {0x01, 6, ~0U}, {0x02, user, 12345}, {0x04, group, ~0U}, {0x10, mask, ~0U}, {0x20, 0, ~0U}};
-    const std::uint32_t version = 2;
-    std::string list(reinterpret_cast<const char*>(&version), sizeof version);
-    return list.append(reinterpret_cast<const char*>(entries), sizeof entries);
-}
-
-TEST_F(OrvaStrings, KeepsTheAccessListInPlace) {
-    constexpr char kList[] = "system.posix_acl_access";
-    const auto listOf = [&](const std::string& file) {
-        char list[1024];
-        const ssize_t size = getxattr(file.c_str(), kList, list, sizeof list);
-        return size < 0 ? "none" : std::string(list, static_cast<std::size_t>(size));
-    };
-    const auto setList = [](const std::string& file, const char* name, const std::string& list) {
-        return setxattr(file.c_str(), name, list.data(), list.size(), 0) == 0;
-    };
-    const std::string listed = Write("listed", kReadable);
-    const std::string list = AccessList(6, 0, 6);  // the group itself has no rights
-    if (!setList(listed, kList, list)) {
-        GTEST_SKIP() << "the file system has no access lists";
-    }
-    EXPECT_EQ(Run({"protect", "--in-place", listed}), 0);
-    EXPECT_EQ(listOf(listed), list);
-    EXPECT_EQ(ReadFile(listed), ProtectedFile(DevelopmentKey()));
-
-    // Nor does a new file keep the folder's default list.
-    const std::string plain = Write("plain", kReadable);
-    ASSERT_EQ(chmod(plain.c_str(), 0640), 0);
-    ASSERT_TRUE(setList(m_folder.Path(), "system.posix_acl_default", AccessList(7, 5, 7)));
-    const std::string plainNew = Write("new", "");
-    EXPECT_NE(listOf(plainNew), "none");
-    EXPECT_EQ(Run({"protect", "--in-place", plain}), 0);
-    EXPECT_EQ(listOf(plain), "none");
-    struct stat status = {};
-    ASSERT_EQ(stat(plain.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0640U);
-
-    // But an output file that did not exist before does.
-    EXPECT_EQ(Run({"protect", "-o", Path("out"), plain}), 0);
-    EXPECT_EQ(listOf(Path("out")), listOf(plainNew));
 }
 
 TEST_F(OrvaStrings, ReplacesNothingButARegularFile) {
