@@ -1,6 +1,8 @@
 // How the lookup calls the decoder and what it does with odd answers, tested with stand-ins for the
 // decoder and the plain lookup.
+#include <cstdint>
 #include <cstring>
+#include <fcntl.h>
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -13,6 +15,7 @@
 #include "api/DecodeProtectedString.h"
 #include "api/LoadedCount.h"
 #include "api/PlaintextCache.h"
+#include "support/TemporaryFolder.h"
 #include "tests/support/FailingAllocation.h"
 
 namespace {
@@ -135,7 +138,8 @@ TEST_F(DecoderCalls, FindsNoMemoryForATextOf2GiB) {
     // A text of that length: one mebibyte of memory mapped 2048 times, then the text's end.
     constexpr std::size_t kPiece = std::size_t{1} << 20U;
     constexpr std::size_t kPieces = 2048;
-    const int file = memfd_create("digits", 0);
+    const TemporaryFolder folder;
+    const int file = open((folder.Path() / "digits").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(ftruncate(file, static_cast<off_t>(kPiece)), 0);
     auto* const text =
         static_cast<char*>(mmap(nullptr, kPieces * kPiece + kPiece, PROT_READ | PROT_WRITE,

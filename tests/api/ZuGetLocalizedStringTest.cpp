@@ -68,19 +68,6 @@ TEST_F(ZuGetLocalizedStringTest, LeavesNeitherKeysNorTextOnTheStack) {
     }
 }
 
-#ifdef __x86_64__
-// The test above and the decoder's rest on this: a late-bound call saves the vector registers to
-// the stack.
-TEST(LateBoundCall, SavesVectorRegistersToTheStack) {
-    alignas(16) const char secret[] = "in a register...";
-    const Bytes stack = StackAfter([&] {
-        __asm__ volatile("movdqa %0, %%xmm1\n\tmovdqa %0, %%xmm9" : : "m"(secret) : "xmm1", "xmm9");
-        getsid(0);
-    });
-    EXPECT_TRUE(Holds(stack, Bytes(secret, secret + 16)));
-}
-#endif
-
 TEST_F(ZuGetLocalizedStringTest, ProtectsByTheFirstThreeBytes) {
     const struct {
         const char* key;

@@ -1,4 +1,7 @@
 /* The public interface from C, against the built library. */
+#ifdef __APPLE__
+#include <CoreFoundation/CoreFoundation.h>
+#endif
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -29,23 +32,51 @@ static void WriteFile(const char* path, const char* text) {
     CHECK(fclose(file) == 0);
 }
 
+#ifdef __APPLE__
+static struct __CFBundle* OpenBundle(const char* folder) {
+    CFURLRef url = CFURLCreateFromFileSystemRepresentation(
+        kCFAllocatorDefault, (const UInt8*)folder, (CFIndex)strlen(folder), 1);
+    struct __CFBundle* bundle;
+    CHECK(url != NULL);
+    bundle = CFBundleCreate(kCFAllocatorDefault, url);
+    CFRelease(url);
+    return bundle;
+}
+
+static void CloseBundle(struct __CFBundle* bundle) {
+    CFRelease(bundle);
+}
+#else
+static struct __CFBundle* OpenBundle(const char* folder) {
+    CHECK(ZuOpenBundle(NULL) == NULL);
+    CHECK(ZuOpenBundle("/no/such/folder") == NULL);
+    return ZuOpenBundle(folder);
+}
+
+static void CloseBundle(struct __CFBundle* bundle) {
+    ZuCloseBundle(NULL);
+    ZuCloseBundle(bundle);
+}
+#endif
+
 int main(void) {
     const char* temporary = getenv("TMPDIR");
     char folder[1024];
-    char file[1100];
+    char contents[1100];
+    char resources[1200];
+    char file[1300];
     struct __CFBundle* bundle;
-
-    StartPhase("no bundle");
-    CHECK(ZuOpenBundle(NULL) == NULL);
-    CHECK(ZuOpenBundle("/no/such/folder") == NULL);
-    ZuCloseBundle(NULL);
 
     StartPhase("open bundle");
     snprintf(folder, sizeof folder, "%s/orva-test-XXXXXX", temporary != NULL ? temporary : "/tmp");
     CHECK(mkdtemp(folder) != NULL);
-    snprintf(file, sizeof file, "%s/x.strings", folder);
+    snprintf(contents, sizeof contents, "%s/Contents", folder);
+    CHECK(mkdir(contents, 0700) == 0);
+    snprintf(resources, sizeof resources, "%s/Resources", contents);
+    CHECK(mkdir(resources, 0700) == 0);
+    snprintf(file, sizeof file, "%s/x.strings", resources);
     WriteFile(file, "QVLANG=en\nMENU_OPEN=\"Open\"\nQVLANG=fr\nMENU_OPEN=\"Ouvrir\"\nQUIT=1\n");
-    bundle = ZuOpenBundle(folder);
+    bundle = OpenBundle(folder);
     CHECK(bundle != NULL);
 
     StartPhase("load");
@@ -62,8 +93,10 @@ int main(void) {
 
     StartPhase("clean up");
     CHECK(unlink(file) == 0);
+    CHECK(rmdir(resources) == 0);
+    CHECK(rmdir(contents) == 0);
     CHECK(rmdir(folder) == 0);
     CHECK(ZuLoadStrings("en", "x.strings", bundle) == 0);
-    ZuCloseBundle(bundle);
+    CloseBundle(bundle);
     return 0;
 }

@@ -17,13 +17,15 @@ export PKG_CONFIG_PATH=${pc%/*}
 libdir='' compile_flags=() link_flags=()
 eval "libdir=$(pkg-config --variable=libdir OrvaLanguage)"  # its output is quoted for the shell
 
-mkdir -p "$work/Host.app/Contents/Any" "$work/Host.app/Contents/Resources"
-printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/Host.app/Contents/Resources/Host.strings"
+app=$work/Host.app/Contents
+mkdir -p "$app/MacOS" "$app/Frameworks" "$app/Resources"
+cp "$libdir"/libOrvaLanguage.* "$app/Frameworks/"  # where a host looks for it on macOS
+printf 'QVLANG=en\nGREETING="Hello"\n' >"$app/Resources/Host.strings"
 
 run() { # PROGRAM OUTPUT
-    cp "$1" "$work/Host.app/Contents/Any/"
+    cp "$1" "$app/MacOS/"
     local printed
-    printed=$(LD_LIBRARY_PATH=$libdir "$work/Host.app/Contents/Any/${1##*/}")
+    printed=$(LD_LIBRARY_PATH=$libdir "$app/MacOS/${1##*/}")
     if [ "$printed" != "$2" ]; then
         echo "${1##*/} printed '$printed', not '$2'"
         exit 1
@@ -58,22 +60,30 @@ grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
 # What each component installs, apart from versions.
 lib=${pc%/pkgconfig/*}
 lib=${lib#"$work/prefix/"}
-holds() { # COMPONENT; the expected files on standard input
+case $(uname) in
+Darwin)
+    library=LIB/libOrvaLanguage.dylib
+    name_for_linkers=
+    ;;
+*)
+    library='LIB/libOrvaLanguage.so.1
+LIB/libOrvaLanguage.so.1.M.P'
+    name_for_linkers=LIB/libOrvaLanguage.so
+    ;;
+esac
+holds() { # COMPONENT; the expected files on standard input, perhaps with empty lines
     cmake --install "$build" --prefix "$work/$1" --component "$1" >"$work/install.log"
     local found
     found=$(cd "$work/$1" && find . ! -type d | sed -E "s|^\./$lib/|LIB/|
         s/(Targets|Tools)-[a-z]+\.cmake\$/\1-CONFIG.cmake/
         s/(\.so\.[0-9]+)\.[0-9.]+\$/\1.M.P/" | LC_ALL=C sort)
-    if ! diff <(echo "$found") -; then
+    if ! diff <(echo "$found") <(sed '/^$/d'); then
         echo "the component $1 holds (left) what it should not (right)"
         exit 1
     fi
 }
-holds runtime <<'END'
-LIB/libOrvaLanguage.so.1
-LIB/libOrvaLanguage.so.1.M.P
-END
-holds development <<'END'
+holds runtime <<<"$library"
+holds development <<END
 ./include/OrvaLanguage/Export.h
 ./include/OrvaLanguage/KorString.h
 ./include/OrvaLanguage/KorStringMap.h
@@ -82,7 +92,7 @@ LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets.cmake
-LIB/libOrvaLanguage.so
+$name_for_linkers
 LIB/pkgconfig/OrvaLanguage.pc
 END
 holds tools <<'END'

@@ -19,7 +19,7 @@ echo "$key" >"$work/key"
 configure build "$work/key"
 cmake --build "$work/tree-build" --target OrvaLanguage >"$work/build.log" 2>&1 ||
     { cat "$work/build.log"; exit 1; }
-library=$(echo "$work"/tree-build/libOrvaLanguage.so.*.*)
+library=$(find "$work/tree-build" -type f \( -name 'libOrvaLanguage.so.*' -o -name libOrvaLanguage.dylib \))
 hex=$(od -An -v -tx1 "$library" | tr -d ' \n')
 
 # Anywhere in the file; the first and the last eight bytes of each are searched separately.
@@ -27,7 +27,8 @@ contains() { [[ $hex == *"$1"* ]]; }
 contains "$(printf 'QVLANG=' | od -An -tx1 | tr -d ' \n')" || { echo "the search finds nothing"; exit 1; }
 
 derived=$(for counter in 1 2 3 4 5; do
-    printf '%032x' "$counter" | sed 's/../\\x&/g' | xargs -0 printf '%b' |
+    # shellcheck disable=SC2059  # the format is the bytes
+    printf "$(printf '%032x' "$counter" | sed 's/../\\x&/g')" |
         openssl enc -aes-256-ecb -nopad -K "$key" | od -An -v -tx1 | tr -d ' \n'
     echo
 done)

@@ -9,6 +9,12 @@ source=$1 tool=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
+# How this system's linker and strip leave out what is not needed.
+case $(uname) in
+Darwin) drop_unused=-dead_strip strip_all=-x ;;
+*) drop_unused=--gc-sections strip_all=--strip-all ;;
+esac
+
 fail() {
     printf '%s\n' "$*"
     cat "$work/log"
@@ -21,10 +27,17 @@ configure() { # FOLDER ARGUMENT…
 }
 build() { # FOLDER OUTPUT: the library and a host, which must print this
     cmake --build "$work/$1" --target parent_host >"$work/log" 2>&1 || fail "the project $1 does not build:"
-    printf 'QVLANG=en\nGREETING="Hello"\n' >"$work/$1/Host.strings"
-    local printed
-    printed=$("$work/$1/parent_host")
+    local app=$work/$1/Host.app/Contents printed
+    mkdir -p "$app/MacOS" "$app/Frameworks" "$app/Resources"
+    cp "$work/$1/parent_host" "$app/MacOS/"
+    cp "$(library_of "$1")" "$app/Frameworks/"  # where a host looks for it on macOS
+    printf 'QVLANG=en\nGREETING="Hello"\n' >"$app/Resources/Host.strings"
+    printed=$("$app/MacOS/parent_host")
     [ "$printed" = "$2" ] || fail "the host of the project $1 printed '$printed', not '$2'"
+}
+library_of() { # FOLDER
+    find "$work/$1" -name Host.app -prune -o \
+        \( -name libOrvaLanguage.so.1 -o -name libOrvaLanguage.dylib \) -print
 }
 ours() { # FOLDER: how the library's sources are compiled
     grep -F '"command": ' "$work/$1/compile_commands.json" | grep -F " $source/" ||
@@ -33,9 +46,7 @@ ours() { # FOLDER: how the library's sources are compiled
 
 # The shipped library still shows its key, whatever the compiler and the linker leave out.
 tells() { # FOLDER KEY: the two lines
-    local library
-    library=$(find "$work/$1" -name 'libOrvaLanguage.so.1')
-    strip -o "$work/stripped" "$library"
+    strip "$strip_all" -o "$work/stripped" "$(library_of "$1")"
     "$tool" key show --library "$work/stripped" >"$work/log" 2>&1 || true
     [ "$(cat "$work/log")" = "$2" ] || fail "of the stripped library in the project $1, not '$2':"
 }
@@ -49,8 +60,8 @@ set(CMAKE_CXX_EXTENSIONS ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
 add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-std=gnu++14;-fno-exceptions;-fno-rtti>")
 add_compile_options(-ffunction-sections -fdata-sections)
-add_link_options(LINKER:--gc-sections)
 END
+echo "add_link_options(LINKER:$drop_unused)" >>"$work/strict.cmake"
 strict=(-DCMAKE_CXX_FLAGS="$CXXFLAGS -std=gnu++11 -fno-exceptions -fno-rtti"
     -DHOST="$source/tests/release/parents/strict_host.cpp")
 configure strict "${strict[@]}" || fail "the project strict does not configure without the library:"

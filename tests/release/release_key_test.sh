@@ -34,18 +34,19 @@ shown() {
 
 # Checks that every part of this build holds the key of this file.
 holds_key() { # KEY_FILE
-    local fingerprint library
+    local fingerprint library libraries=0
     fingerprint=$("$other_tool" key show --key-file "$1" | sed -n 's/^fingerprint: //p')
     [[ $fingerprint =~ ^[0-9A-F]{16}$ ]] || fail "no fingerprint: $fingerprint"
     grep -qF "key with fingerprint $fingerprint" "$work/build.log" "$work/configure.log" ||
         fail "the build names another key than $fingerprint"
     expect "the command's key" "fingerprint: $fingerprint
 development key: no" "$("$tool" key show)"
-    for library in "$build"/libOrvaLanguage.so.*.*.* \
-        "$build"/examples/SampleHost.app/Contents/Frameworks/libOrvaLanguage.so.*; do
+    while read -r library; do
         expect "the key of $library" "fingerprint: $fingerprint
 development key: no" "$("$other_tool" key show --library "$library")"
-    done
+        libraries=$((libraries + 1))
+    done < <(find "$build" -type f \( -name 'libOrvaLanguage.so.*' -o -name libOrvaLanguage.dylib \))
+    expect "how many libraries" 2 $libraries
     expect "the host's own text" "Evaluation copy: 30 days left." "$(shown English)"
 
     # With this key both commands store the same, whether it is named or built in.

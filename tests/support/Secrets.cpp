@@ -1,33 +1,17 @@
 #include "tests/support/Secrets.h"
 
-#include <nettle/aes.h>
-
+#include "tests/support/RoundKeys.h"
 #include "tests/support/StoredForm.h"
-
-namespace {
-
-using SetKey = void(aes256_ctx*, const std::uint8_t*);
-
-Bytes RoundKeys(SetKey* setKey, const std::uint8_t* key) {
-    aes256_ctx schedule = {};
-    setKey(&schedule, key);
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(schedule.keys);
-    return {bytes, bytes + sizeof schedule.keys};
-}
-
-}  // namespace
 
 std::vector<std::pair<const char*, Bytes>> SecretsOf(const Bytes& material,
                                                      const std::string& text) {
     const Bytes derived = DerivedBlocks(material);
-    const std::uint8_t* const encryptionKey = derived.data();
-    const std::uint8_t* const tagKey = derived.data() + 48;
-    return {
+    std::vector<std::pair<const char*, Bytes>> secrets = {
         {"the key material", material},
         {"the derived keys", derived},
-        {"the material's round keys", RoundKeys(nettle_aes256_set_encrypt_key, material.data())},
-        {"the encryption's round keys", RoundKeys(nettle_aes256_set_encrypt_key, encryptionKey)},
-        {"the decryption's round keys", RoundKeys(nettle_aes256_set_decrypt_key, encryptionKey)},
-        {"the tag's round keys", RoundKeys(nettle_aes256_set_encrypt_key, tagKey)},
         {"the text", Bytes(text.begin(), text.end())}};
+    for (auto& roundKeys : RoundKeysOf(material, derived)) {
+        secrets.push_back(std::move(roundKeys));
+    }
+    return secrets;
 }

@@ -20,8 +20,8 @@ void* Call(void* call) {
 }  // namespace
 
 Bytes StackAfter(const std::function<void()>& call) {
-    void* const memory = mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE,
-                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
+    void* const memory =
+        mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
         ADD_FAILURE() << "no memory for a stack";
         return {};

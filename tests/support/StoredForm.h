@@ -7,8 +7,8 @@
 
 #include "tests/support/Hex.h"
 
-// A second implementation of the stored form, written from its description over OpenSSL. It shares
-// nothing with the library, whose own form the tests compare with it.
+// A second implementation of the stored form, written from its description over ReferenceAes.h. The
+// tests compare the library's own form with it.
 
 // The block that belongs to a counter.
 Bytes CounterBlock(std::uint8_t counter, const Bytes& material);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TemporaryBundle.h"
+#include "tests/support/FileSizeLimit.h"
 
 namespace fs = std::filesystem;
 
@@ -87,9 +88,11 @@ TEST_F(TemporaryBundleTest, NamesWhatCannotBeWritten) {
     fs::create_directory(m_folder.Path() / "folder");
     EXPECT_EQ(error([&] { m_folder.Write("folder", "bytes"); }),
               (m_folder.Path() / "folder").string() + ": Is a directory");
-    fs::create_symlink("/dev/full", m_folder.Path() / "full");
-    EXPECT_EQ(error([&] { m_folder.Write("full", "bytes"); }),
-              (m_folder.Path() / "full").string() + ": No space left on device");
+    EXPECT_EQ(error([&] {
+                  const FileSizeLimit limit;
+                  m_folder.Write("large", "bytes");
+              }),
+              (m_folder.Path() / "large").string() + ": File too large");
 
     const TemporaryBundle bundle;
     bundle.Link("link", "file");

@@ -44,7 +44,7 @@ private:
 };
 
 std::size_t OpenFiles() {
-    const fs::directory_iterator files("/proc/self/fd");
+    const fs::directory_iterator files("/dev/fd");
     return static_cast<std::size_t>(std::distance(begin(files), end(files)));
 }
 

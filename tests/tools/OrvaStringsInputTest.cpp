@@ -18,7 +18,10 @@
 #include <gtest/gtest.h>
 
 #include "support/TemporaryFolder.h"
+#include "tests/support/CloseOnExec.h"
 #include "tests/support/StoredForm.h"
+
+extern char** environ;  // NOLINT(readability-redundant-declaration): macOS has it in no header
 
 namespace {
 
@@ -93,7 +96,8 @@ protected:
             return status;
         }
         int ends[2];
-        Check(pipe2(ends, O_CLOEXEC) == 0, "pipe");
+        Check(pipe(ends) == 0, "pipe");
+        CloseOnExec(ends);
         std::thread writer([&] {
             // In two parts, so that one read seldom returns everything.
             const std::size_t half = input.size() / 2;

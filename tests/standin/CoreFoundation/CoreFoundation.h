@@ -1,30 +1,34 @@
-// The few names of CoreFoundation that are used here, so that the macOS sources compile without
-// CoreFoundation. CoreFoundationStandIn.h describes what the calls do.
+/*
+ * The few names of CoreFoundation that are used here, so that the macOS sources compile without
+ * CoreFoundation. In C's way, as the system's. CoreFoundationStandIn.h describes what the calls do.
+ */
 #ifndef ORVALANGUAGE_TESTS_STANDIN_COREFOUNDATION_H
 #define ORVALANGUAGE_TESTS_STANDIN_COREFOUNDATION_H
 
-#include <cstdint>
+#include <stdint.h>
 
-// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming): the system's own names
+#ifdef __cplusplus
 extern "C" {
+#endif
 
-using Boolean = unsigned char;
-using UInt8 = unsigned char;
-using CFIndex = long;
-using CFStringEncoding = std::uint32_t;
-using CFURLPathStyle = CFIndex;
-using CFTypeRef = const void*;
-using CFAllocatorRef = const struct __CFAllocator*;
-using CFBundleRef = struct __CFBundle*;
-using CFStringRef = const struct __CFString*;
-using CFURLRef = const struct __CFURL*;
+/* NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming): the system's own names */
+typedef unsigned char Boolean;
+typedef unsigned char UInt8;
+typedef long CFIndex;
+typedef uint32_t CFStringEncoding;
+typedef CFIndex CFURLPathStyle;
+typedef const void* CFTypeRef;
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef struct __CFBundle* CFBundleRef;
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFURL* CFURLRef;
 
-constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
-constexpr CFURLPathStyle kCFURLPOSIXPathStyle = 0;
+enum { kCFStringEncodingUTF8 = 0x08000100 };
+enum { kCFURLPOSIXPathStyle = 0 };
 extern const CFAllocatorRef kCFAllocatorDefault;
 
 CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
-CFBundleRef CFBundleGetMainBundle();
+CFBundleRef CFBundleGetMainBundle(void);
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle);
 CFStringRef CFURLGetString(CFURLRef url);
@@ -37,7 +41,10 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const
                                                  CFIndex length, Boolean isDirectory);
 Boolean CFStringGetFileSystemRepresentation(CFStringRef string, char* buffer, CFIndex capacity);
 void CFRelease(CFTypeRef object);
+/* NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming) */
+
+#ifdef __cplusplus
 }
-// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
+#endif
 
 #endif
