@@ -265,4 +265,18 @@ for n in $(seq "$calls"); do
         exit 1
     fi 2>/dev/null
 done
-echo "short transfers, limits, $show_calls kills of show, $calls interrupts of a new key"
+# Killed, it may leave part of one, which is no key.
+parts=0
+for n in $(seq "$calls"); do
+    make_folder
+    status=0
+    KILL_AT=$n "$tool" "${command[@]}" 2>/dev/null || status=$?
+    [ "$status" = 137 ] || { echo "KILL_AT=$n ended key new with $status"; exit 1; }
+    grep -qxE '[0-9A-F]{64}' "$work/folder/file" && continue
+    parts=$((parts + 1))
+    status=0
+    "$tool" key show --key-file "$work/folder/file" >/dev/null 2>&1 || status=$?
+    [ "$status" = 2 ] || { echo "part of a key is taken for one, $status"; exit 1; }
+done 2>/dev/null
+[ "$parts" -gt 0 ] || { echo "no part of a key was left, so SECURITY.md says too little"; exit 1; }
+echo "short transfers, limits, $show_calls kills of show, $calls interrupts and kills of a new key"
