@@ -78,9 +78,7 @@ bool IsUtf8(const char* text) {
 
 fs::path ResourcesFolder(const fs::path& bundle) {
     fs::path resources = bundle / "Resources";
-    std::error_code error;
-    const std::string name = fs::canonical(bundle, error).filename().string();
-    if (EndsWith(name, kFrameworkEnding) && IsFolder(resources)) {
+    if (EndsWith(bundle.native(), kFrameworkEnding) && IsFolder(resources)) {
         return resources;
     }
     if (IsFolder(bundle / "Contents")) {
