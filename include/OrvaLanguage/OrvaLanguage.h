@@ -38,8 +38,8 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * language  the section's name, ignoring the case of ASCII letters. "", or a name that the file
  *           does not have, selects the file's first section.
  * fileName  the file inside the bundle's resources folder, in UTF-8. It may include folders ("a/b",
- *           "../c"). Leading and trailing slashes are dropped; "" and "/" are the resources folder
- *           itself, which holds no section.
+ *           "../c"). A byte-order mark at its start, and slashes at its start and end, are dropped;
+ *           "" and "/" are the resources folder itself, which holds no section.
  * bundle    the bundle, owned by the caller, who may close it afterwards; null is the application's
  *           main bundle.
  *
