@@ -1,5 +1,4 @@
 // Bundles without CoreFoundation: folders laid out like one.
-#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -21,6 +20,11 @@ struct __CFBundle {   // NOLINT(bugprone-reserved-identifier): the platform's ow
 namespace {
 
 constexpr std::string_view kFrameworkEnding = ".framework";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool StartsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
 
 bool EndsWith(std::string_view text, std::string_view ending) {
     return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
@@ -78,9 +82,7 @@ bool IsUtf8(const char* text) {
 
 fs::path ResourcesFolder(const fs::path& bundle) {
     fs::path resources = bundle / "Resources";
-    std::error_code error;
-    const std::string name = fs::canonical(bundle, error).filename().string();
-    if (EndsWith(name, kFrameworkEnding) && IsFolder(resources)) {
+    if (EndsWith(bundle.native(), kFrameworkEnding) && IsFolder(resources)) {
         return resources;
     }
     if (IsFolder(bundle / "Contents")) {
@@ -136,10 +138,15 @@ void GetResourcePath(__CFBundle* bundle, const char* fileName,
     }
     std::string found = ResourcesFolder(folder).string();
 
-    // Drop slashes around the name: an absolute name stays inside the resources folder, and a name
-    // of slashes alone is that folder.
+    // As CoreFoundation does, drop a byte-order mark, a slash before the name (an absolute name stays
+    // inside the resources folder), and the slashes after it.
     std::string_view name = fileName;
-    name.remove_prefix(std::min(name.find_first_not_of('/'), name.size()));
+    if (StartsWith(name, kByteOrderMark)) {
+        name.remove_prefix(kByteOrderMark.size());
+    }
+    if (StartsWith(name, "/")) {
+        name.remove_prefix(1);
+    }
     name = name.substr(0, name.find_last_not_of('/') + 1);
     if (!name.empty()) {
         if (found.back() != '/') {

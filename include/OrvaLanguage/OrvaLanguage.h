@@ -38,8 +38,8 @@ struct __CFBundle; /* NOLINT(bugprone-reserved-identifier): the platform's own n
  * language  the section's name, ignoring the case of ASCII letters. "", or a name that the file
  *           does not have, selects the file's first section.
  * fileName  the file inside the bundle's resources folder, in UTF-8. It may include folders ("a/b",
- *           "../c"). Leading and trailing slashes are dropped; "" and "/" are the resources folder
- *           itself, which holds no section.
+ *           "../c"). A byte-order mark at its start, and slashes at its start and end, are dropped;
+ *           "" and "/" are the resources folder itself, which holds no section.
  * bundle    the bundle, owned by the caller, who may close it afterwards; null is the application's
  *           main bundle.
  *
@@ -92,14 +92,14 @@ ORVA_EXPORT const char* ZuGetLocalizedString(const char* key);
 /*
  * Makes a bundle of the folder at path. Its resources folder is the first of these that applies,
  * checked at each load:
- * - Resources, if the folder's name ends in ".framework" and Resources exists;
+ * - Resources, if path ends in ".framework", slashes after it aside, and Resources exists;
  * - Contents/Resources, if Contents exists (Contents/Resources need not exist);
  * - Resources, if it exists;
  * - the folder itself.
  *
  * A relative path is resolved against the current folder at this call. The path may be a symbolic
- * link to a folder. Each load follows it again, so the bundle is the link's target at that time,
- * and it is the target's name that may end in ".framework".
+ * link to a folder. Each load follows it again, so the bundle is the link's target at that time;
+ * but it is the link's name that may end in ".framework".
  *
  * Returns the bundle, to be closed with ZuCloseBundle once, or null if path is null or not a
  * folder, or is relative and the current folder is gone. Throws std::bad_alloc if memory runs out.

@@ -3,9 +3,12 @@
 # library, how hosts find it, where it runs, and the order in which its static objects are made.
 #
 # Usage: macho_test.sh LIBRARY ARCHITECTURE MINIMUM_MACOS VERSION
+# LLVM_NM and LLVM_OBJDUMP name LLVM's nm and objdump; by default Debian's. On a Mac, the system's are
+# LLVM's.
 set -euo pipefail
 export LC_ALL=C
 library=$1 architecture=$2 minimum=$3 version=$4
+nm=${LLVM_NM:-llvm-nm-19} objdump=${LLVM_OBJDUMP:-llvm-objdump-19}
 root=$(dirname "$0")/../..
 
 failed=0
@@ -25,12 +28,12 @@ readable() {
             s/std::__1::basic_ifstream<char, std::__1::char_traits<char> ?>/std::ifstream/g'
 }
 
-symbols=$(llvm-nm-19 --arch="$architecture" -m "$library")
-headers=$(llvm-objdump-19 --macho --arch="$architecture" --private-headers "$library")
+symbols=$("$nm" --arch="$architecture" -m "$library")
+headers=$("$objdump" --macho --arch="$architecture" --private-headers "$library")
 
 expect "exports" "$(listed "$root/api/exports.txt" | grep -v '^posix:')" \
-    "$(llvm-nm-19 --arch="$architecture" --extern-only --defined-only --format=just-symbols "$library" |
-        sed 's/^_//' | c++filt | readable | sort)"
+    "$("$nm" --arch="$architecture" --extern-only --defined-only --format=just-symbols "$library" |
+        sed 's/^_//' | c++filt -n | readable | sort)"
 expect "weak symbols, which another library's may replace" "" \
     "$(grep -E 'weak (private )?external' <<<"$symbols" | grep -v '(undefined)' || true)"
 expect "imports" "$(listed "$root/tests/macos/imports-$architecture.txt")" \
@@ -44,7 +47,7 @@ expect "libraries" "/System/Library/Frameworks/CoreFoundation.framework/Versions
 expect "run paths" "" "$(grep LC_RPATH <<<"$headers" || true)"
 
 expect "install name" "@executable_path/../Frameworks/libOrvaLanguage.dylib" \
-    "$(llvm-objdump-19 --macho --arch="$architecture" --dylib-id "$library" | tail -n 1)"
+    "$("$objdump" --macho --arch="$architecture" --dylib-id "$library" | tail -n 1)"
 expect "current and compatibility version" "current $version
 compatibility ${version%%.*}.0.0" \
     "$(grep -A 6 'cmd LC_ID_DYLIB' <<<"$headers" | sed -nE 's/^ *(current|compatibility) version /\1 /p')"
@@ -56,14 +59,14 @@ expect "namespace" TWOLEVEL "$(grep -A 3 '^Mach header' <<<"$headers" | grep -o 
 # One initialiser, which registers a destructor for each object in the order of their definitions.
 # Code for arm64 does not name the objects.
 expect "initialisers" "__GLOBAL__sub_I_StaticObjects.cpp" \
-    "$(llvm-objdump-19 --macho --arch="$architecture" --section=__DATA_CONST,__mod_init_func "$library" |
+    "$("$objdump" --macho --arch="$architecture" --section=__DATA_CONST,__mod_init_func "$library" |
         sed -nE 's/^0x[0-9a-f]+ 0x[0-9a-f]+ //p')"
 case $architecture in
 x86_64) objects=$'gMapDecodedStrings\ngMapLocalizedStrings\ngDecodeMutex\ngCryptMutex' ;;
 *) objects=$'object\nobject\nobject\nobject' ;;
 esac
 expect "destructors, in the order of their registration" "$objects" \
-    "$(llvm-objdump-19 --macho --arch="$architecture" --disassemble --no-show-raw-insn "$library" 2>/dev/null |
+    "$("$objdump" --macho --arch="$architecture" --disassemble --no-show-raw-insn "$library" 2>/dev/null |
         awk '/^[^ \t].*:$/ { inside = /GLOBAL__sub_I_/; object = "object" }
             inside && match($0, /_g[A-Z][A-Za-z]*/) { object = substr($0, RSTART + 1, RLENGTH - 1) }
             inside && /___cxa_atexit/ { print object }')"

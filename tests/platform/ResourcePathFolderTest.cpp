@@ -131,10 +131,9 @@ TEST(ResourcePath, FollowsALinkAndKeepsItsName) {
 TEST(ZuOpenBundle, OfALinkIsTheFolderThatItLeadsToAtEachLoad) {
     const TemporaryFolder folder;
     fs::create_directories(folder.Path() / "one");
-    fs::create_directories(folder.Path() / "two.framework" / "Resources");
-    fs::create_directories(folder.Path() / "two.framework" / "Contents");
+    fs::create_directories(folder.Path() / "two" / "Resources");
     folder.Write("one/x", "QVLANG=en\nABCD=one\n");
-    folder.Write("two.framework/Resources/x", "QVLANG=en\nABCD=two\n");
+    folder.Write("two/Resources/x", "QVLANG=en\nABCD=two\n");
     const fs::path link = folder.Path() / "link";
     fs::create_directory_symlink("one", link);
     __CFBundle* const bundle = ZuOpenBundle(link.c_str());
@@ -143,13 +142,13 @@ TEST(ZuOpenBundle, OfALinkIsTheFolderThatItLeadsToAtEachLoad) {
 
     fs::remove(link);
     EXPECT_EQ(ZuLoadStrings("en", "x", bundle), 0) << "it leads nowhere";
-    fs::create_directory_symlink("two.framework", link);
+    fs::create_directory_symlink("two", link);
     EXPECT_EQ(ZuLoadStrings("en", "x", bundle), 2);
     EXPECT_STREQ(ZuGetLocalizedString("ABCD"), "two");
     ZuCloseBundle(bundle);
 }
 
-TEST(ResourcePath, KnowsAFrameworkByItsOwnName) {
+TEST(ResourcePath, KnowsAFrameworkByTheNameThatItWasOpenedBy) {
     const TemporaryFolder folder;
     const fs::path framework = folder.Path() / "G.framework";
     fs::create_directories(framework / "Contents");
@@ -158,10 +157,10 @@ TEST(ResourcePath, KnowsAFrameworkByItsOwnName) {
     fs::create_directories(folder.Path() / "plain" / "Contents");
     fs::create_directories(folder.Path() / "plain" / "Resources");
     fs::create_symlink("plain", folder.Path() / "link.framework");
-    EXPECT_EQ(PathIn(folder.Path() / "link", "x"), folder.Path() / "link/Resources/x");
-    EXPECT_EQ(PathIn(framework / ".", "x"), framework / "./Resources/x");
+    EXPECT_EQ(PathIn(folder.Path() / "link", "x"), folder.Path() / "link/Contents/Resources/x");
+    EXPECT_EQ(PathIn(framework / ".", "x"), framework / "./Contents/Resources/x");
     EXPECT_EQ(PathIn(folder.Path() / "link.framework", "x"),
-              folder.Path() / "link.framework/Contents/Resources/x");
+              folder.Path() / "link.framework/Resources/x");
 }
 
 TEST(ResourcePath, TakesTheRootAsABundle) {
@@ -189,13 +188,19 @@ TEST(ResourcePath, AppendsTheFileName) {
         {"./x", "/./x"},
         {"sub//x", "/sub//x"},
         {"/etc/hostname", "/etc/hostname"},
-        {"//etc/hostname", "/etc/hostname"},
+        {"//etc/hostname", "//etc/hostname"},
         {"", ""},
         {"/", ""},
         {"//", ""},
         {"x.strings/", "/x.strings"},
         {" ", "/ "},
         {"a b%20#?;:\\", "/a b%20#?;:\\"},
+        {"\xEF\xBB\xBFx", "/x"},
+        {"\xEF\xBB\xBF", ""},
+        {"\xEF\xBB\xBF/x", "/x"},
+        {"\xEF\xBB\xBF\xEF\xBB\xBFx", "/\xEF\xBB\xBFx"},
+        {"/\xEF\xBB\xBFx", "/\xEF\xBB\xBFx"},
+        {"x\xEF\xBB\xBF", "/x\xEF\xBB\xBF"},
         {"\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", "/\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"},
     };
     const TemporaryBundle bundle;
