@@ -6,7 +6,6 @@
 #include "tests/macos/Loader.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -94,10 +93,6 @@ char* AddressIn(const Image& image, const std::string& number) {
     return image.slide + std::stoull(number, nullptr, 16);
 }
 
-bool IsAddress(const std::string& word) {
-    return word.compare(0, 2, "0x") == 0;
-}
-
 // Copies the segments to memory, as far apart as the file says.
 void MapSegments(Image& image) {
     std::uint64_t begin = UINT64_MAX;
@@ -109,7 +104,7 @@ void MapSegments(Image& image) {
     void* const memory = mmap(nullptr, end - begin, PROT_READ | PROT_WRITE | PROT_EXEC,
                               MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
-        Fail(image.path + ": " + std::strerror(errno));
+        Fail(image.path + ": no memory");
     }
     image.begin = static_cast<char*>(memory);
     image.slide = image.begin - begin;
@@ -130,7 +125,7 @@ void Load(const fs::path& path) {
     MapSegments(*image);
     for (const std::string& line : image->description) {
         const std::vector<std::string> words = Words(line);  // address, symbol
-        if (words.size() >= 2 && IsAddress(words[0])) {
+        if (words.size() >= 2 && words[0].rfind("0x", 0) == 0) {
             image->exports[words[1]] = AddressIn(*image, words[0]);
         }
     }
@@ -173,7 +168,7 @@ char* Find(const std::string& library, const std::string& symbol) {
 void Bind(const Image& image) {
     for (const std::string& line : image.description) {
         const std::vector<std::string> words = Words(line);
-        if (words.size() < 4 || !IsAddress(words[2])) {
+        if (words.size() < 4 || words[2].rfind("0x", 0) != 0) {
             continue;
         }
         char*& pointer = *reinterpret_cast<char**>(AddressIn(image, words[2]));
@@ -207,6 +202,9 @@ void Initialise(const Image& image) {
     ForEachSegment(image, [&](const segment_command_64& segment) {
         const auto* section = reinterpret_cast<const section_64*>(&segment + 1);
         for (const auto* const end = section + segment.nsects; section != end; ++section) {
+            if ((section->flags & SECTION_TYPE) == S_THREAD_LOCAL_REGULAR) {
+                Fail(image.path + ": thread-local variables with initial values");
+            }
             if ((section->flags & SECTION_TYPE) == S_MOD_INIT_FUNC_POINTERS) {
                 auto* const functions = reinterpret_cast<Main**>(image.slide + section->addr);
                 std::for_each(functions, functions + section->size / sizeof(Main*), Call);
@@ -227,16 +225,16 @@ int main(int count, char** arguments) {
     gArguments = arguments + 1;
     gProgramPath = (new std::string(fs::absolute(*gArguments)))->c_str();
     Load(gProgramPath);
-    std::for_each(gImages.begin(), gImages.end(), [](const Image* image) { Bind(*image); });
+    for (const Image* image : gImages) {
+        Bind(*image);
+        RegisterUnwindTables(*image);
+    }
     if (!gUnresolved.empty()) {
         std::string list = gProgramPath;
         for (const std::string& symbol : gUnresolved) {
             list += "\nunresolved: " + symbol;
         }
         Fail(list);
-    }
-    for (const Image* image : gImages) {
-        RegisterUnwindTables(*image);
     }
     const Image& program = *gImages.front();
     UseOperators(FindIn(program, "__Znwm"), FindIn(program, "__ZdlPv"));

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cctype>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +14,8 @@
 #include <new>
 #include <pthread.h>
 #include <regex.h>
-#include <strings.h>
+#include <spawn.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 
 #include "tests/macos/Loader.h"
@@ -28,15 +30,13 @@ void* Allocate(std::size_t size) {
 auto* gNew = Allocate;
 auto* gDelete = std::free;
 
-// Mutexes and condition variables are as large as Linux's or larger. Those initialised statically
-// begin with a signature, where Linux's have zeros.
-template <typename T>
-T* Initialised(T* object) {
-    for (std::uint64_t signature : {0x32AAABA7, 0x3CB0B1BB}) {
-        reinterpret_cast<std::atomic<std::uint64_t>*>(object)->compare_exchange_strong(signature,
-                                                                                       0);
-    }
-    return object;
+// A mutex of macOS is larger than Linux's. Unless a function has initialised it, it begins with a
+// signature, where Linux's has zeros.
+template <typename Mutex>
+Mutex* Initialised(Mutex* mutex) {
+    std::uint64_t signature = 0x32AAABA7;
+    reinterpret_cast<std::atomic<std::uint64_t>*>(mutex)->compare_exchange_strong(signature, 0);
+    return mutex;
 }
 
 // macOS's struct stat.
@@ -64,6 +64,17 @@ int Convert(int result, const struct stat& from, Status* to) {
         to->size = from.st_size;
     }
     return result;
+}
+
+int OpenFlags(int flags) {
+    constexpr int kFlags[][2] = {
+        {0x4, O_NONBLOCK}, {0x8, O_APPEND},     {0x200, O_CREAT},        {0x400, O_TRUNC},
+        {0x800, O_EXCL},   {0x20000, O_NOCTTY}, {0x100000, O_DIRECTORY}, {0x1000000, O_CLOEXEC}};
+    int converted = flags & O_ACCMODE;
+    for (const auto& [macos, own] : kFlags) {
+        converted |= (flags & macos) != 0 ? own : 0;
+    }
+    return converted;
 }
 
 // macOS's table of the characters' kinds, after 60 bytes that the programs do not read.
@@ -127,9 +138,6 @@ const void* macos__ZNKSt3__16locale9use_facetERNS0_2idE(const std::locale* local
 void macos_dyld_stub_binder() {
     Fail("a symbol is bound only when it is called");
 }
-void macos___bzero(void* memory, std::size_t size) {
-    bzero(memory, size);
-}
 int* macos___error() {
     return &errno;
 }
@@ -143,22 +151,31 @@ int macos___toupper(int character) {
     return toupper(character);
 }
 
+// By its offset, a thread-local variable, all of which begin as zeros. Keeps the registers that
+// callers on macOS expect it to.
+__attribute__((preserve_most)) char* macos__tlv_bootstrap(const std::size_t (&variable)[3]) {
+    alignas(std::max_align_t) thread_local char variables[1024];
+    return variables + variable[2];
+}
+
 int macos_pthread_mutex_lock(pthread_mutex_t* mutex) {
     return pthread_mutex_lock(Initialised(mutex));
 }
 void macos__ZNSt3__15mutex4lockEv(std::mutex* mutex) {
     Initialised(mutex)->lock();
 }
+bool macos__ZNSt3__15mutex8try_lockEv(std::mutex* mutex) {
+    return Initialised(mutex)->try_lock();
+}
 
 int macos_open(const char* path, int flags, unsigned mode) {
-    constexpr int kFlags[][2] = {
-        {0x4, O_NONBLOCK}, {0x8, O_APPEND},     {0x200, O_CREAT},        {0x400, O_TRUNC},
-        {0x800, O_EXCL},   {0x20000, O_NOCTTY}, {0x100000, O_DIRECTORY}, {0x1000000, O_CLOEXEC}};
-    int converted = flags & O_ACCMODE;
-    for (const auto& [macos, own] : kFlags) {
-        converted |= (flags & macos) != 0 ? own : 0;
-    }
-    return open(path, converted, mode);
+    return open(path, OpenFlags(flags), mode);
+}
+void* macos_mmap(void* address, std::size_t size, int rights, int flags, int file, off_t offset) {
+    constexpr int kAnonymous = 0x1000;
+    const int converted =
+        (flags & (MAP_TYPE | MAP_FIXED)) | ((flags & kAnonymous) != 0 ? MAP_ANONYMOUS : 0);
+    return mmap(address, size, rights, converted, file, offset);
 }
 int macos_stat(const char* path, Status* status) {
     struct stat own = {};
@@ -183,6 +200,37 @@ int macos_pthread_sigmask(int, const std::uint32_t*, std::uint32_t* before) {
     if (before != nullptr) {
         *before = 0;
     }
+    return 0;
+}
+
+// Programs are started by another loader. What is to be done before is a pointer to Linux's list.
+using Actions = posix_spawn_file_actions_t;
+int macos_posix_spawn(pid_t* process, const char* path, Actions* const* actions, const void*,
+                      char* const* arguments, char* const* environment) {
+    char loader[] = "/proc/self/exe";
+    std::vector<char*> all = {loader, const_cast<char*>(path)};
+    while (*arguments != nullptr) {
+        all.push_back(*++arguments);
+    }
+    return posix_spawn(process, loader, *actions, nullptr, all.data(), environment);
+}
+int macos_posix_spawn_file_actions_init(Actions** actions) {
+    *actions = static_cast<Actions*>(std::malloc(sizeof(Actions)));
+    return posix_spawn_file_actions_init(*actions);
+}
+int macos_posix_spawn_file_actions_addopen(Actions** actions, int file, const char* path, int flags,
+                                           mode_t mode) {
+    return posix_spawn_file_actions_addopen(*actions, file, path, OpenFlags(flags), mode);
+}
+int macos_posix_spawn_file_actions_adddup2(Actions** actions, int from, int to) {
+    return posix_spawn_file_actions_adddup2(*actions, from, to);
+}
+int macos_posix_spawn_file_actions_addclose(Actions** actions, int file) {
+    return posix_spawn_file_actions_addclose(*actions, file);
+}
+int macos_posix_spawn_file_actions_destroy(Actions** actions) {
+    posix_spawn_file_actions_destroy(*actions);
+    std::free(*actions);
     return 0;
 }
 
