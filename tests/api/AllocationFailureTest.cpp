@@ -188,12 +188,15 @@ TEST(AllocationFailure, InTheLineFunctionsIsPassedOn) {
 
 TEST(AllocationFailure, InOpeningABundleIsPassedOn) {
     const TemporaryFolder folder;
+    // CoreFoundation has its own memory, and only a copy of a long path needs some from us.
+    const std::filesystem::path path = folder.Path() / std::string(100, 'x');
+    std::filesystem::create_directory(path);
     const std::size_t live = LiveAllocations();
     bool failed = true;
     std::size_t n = 1;
     for (; failed; ++n) {
         __CFBundle* bundle = nullptr;
-        const Outcome outcome = RunWithFailure(n, [&] { bundle = OpenBundle(folder.Path()); });
+        const Outcome outcome = RunWithFailure(n, [&] { bundle = OpenBundle(path); });
         failed = FailingAllocation::HasFailed();
         EXPECT_EQ(outcome, failed ? Outcome::kThrew : Outcome::kDone) << "allocation " << n;
         EXPECT_EQ(bundle == nullptr, failed) << "allocation " << n;

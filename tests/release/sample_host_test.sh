@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Runs the sample host as the demo does and checks its output.
 #
-# Usage: sample_host_test.sh HOST
+# Usage: sample_host_test.sh [LOADER] HOST    LOADER: what runs the host, if this system does not
 set -euo pipefail
-host=$1
+host=("$@")
 
 expect() { # STATUS OUTPUT ARGUMENT…
     local status=0 printed
-    printed=$("$host" "${@:3}" 2>&1) || status=$?
+    printed=$("${host[@]}" "${@:3}" 2>&1) || status=$?
     if [ "$status" != "$1" ] || [ "$printed" != "$2" ]; then
         printf 'SampleHost %s ended with %s, not %s, and printed\n%s\nnot\n%s\n' \
             "${*:3}" "$status" "$1" "$printed" "$2"
@@ -48,7 +48,7 @@ expect 0 "$english" Nederlands
 expect 1 'SampleHost: no texts in Missing.strings' English Missing.strings
 
 # The shipped file does not show the protected text.
-strings=${host%/*/*}/Resources/Sample.strings
+strings=${!#%/*/*}/Resources/Sample.strings
 grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$strings"
 if grep -q 'Evaluation' "$strings"; then
     echo "the protected text is readable in $strings"

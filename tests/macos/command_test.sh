@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Compares the command as it was built for macOS with that of this machine: what they print, and that
+# each decrypts what the other has encrypted.
+#
+# Usage: command_test.sh NATIVE LOADER COMMAND    LOADER: what runs the command
+set -euo pipefail
+native=$1
+other=("$2" "$3")
+sample=$(dirname "$0")/../../examples/SampleHost/Sample.strings
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+output() { # COMMAND ARGUMENT…
+    "$@" 2>&1 || echo "exit status $?"
+}
+
+compare() { # ARGUMENT…
+    local expected found
+    expected=$(output "$native" "$@")
+    found=$(output "${other[@]}" "$@")
+    if [ "$found" != "$expected" ]; then
+        printf 'orva-strings %s printed\n%s\nnot\n%s\n' "$*" "$found" "$expected"
+        exit 1
+    fi
+}
+
+"$native" protect -o "$work/native" "$sample"
+"${other[@]}" protect -o "$work/other" "$sample"
+compare --version
+compare --help
+compare protect --help
+compare key show
+for file in native other; do
+    compare reveal "$work/$file"
+    compare show --reveal --language Deutsch "$work/$file"
+    compare sections "$work/$file"
+done
+compare show "$work/missing"
+compare protect --key-file "$sample" "$sample"
+[ "$("${other[@]}" reveal "$work/native")" = "$(cat "$sample")" ]
