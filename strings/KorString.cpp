@@ -45,7 +45,9 @@ bool KorString::GetLine(std::ifstream& stream, std::string& line) {
     if (!std::getline(stream, line)) {
         return false;
     }
-    line.resize(TextLength(line));
+    if (TextLength(line) < line.size()) {
+        line.pop_back();
+    }
     return true;
 }
 
