@@ -57,6 +57,22 @@ run "$work/cmake/cmake_cpp_host" "2 entries, GREETING is Hello"
 grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
     { echo "the package's orva-strings protected nothing"; exit 1; }
 
+# The package files name the version, and a host of another major version finds none.
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+[ "$(pkg-config --modversion OrvaLanguage)" = "$version" ] || { echo "the .pc file is not of $version"; exit 1; }
+mkdir "$work/find"
+finds() { # VERSION
+    printf 'cmake_minimum_required(VERSION 3.22)\nproject(Find NONE)\nfind_package(OrvaLanguage %s)\n%s\n' \
+        "$1" "message(STATUS \"found \${OrvaLanguage_VERSION}\")" >"$work/find/CMakeLists.txt"
+    cmake -S "$work/find" -B "$work/find/$1" -DCMAKE_PREFIX_PATH="$work/prefix" 2>&1 |
+        grep -qxF -e "-- found $version"
+}
+major=${version%%.*}
+finds "$major.0" || { echo "CMake finds no $major.0"; exit 1; }
+for other in $((major + 1)).0 "$major.999"; do
+    if finds "$other"; then echo "CMake takes $version for $other"; exit 1; fi
+done
+
 # What each component installs, apart from versions.
 lib=${pc%/pkgconfig/*}
 lib=${lib#"$work/prefix/"}

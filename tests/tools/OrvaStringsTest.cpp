@@ -665,6 +665,38 @@ TEST_F(OrvaStrings, ListsSections) {
     EXPECT_EQ(m_err, "");
 }
 
+// Its first three bytes alone make an entry a protected one.
+TEST_F(OrvaStrings, TakesEveryKeyThatBeginsWithIdeForProtected) {
+    for (const std::string key : {"IDEA", "IDE1", "IDE ", "IDE_"}) {
+        SCOPED_TRACE(key);
+        const std::string header = "QVLANG=en\n";
+        const std::string readable = header + key + "=\"text\"\n";
+        const std::string stored = header + key + "=\"" + Stored("text", DevelopmentKey()) + "\"\n";
+        EXPECT_EQ(Run({"protect", "-"}, readable), 0);
+        EXPECT_EQ(m_out, stored);
+        EXPECT_EQ(Run({"reveal", "-"}, stored), 0);
+        EXPECT_EQ(m_out, readable);
+        const Bytes one = WriteKey("one.key", 1);
+        const Bytes other = WriteKey("other.key", 101);
+        EXPECT_EQ(Run({"rekey", "--from", Path("one.key"), "--to", Path("other.key"), "-"},
+                      header + key + "=" + Stored("text", one) + "\n"),
+                  0);
+        EXPECT_EQ(m_out, header + key + "=" + Stored("text", other) + "\n");
+
+        EXPECT_EQ(Run({"show", "-"}, stored), 0);
+        EXPECT_EQ(m_out, key + "=(protected)\nQVLANG=\"en\"\n");
+        EXPECT_EQ(Run({"show", "-"}, readable), 1);
+        EXPECT_EQ(m_err, "-:2: error: " + key +
+                             ": the value is not protected, so the library answers null\n");
+        EXPECT_EQ(Run({"sections", "-"}, stored), 0);
+        EXPECT_EQ(m_out,
+                  "  LINE  ENTRIES  PROTECTED  SECTION\n"
+                  "     1        2          1  en\n");
+        EXPECT_EQ(Run({"protect", "-"}, key + "=\"text\"\n" + header), 1);
+        EXPECT_EQ(m_err, kDevelopmentKeyNote + "-:1: error: " + key + kBeforeFirst);
+    }
+}
+
 // A file of these lines with this line ending.
 std::string Joined(const std::vector<std::string>& lines, const std::string& end) {
     std::string bytes;
