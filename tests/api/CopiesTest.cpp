@@ -111,7 +111,7 @@ TEST_F(Copies, AreUnloadedInAnyOrder) {
 }
 
 // At exit they are all loaded, each with a table and a cache to free.
-TEST_F(Copies, LeaveTheProcessInPeace) {
+TEST_F(Copies, LeaveTheProcessIntact) {
     ASSERT_EQ(LoadOwn("MENU=\"host\"\n" + Line("IDE_EXIT", "host")), 3);
     EXPECT_STREQ(ZuGetLocalizedString("IDE_EXIT"), "host");
     for (const auto& way : kWays) {

@@ -186,7 +186,7 @@ TEST(CommonCryptor, ProcessesWholeBlocksWithoutPadding) {
     }
 }
 
-TEST(CommonCryptor, LeavesARestWithoutPaddingAlone) {
+TEST(CommonCryptor, LeavesAnIncompleteBlockWithoutPaddingAlone) {
     for (const CCOptions mode : kModes) {
         for (const CCOperation op : {kCCEncrypt, kCCDecrypt}) {
             for (const std::size_t length : {1U, 15U, 17U, 47U}) {

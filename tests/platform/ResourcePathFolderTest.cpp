@@ -105,7 +105,7 @@ TEST(ResourcePath, FindsTheResourcesFolder) {
     }
 }
 
-TEST(ResourcePath, AsksWhatTheBundleHoldsAnew) {
+TEST(ResourcePath, LooksIntoTheBundleEachTime) {
     const TemporaryFolder folder;
     __CFBundle* const bundle = ZuOpenBundle(folder.Path().c_str());
     EXPECT_EQ(PathOf(bundle, "x"), folder.Path() / "x");
@@ -317,7 +317,7 @@ TEST_F(MainBundle, IsTheShareFolderOfAnInstalledExecutable) {
     EXPECT_EQ(PathPrintedBy("prefix/bin/host"), "/prefix/share/host/x");
 }
 
-TEST_F(MainBundle, IsTheExecutablesFolderElse) {
+TEST_F(MainBundle, IsOtherwiseTheExecutablesFolder) {
     EXPECT_EQ(PathPrintedBy("prefix/bin/host"), "/prefix/bin/x") << "no share/host";
     fs::create_directories(m_folder.Path() / "prefix/share");
     m_folder.Write("prefix/share/other", "a file");

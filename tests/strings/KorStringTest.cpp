@@ -192,7 +192,7 @@ private:
     const char* m_region;
 };
 
-TEST(KorStringKeywords, AreReadAnewAtEveryCall) {
+TEST(KorStringKeywords, AreReadAtEveryCall) {
     const KeywordGuard guard;
     char keyword[] = "LANGUAGE:";
     KorString::LANG_STATEMENT = keyword;

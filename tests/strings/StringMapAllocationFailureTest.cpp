@@ -50,7 +50,7 @@ TEST(StringMapAllocationFailure, LeavesTheEntriesAsTheyWere) {
     EXPECT_GT(InsertWithFailures(keys), 10U);
 }
 
-TEST(StringMapAllocationFailure, LeavesCrowdedEntriesAsTheyWere) {
+TEST(StringMapAllocationFailure, LeavesCollidingEntriesAsTheyWere) {
     EXPECT_GT(InsertWithFailures(KeysOfOneHash(200)), 100U)
         << "one for each entry of the ordered map";
 }

@@ -172,7 +172,7 @@ TEST(StringMap, StaysFastWithKeysOfOneHash) {
 
 // Their hashes differ but lead to the same slots: from the last ones of the index around to the
 // first, and on to the ordered map.
-TEST(StringMap, HoldsKeysThatCrowdAtTheEndOfTheIndex) {
+TEST(StringMap, HoldsCollidingKeysAtTheEndOfTheIndex) {
     std::vector<std::string> keys;
     for (std::uint64_t i = 0; keys.size() < 200; ++i) {
         std::string key = "key " + std::to_string(i);

@@ -97,7 +97,7 @@ TEST_F(LibraryFingerprint, IsMissingOrAmbiguous) {
 }
 
 // A file is read in pieces, and a marker may span two of them.
-TEST_F(LibraryFingerprint, IsFoundWhereverItStandsInALargeFile) {
+TEST_F(LibraryFingerprint, IsFoundAnywhereInALargeFile) {
     const std::string file = Path("library");
     constexpr std::size_t kPiece = 65536;
     for (const std::size_t piece : {1U, 2U}) {

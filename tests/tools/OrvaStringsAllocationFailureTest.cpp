@@ -175,7 +175,7 @@ TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
         });
 }
 
-TEST_F(OrvaStringsAllocationFailure, IsToldWhereTheResultIsWritten) {
+TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheResultIsWritten) {
     FailAtEach({"protect", "--key-file", Path("key"), "-"});
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
     FailAtEach({"sections", Path("protected")});
@@ -234,7 +234,7 @@ TEST_F(OrvaStringsAllocationFailure, LeavesNoPartOfAKey) {
         [&](int status) { EXPECT_EQ(fs::exists(Path("new.key")), status == 0); });
 }
 
-TEST_F(OrvaStringsAllocationFailure, IsToldByShow) {
+TEST_F(OrvaStringsAllocationFailure, IsReportedByShow) {
     ASSERT_EQ(Run({"protect", Path("readable")}), 0);
     m_folder.Write("shipped", m_out);
     fs::create_directory(Path("tmp"));

@@ -238,7 +238,7 @@ TEST_F(OrvaStringsInput, MayBeClosed) {
     }
 }
 
-TEST_F(OrvaStringsInput, IsReadFromWhereItStands) {
+TEST_F(OrvaStringsInput, IsReadFromItsCurrentPosition) {
     m_folder.Write("stdin", "12345" + StoredFile(m_first));
     const int file = open(Path("stdin").c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(lseek(file, 5, SEEK_SET), 5);

@@ -521,7 +521,7 @@ TEST_F(OrvaStrings, RefusesToProtectWhatLooksStoredButDoesNotDecode) {
                          "\"\nIDE_BAD=\"" + Stored(damaged, DevelopmentKey()) + "\"\n");
 }
 
-TEST_F(OrvaStrings, TellsLooksByDigitsAndLength) {
+TEST_F(OrvaStrings, LooksStoredByDigitsAndLength) {
     const struct {
         std::string value;
         bool looksStored;
@@ -605,7 +605,7 @@ TEST_F(OrvaStrings, ShowsWhatTheLibraryAnswers) {
     EXPECT_EQ(m_err, file + ": error: NOT_THERE: there is no such key in the section\n");
 }
 
-TEST_F(OrvaStrings, ShowsAnotherSectionOnlyByWish) {
+TEST_F(OrvaStrings, ShowsAnotherSectionOnlyOnRequest) {
     const std::string bytes = "QVLANG=en\nABCD=1\nQVLANG=fr\nABCD=2\n";
     EXPECT_EQ(Run({"show", "-", "--language", "de"}, bytes), 1);
     EXPECT_EQ(m_out, "");
@@ -913,7 +913,7 @@ TEST_F(OrvaStrings, MakesKeysAndTellsThemApart) {
     EXPECT_EQ(m_out.find(digits.substr(0, 8)), std::string::npos) << "it does not show the key";
 }
 
-TEST_F(OrvaStrings, WantsAKeyFileToHold64Digits) {
+TEST_F(OrvaStrings, RequiresAKeyFileOf64Digits) {
     const std::string good = ToHex(CountingBytes(32));
     const struct {
         const char* what;
