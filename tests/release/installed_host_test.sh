@@ -64,8 +64,8 @@ mkdir "$work/find"
 finds() { # VERSION
     printf 'cmake_minimum_required(VERSION 3.22)\nproject(Find NONE)\nfind_package(OrvaLanguage %s)\n%s\n' \
         "$1" "message(STATUS \"found \${OrvaLanguage_VERSION}\")" >"$work/find/CMakeLists.txt"
-    cmake -S "$work/find" -B "$work/find/$1" -DCMAKE_PREFIX_PATH="$work/prefix" 2>&1 |
-        grep -qxF -e "-- found $version"
+    cmake -S "$work/find" -B "$work/find/$1" -DCMAKE_PREFIX_PATH="$work/prefix" >"$work/find.log" 2>&1
+    grep -qxF -e "-- found $version" "$work/find.log"
 }
 major=${version%%.*}
 finds "$major.0" || { echo "CMake finds no $major.0"; exit 1; }
