@@ -69,7 +69,7 @@ finds() { # VERSION
 }
 major=${version%%.*}
 finds "$major.0" || { echo "CMake finds no $major.0"; exit 1; }
-for other in $((major + 1)).0 "$major.999"; do
+for other in $((major - 1)).0 $((major + 1)).0 "$major.999"; do
     if finds "$other"; then echo "CMake takes $version for $other"; exit 1; fi
 done
 
