@@ -67,7 +67,7 @@ if(ORVA_KEY_FILE STREQUAL "")
 
     orva_add_test(orva_strings_memory_tests
         tools/OrvaStringsMemoryTest.cpp
-        support/FreedBlocks.cpp
+        support/FailingAllocation.cpp
         support/ProcessMemory.cpp)
     target_link_libraries(orva_strings_memory_tests
         PRIVATE orva_strings_tool orva_test_stored_form)
