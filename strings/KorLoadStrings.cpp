@@ -3,6 +3,7 @@
 #include <OrvaLanguage/KorString.h>
 
 #include "platform/ResourcePath.h"
+#include "strings/Line.h"
 #include "strings/LocalizedStrings.h"
 
 namespace {
@@ -16,22 +17,25 @@ std::ifstream OpenBytes(const char* path) {
     return stream;
 }
 
+bool IsSectionHeader(std::string_view line, const char* name) {
+    return IsHeader(line, KorString::LANG_STATEMENT, name);
+}
+
 // Reads up to the header of the section with this name ("": any section) and leaves it in line.
 bool FindSection(std::ifstream& stream, std::string& line, const char* name) {
     while (KorString::GetLine(stream, line)) {
-        if (KorString::SearchLanguageKey(line, name)) {
+        if (IsSectionHeader(line, name)) {
             return true;
         }
     }
     return false;
 }
 
-// Adds a line that is an entry to the table; skips any other.
-void InsertEntry(const std::string& line) {
-    std::string key;
-    std::string value;
-    if (KorString::GetLocalizedElement(line, &key, &value)) {
-        gMapLocalizedStrings.Insert(key, value);
+// Adds a line that is an entry to the table; skips any other. Uses buffer for the value's escapes.
+void InsertEntry(std::string_view line, std::string& buffer) {
+    if (const std::optional<LineEntry> entry = SplitEntry(line)) {
+        gMapLocalizedStrings.Insert(
+            entry->key, entry->isQuoted ? Unescape(entry->value, buffer) : entry->value);
     }
 }
 
@@ -69,10 +73,11 @@ int KorLoadStrings(const char* language, const char* fileName, __CFBundle* bundl
             return 0;
         }
     }
+    std::string buffer;
     // The header is an entry too: it says which section is loaded.
-    InsertEntry(line);
-    while (KorString::GetLine(stream, line) && !KorString::SearchLanguageKey(line, "")) {
-        InsertEntry(line);
+    InsertEntry(line, buffer);
+    while (KorString::GetLine(stream, line) && !IsSectionHeader(line, "")) {
+        InsertEntry(line, buffer);
     }
     return static_cast<int>(gMapLocalizedStrings.Size());
 }

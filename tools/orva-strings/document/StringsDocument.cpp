@@ -7,7 +7,7 @@
 #include <OrvaLanguage/KorString.h>
 
 #include "protection/ProtectedForm.h"
-#include "strings/LineEnding.h"
+#include "strings/Line.h"
 
 namespace {
 
