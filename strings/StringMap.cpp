@@ -7,11 +7,11 @@
 
 namespace {
 
-constexpr std::size_t kFirstSlots = 64;
+constexpr std::size_t kFirstGroups = 32;
 // Each block is twice as large as the one before, between these limits: a small map takes little
 // memory, and a large one few blocks.
 constexpr std::size_t kFirstBlock = std::size_t{4} * 1024;
-constexpr std::size_t kMaxBlock = std::size_t{256} * 1024;
+constexpr std::size_t kMaxBlock = std::size_t{64} * 1024;
 
 // Copies a text, adds a NUL and returns the place after it.
 char* CopyText(char* to, std::string_view text) noexcept {
@@ -23,6 +23,18 @@ char* CopyText(char* to, std::string_view text) noexcept {
 }
 
 }  // namespace
+
+inline StringMap::Entry::Entry(std::string_view key, std::string_view value) noexcept
+    : m_nLengths{static_cast<std::uint16_t>(key.size()), static_cast<std::uint16_t>(value.size())} {
+    auto* to = reinterpret_cast<char*>(this + 1);
+    if (AreLong(key, value)) {
+        m_nLengths[0] = kLong;
+        const std::size_t lengths[] = {key.size(), value.size()};
+        std::memcpy(to, lengths, sizeof lengths);
+        to += sizeof lengths;
+    }
+    CopyText(CopyText(to, key), value);
+}
 
 StringMap::~StringMap() {
     ForgetOrder();
@@ -36,17 +48,19 @@ const StringMap::Entry* const* StringMap::LowerBound(std::string_view key) const
 
 bool StringMap::Insert(std::string_view key, std::string_view value) {
     const std::size_t hash = Hash(key);
-    if (m_index.Find(key, hash) != nullptr) {
+    Index::Place place = m_index.Search(key, hash);
+    if (place.pEntry != nullptr) {
         return false;
     }
-    // Half of the slots stay free to keep searches short.
-    if (m_nSize >= m_index.Slots() / 2) {
+    // With three slots in eight free, nearly every search ends in its first group.
+    if (m_nSize >= 5 * m_index.Groups()) {
         Grow();
+        place.pGroup = m_index.FreeGroup(hash);
     }
-    const std::size_t size = sizeof(Entry) + key.size() + value.size() + 2;
-    auto* const entry = new (m_memory.Take(size)) Entry(key.size(), value.size());
-    CopyText(CopyText(reinterpret_cast<char*>(entry + 1), key), value);
-    m_index.Add(entry, hash);
+    const std::size_t size = Entry::SizeFor(key, value);
+    Memory::Block& block = m_memory.BlockFor(size);
+    m_index.Add(place.pGroup, new (&block.pBytes[block.nUsed]) Entry(key, value), hash);
+    block.nUsed += size;  // not earlier: Add may throw
     ++m_nSize;
     ForgetOrder();
     return true;
@@ -60,8 +74,11 @@ void StringMap::Clear() noexcept {
 }
 
 void StringMap::Grow() {
-    Index grown(m_index.Slots() == 0 ? kFirstSlots : 2 * m_index.Slots());
-    m_index.ForEach([&](const Entry* entry, std::size_t hash) { grown.Add(entry, hash); });
+    Index grown(m_index.Groups() == 0 ? kFirstGroups : 2 * m_index.Groups());
+    m_memory.ForEach([&](const Entry* entry) {
+        const std::size_t hash = Hash(entry->Key());
+        grown.Add(grown.FreeGroup(hash), entry, hash);
+    });
     m_index = std::move(grown);
 }
 
@@ -72,7 +89,7 @@ const StringMap::Entry* const* StringMap::Ordered() const {
     }
     std::unique_ptr<const Entry*[]> sorted(new const Entry*[m_nSize]);
     std::size_t count = 0;
-    m_index.ForEach([&](const Entry* entry, std::size_t) { sorted[count++] = entry; });
+    m_memory.ForEach([&](const Entry* entry) { sorted[count++] = entry; });
     std::sort(sorted.get(), sorted.get() + count,
               [](const Entry* a, const Entry* b) { return a->Key() < b->Key(); });
     // Several reading threads may sort at once: the first one's order is kept.
@@ -82,38 +99,38 @@ const StringMap::Entry* const* StringMap::Ordered() const {
 }
 
 void StringMap::ForgetOrder() noexcept {
-    delete[] m_pOrdered.exchange(nullptr, std::memory_order_relaxed);
+    // Nobody reads a map that changes, so that this need not be one step; that would take longer.
+    delete[] m_pOrdered.load(std::memory_order_relaxed);
+    m_pOrdered.store(nullptr, std::memory_order_relaxed);
 }
 
-void* StringMap::Memory::Take(std::size_t size) {
-    const std::size_t aligned = (size + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry);
-    if (aligned > kMaxBlock / 4) {
-        return AddBlock(aligned);  // its own block; the shared one keeps its room
-    }
-    if (aligned > m_nFree) {
-        const std::size_t next = std::clamp(2 * m_nLastBlock, kFirstBlock, kMaxBlock);
-        m_pFree = AddBlock(std::max(aligned, next));
-        m_nFree = m_nLastBlock = std::max(aligned, next);
-    }
-    m_nFree -= aligned;
-    return std::exchange(m_pFree, m_pFree + aligned);
+StringMap::Memory::Block& StringMap::Memory::AddBlock(std::size_t size) {
+    const bool isLarge = size > kMaxBlock / 4;
+    const std::size_t last = m_blocks.empty() ? 0 : m_blocks.back().nSize;
+    const std::size_t next = std::clamp(2 * last, kFirstBlock, kMaxBlock);
+    const std::size_t blockSize = isLarge ? size : std::max(size, next);
+    Block block = {std::unique_ptr<char[]>(new char[blockSize]), blockSize, 0};
+    // A large entry's block goes before the last one, which keeps its room.
+    const bool isBeforeLast = isLarge && !m_blocks.empty();
+    return *m_blocks.insert(m_blocks.end() - (isBeforeLast ? 1 : 0), std::move(block));
 }
 
-char* StringMap::Memory::AddBlock(std::size_t size) {
-    std::unique_ptr<char[]> block(new char[size]);
-    m_blocks.push_back(std::move(block));
-    return m_blocks.back().get();
-}
+StringMap::Index::Index(std::size_t groups) : m_groups(new Group[groups]()), m_nGroups(groups) {}
 
-StringMap::Index::Index(std::size_t slots) : m_slots(new Slot[slots]()), m_nSlots(slots) {}
-
-void StringMap::Index::Add(const Entry* entry, std::size_t hash) {
-    for (std::size_t i = 0; i < kMaxProbes; ++i) {
-        Slot& slot = m_slots[(hash + i) & (m_nSlots - 1)];
-        if (slot.pEntry == nullptr) {
-            slot = {hash, entry};
-            return;
+StringMap::Index::Place StringMap::Index::SearchOn(std::string_view key,
+                                                   std::size_t hash) const noexcept {
+    Group* free = nullptr;
+    for (std::size_t i = 0; i < kMaxProbes && m_nGroups != 0 && free == nullptr; ++i) {
+        Group& group = m_groups[(hash + i) & (m_nGroups - 1)];
+        if (const Entry* const entry = group.Find(key, hash)) {
+            return {entry, &group};
         }
+        free = group.HasFree() ? &group : nullptr;
     }
+    const auto found = m_overflow.find(key);
+    return {found == m_overflow.end() ? nullptr : found->second, free};
+}
+
+void StringMap::Index::AddToOverflow(const Entry* entry) {
     m_overflow.emplace(entry->Key(), entry);
 }

@@ -20,21 +20,42 @@ public:
     // One key with its value. Both texts are NUL-terminated, and may hold NUL bytes of their own.
     class Entry {
     public:
-        std::string_view Key() const noexcept { return {Texts(), m_nKeyLength}; }
-        std::string_view Value() const noexcept {
-            return {Texts() + m_nKeyLength + 1, m_nValueLength};
-        }
+        std::string_view Key() const noexcept { return {Texts(), Length(0)}; }
+        std::string_view Value() const noexcept { return {Texts() + Length(0) + 1, Length(1)}; }
 
     private:
         friend class StringMap;
-        Entry(std::size_t keyLength, std::size_t valueLength) noexcept
-            : m_nKeyLength(keyLength), m_nValueLength(valueLength) {}
+        Entry(std::string_view key, std::string_view value) noexcept;
 
-        // The texts follow the entry in memory: key, NUL, value, NUL.
-        const char* Texts() const noexcept { return reinterpret_cast<const char*>(this + 1); }
+        // The bytes of an entry with these texts, a multiple of its alignment.
+        static std::size_t SizeFor(std::string_view key, std::string_view value) noexcept {
+            const std::size_t size = sizeof(Entry) +
+                                     (AreLong(key, value) ? 2 * sizeof(std::size_t) : 0) +
+                                     key.size() + value.size() + 2;
+            return (size + alignof(Entry) - 1) / alignof(Entry) * alignof(Entry);
+        }
 
-        std::size_t m_nKeyLength;
-        std::size_t m_nValueLength;
+        static bool AreLong(std::string_view key, std::string_view value) noexcept {
+            return key.size() >= kLong || value.size() >= kLong;
+        }
+
+        bool IsLong() const noexcept { return m_nLengths[0] == kLong; }
+
+        std::size_t Length(std::size_t which) const noexcept {
+            return IsLong() ? Read<std::size_t>(End() + which * sizeof(std::size_t))
+                            : m_nLengths[which];
+        }
+
+        const char* Texts() const noexcept {
+            return IsLong() ? End() + 2 * sizeof(std::size_t) : End();
+        }
+
+        const char* End() const noexcept { return reinterpret_cast<const char*>(this + 1); }
+
+        // Nearly all texts are shorter. If one is not, the first length is kLong, and both real
+        // ones follow the entry in memory. Then come key, NUL, value, NUL.
+        static constexpr std::uint16_t kLong = 0xFFFF;
+        std::uint16_t m_nLengths[2];  // of key and value
     };
 
     StringMap() noexcept = default;
@@ -45,7 +66,9 @@ public:
     std::size_t Size() const noexcept { return m_nSize; }
 
     // The entry with exactly this key, or null.
-    const Entry* Find(std::string_view key) const noexcept { return m_index.Find(key, Hash(key)); }
+    const Entry* Find(std::string_view key) const noexcept {
+        return m_index.Search(key, Hash(key)).pEntry;
+    }
 
     // All entries in key order: by unsigned bytes, a prefix first. The first call after a change
     // sorts them and throws std::bad_alloc if memory runs out; the order is kept until the next
@@ -99,79 +122,174 @@ public:
     }
 
 private:
-    // Built for lookups, by far the most frequent operation: one hash leads to the entry, whose
-    // texts are side by side. The key order is made only for a walk. A tree would always keep it,
-    // at some fifteen comparisons per lookup.
-    class Index {
+    // Eight slots of the index, in one cache line.
+    class alignas(64) Group {
     public:
-        Index() noexcept = default;
-
-        // slots must be a power of two. Throws std::bad_alloc.
-        explicit Index(std::size_t slots);
-
+        // The entry with this key, which has this hash, or null.
         const Entry* Find(std::string_view key, std::size_t hash) const noexcept {
-            for (std::size_t i = 0; i < kMaxProbes && m_nSlots != 0; ++i) {
-                const Slot& slot = m_slots[(hash + i) & (m_nSlots - 1)];
-                if (slot.pEntry == nullptr) {
-                    return nullptr;
-                }
-                if (slot.nHash == hash && slot.pEntry->Key() == key) {
-                    return slot.pEntry;
+            // Sets the top bit of each equal tag, and maybe of a taken slot's after it.
+            const std::uint64_t difference = Tags() ^ kEveryByte * Tag(hash);
+            std::uint64_t equal = (difference - kEveryByte) & ~difference & kEveryTaken;
+            for (; equal != 0; equal &= equal - 1) {
+                const Entry* const entry = At(static_cast<std::size_t>(__builtin_ctzll(equal)) / 8);
+                if (entry->Key() == key) {
+                    return entry;
                 }
             }
-            const auto found = m_overflow.find(key);
-            return found == m_overflow.end() ? nullptr : found->second;
+            return nullptr;
         }
 
-        // Calls visit for every entry, with the entry and its hash.
-        template <typename Visit>
-        void ForEach(const Visit& visit) const {
-            for (std::size_t i = 0; i < m_nSlots; ++i) {
-                if (m_slots[i].pEntry != nullptr) {
-                    visit(m_slots[i].pEntry, m_slots[i].nHash);
-                }
-            }
-            for (const auto& item : m_overflow) {
-                visit(item.second, Hash(item.first));
-            }
+        bool HasFree() const noexcept { return (Tags() & kEveryTaken) != kEveryTaken; }
+
+        // Whether a slot has room for the entry's address. Today's systems give no other addresses
+        // to a program that does not ask for them.
+        static bool CanHold(const Entry* entry) noexcept {
+            return (reinterpret_cast<std::uintptr_t>(entry) & ~kAddressMask) == 0;
         }
 
-        // Adds an entry whose key is absent. If it throws std::bad_alloc, nothing was added.
-        void Add(const Entry* entry, std::size_t hash);
-
-        std::size_t Slots() const noexcept { return m_nSlots; }
+        // Takes the first free slot.
+        void Put(const Entry* entry, std::size_t hash) noexcept {
+            const std::uint64_t free = ~Tags() & kEveryTaken;
+            const std::size_t slot = static_cast<std::size_t>(__builtin_ctzll(free)) / 8;
+            m_nTags[slot] = static_cast<std::uint8_t>(Tag(hash));
+            const std::uint64_t bytes =
+                (Bytes(slot) & ~kAddressMask) | reinterpret_cast<std::uintptr_t>(entry);
+            std::memcpy(reinterpret_cast<char*>(this) + kAddress * slot, &bytes, sizeof bytes);
+        }
 
     private:
-        struct Slot {
-            std::size_t nHash;
-            const Entry* pEntry;  // null: the slot is free
+        static constexpr std::size_t kSlots = 8;
+        static constexpr std::size_t kAddress = 7;  // bytes of an address that are kept
+        static constexpr std::uint64_t kAddressMask = (std::uint64_t{1} << (8 * kAddress)) - 1;
+        static constexpr std::uint64_t kEveryByte = 0x0101010101010101;
+        static constexpr std::uint64_t kTaken = 0x80;
+        static constexpr std::uint64_t kEveryTaken = kTaken * kEveryByte;
+
+        // Of a taken slot: bits of the hash that do not choose the group. They tell nearly every
+        // other key apart without a look at its entry. A free slot's tag is 0.
+        static std::uint64_t Tag(std::size_t hash) noexcept { return kTaken | hash >> 57U; }
+
+        std::uint64_t Tags() const noexcept {
+            return Read<std::uint64_t>(reinterpret_cast<const char*>(m_nTags));
+        }
+
+        // An address and the byte after it, which is in the group, too.
+        std::uint64_t Bytes(std::size_t slot) const noexcept {
+            return Read<std::uint64_t>(reinterpret_cast<const char*>(this) + kAddress * slot);
+        }
+
+        const Entry* At(std::size_t slot) const noexcept {
+            return reinterpret_cast<const Entry*>(Bytes(slot) & kAddressMask);
+        }
+
+        char m_addresses[kSlots][kAddress];  // the lowest byte first
+        std::uint8_t m_nTags[kSlots];
+    };
+    static_assert(sizeof(Group) == 64, "the slots fill the cache line");
+    static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "a group's first slot is its lowest");
+
+    // Built for lookups, by far the most frequent operation: a hash leads to one group and that to
+    // the entry, whose texts are side by side. The key order is made only for a walk. A tree would
+    // always keep it, at some fifteen comparisons per lookup.
+    class Index {
+    public:
+        // Where a search ended.
+        struct Place {
+            const Entry* pEntry;  // null: the key is absent
+            Group* pGroup;        // with a free slot for it; null: it belongs in the overflow
         };
 
-        // Linear probing from the hash's slot. After kMaxProbes full slots, which a good hash hardly
-        // ever meets, the entry goes to an ordered map, so that colliding keys cannot make a load
-        // quadratic.
-        static constexpr std::size_t kMaxProbes = 64;
+        Index() noexcept = default;
 
-        std::unique_ptr<Slot[]> m_slots;
-        std::size_t m_nSlots = 0;  // a power of two, or 0
+        // groups must be a power of two. Throws std::bad_alloc.
+        explicit Index(std::size_t groups);
+
+        Place Search(std::string_view key, std::size_t hash) const noexcept {
+            // Nearly every search ends here.
+            if (m_nGroups != 0) {
+                Group& group = m_groups[hash & (m_nGroups - 1)];
+                const Entry* const entry = group.Find(key, hash);
+                if (entry != nullptr || (group.HasFree() && m_overflow.empty())) {
+                    return {entry, &group};
+                }
+            }
+            return SearchOn(key, hash);
+        }
+
+        // The group with a free slot for an absent key with this hash, or null: the overflow.
+        Group* FreeGroup(std::size_t hash) const noexcept {
+            for (std::size_t i = 0; i < kMaxProbes; ++i) {
+                Group& group = m_groups[(hash + i) & (m_nGroups - 1)];
+                if (group.HasFree()) {
+                    return &group;
+                }
+            }
+            return nullptr;
+        }
+
+        // Adds an entry whose key is absent to the group found for it. If it throws std::bad_alloc,
+        // nothing was added.
+        void Add(Group* group, const Entry* entry, std::size_t hash) {
+            if (group != nullptr && Group::CanHold(entry)) {
+                group->Put(entry, hash);
+            } else {
+                AddToOverflow(entry);
+            }
+        }
+
+        std::size_t Groups() const noexcept { return m_nGroups; }
+
+    private:
+        // Linear probing from the hash's group. After kMaxProbes full groups, which a good hash
+        // hardly ever meets, the entry goes to an ordered map, so that colliding keys cannot make a
+        // load quadratic. So does one that a group can't hold.
+        static constexpr std::size_t kMaxProbes = 8;
+
+        void AddToOverflow(const Entry* entry);
+
+        // Searches everywhere that an entry with this hash can be.
+        Place SearchOn(std::string_view key, std::size_t hash) const noexcept;
+
+        std::unique_ptr<Group[]> m_groups;
+        std::size_t m_nGroups = 0;  // a power of two, or 0
         std::map<std::string_view, const Entry*> m_overflow;
     };
 
-    // Holds the entries, in blocks that are filled one after the other and freed as a whole; a
-    // large entry has a block of its own. Allocating and freeing each entry would be a good part of
-    // a load and of a host's exit.
+    // Holds the entries one after the other, in blocks that are freed as a whole; a large entry has
+    // a block of its own. Allocating and freeing each entry would be a good part of a load and of a
+    // host's exit.
     class Memory {
     public:
-        // Returns size bytes, aligned for an entry. Throws std::bad_alloc.
-        void* Take(std::size_t size);
+        struct Block {
+            std::unique_ptr<char[]> pBytes;
+            std::size_t nSize;
+            std::size_t nUsed;  // by entries, from its start
+        };
+
+        // A block with this many bytes left, for the next entry. Whoever makes that entry adds its
+        // size to nUsed. Throws std::bad_alloc.
+        Block& BlockFor(std::size_t size) {
+            return !m_blocks.empty() && size <= m_blocks.back().nSize - m_blocks.back().nUsed
+                       ? m_blocks.back()
+                       : AddBlock(size);
+        }
+
+        // Calls visit for every entry.
+        template <typename Visit>
+        void ForEach(const Visit& visit) const {
+            for (const Block& block : m_blocks) {
+                for (std::size_t at = 0; at != block.nUsed;) {
+                    const auto* const entry = reinterpret_cast<const Entry*>(&block.pBytes[at]);
+                    visit(entry);
+                    at += Entry::SizeFor(entry->Key(), entry->Value());
+                }
+            }
+        }
 
     private:
-        char* AddBlock(std::size_t size);
+        Block& AddBlock(std::size_t size);
 
-        std::vector<std::unique_ptr<char[]>> m_blocks;
-        std::size_t m_nLastBlock = 0;  // size of the last shared block
-        char* m_pFree = nullptr;       // its next free byte
-        std::size_t m_nFree = 0;       // bytes left there
+        std::vector<Block> m_blocks;  // the last one is being filled
     };
 
     template <typename Integer>

@@ -176,7 +176,7 @@ TEST(StringMap, HoldsCollidingKeysAtTheEndOfTheIndex) {
     std::vector<std::string> keys;
     for (std::uint64_t i = 0; keys.size() < 200; ++i) {
         std::string key = "key " + std::to_string(i);
-        if (StringMap::Hash(key) % 0x400 >= 0x3FC) {
+        if (StringMap::Hash(key) % 0x200 >= 0x1FE) {
             keys.push_back(std::move(key));
         }
     }
@@ -197,18 +197,26 @@ TEST(StringMap, HoldsCollidingKeysAtTheEndOfTheIndex) {
 TEST(StringMap, HoldsLargeTextsAmongSmallOnes) {
     StringMap map;
     std::map<std::string, std::string> model;
-    for (const unsigned size :
-         {1U, 4000U, 65'000U, 66'000U, 3U, 262'000U, 263'000U, 5U, 1'000'000U}) {
+    for (const unsigned size : {1U, 4000U, 16'000U, 17'000U, 65'000U, 66'000U, 3U, 65'533U, 65'534U,
+                                65'535U, 65'536U, 65'537U, 5U, 1'000'000U}) {
         for (int i = 0; i < 5; ++i) {
             const std::string key = std::to_string(size) + ' ' + std::to_string(i);
-            const std::string value(size, static_cast<char>('a' + i));
-            ASSERT_TRUE(map.Insert(key, value));
-            model.emplace(key, value);
+            const std::string text(size, static_cast<char>('a' + i));
+            for (const auto& [k, v] : {std::pair(key, text), std::pair(text, key)}) {
+                ASSERT_TRUE(map.Insert(k, v));
+                model.emplace(k, v);
+            }
         }
     }
     for (const auto& [key, value] : model) {
-        ASSERT_NE(map.Find(key), nullptr) << key;
-        EXPECT_EQ(map.Find(key)->Value(), value) << key;
+        ASSERT_TRUE(map.Find(key) != nullptr) << key.size();
+        EXPECT_TRUE(map.Find(key)->Key() == key) << key.size();
+        EXPECT_TRUE(map.Find(key)->Value() == value) << key.size();
+    }
+    EXPECT_EQ(map.Find(std::string(65'535, 'x')), nullptr);
+    auto expected = model.begin();
+    for (const StringMap::Entry* entry : map) {
+        EXPECT_TRUE(entry->Key() == (expected++)->first);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -19,8 +20,8 @@ thread_local std::size_t gWatchedLength = 0;
 thread_local std::size_t gWatchedBlocks = 0;
 thread_local bool gHasSeen = false;
 
-// Each block's size precedes it; the block itself stays aligned for any type.
-constexpr std::size_t kHeader = alignof(std::max_align_t);
+// Each block's size precedes it; the block itself stays aligned for any type, a cache line included.
+constexpr std::size_t kHeader = 64;
 
 void* Allocate(std::size_t size) {
     if (gSizeOfFirst == 0) {
@@ -30,12 +31,13 @@ void* Allocate(std::size_t size) {
         gHasFailed = true;
         throw std::bad_alloc();
     }
-    // malloc returns null for an impossible size, but a sanitizer's would end the process.
+    // For an impossible size, a sanitizer's function would end the process.
     constexpr std::size_t kMaxSize = std::numeric_limits<std::ptrdiff_t>::max() - kHeader;
-    auto* const block = static_cast<char*>(size > kMaxSize ? nullptr : std::malloc(size + kHeader));
-    if (block == nullptr) {
+    void* memory = nullptr;
+    if (size > kMaxSize || posix_memalign(&memory, kHeader, size + kHeader) != 0) {
         throw std::bad_alloc();
     }
+    auto* const block = static_cast<char*>(memory);
     ++gLive;
     std::memcpy(block, &size, sizeof size);
     if (gWatched != nullptr) {
@@ -117,6 +119,10 @@ void* operator new(std::size_t size, const std::nothrow_t& /*isNothrow*/) noexce
         return nullptr;
     }
 }
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    assert(static_cast<std::size_t>(alignment) <= kHeader);
+    return Allocate(size);
+}
 void operator delete(void* block) noexcept {
     Free(block);
 }
@@ -127,6 +133,9 @@ void operator delete(void* block, std::size_t) noexcept {
     Free(block);
 }
 void operator delete[](void* block, std::size_t) noexcept {
+    Free(block);
+}
+void operator delete[](void* block, std::align_val_t) noexcept {
     Free(block);
 }
 
