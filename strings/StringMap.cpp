@@ -99,7 +99,7 @@ const StringMap::Entry* const* StringMap::Ordered() const {
 }
 
 void StringMap::ForgetOrder() noexcept {
-    // Nobody reads a map that changes, so that this need not be one step; that would take longer.
+    // No thread reads a map while it changes, so this need not be one step.
     delete[] m_pOrdered.load(std::memory_order_relaxed);
     m_pOrdered.store(nullptr, std::memory_order_relaxed);
 }

@@ -42,15 +42,15 @@ public:
         bool IsLong() const noexcept { return m_nLengths[0] == kLong; }
 
         std::size_t Length(std::size_t which) const noexcept {
-            return IsLong() ? Read<std::size_t>(End() + which * sizeof(std::size_t))
+            return IsLong() ? Read<std::size_t>(Tail() + which * sizeof(std::size_t))
                             : m_nLengths[which];
         }
 
         const char* Texts() const noexcept {
-            return IsLong() ? End() + 2 * sizeof(std::size_t) : End();
+            return IsLong() ? Tail() + 2 * sizeof(std::size_t) : Tail();
         }
 
-        const char* End() const noexcept { return reinterpret_cast<const char*>(this + 1); }
+        const char* Tail() const noexcept { return reinterpret_cast<const char*>(this + 1); }
 
         // Nearly all texts are shorter. If one is not, the first length is kLong, and both real
         // ones follow the entry in memory. Then come key, NUL, value, NUL.
