@@ -35,6 +35,8 @@ target_compile_definitions(static_objects_tests PRIVATE
 target_link_libraries(static_objects_tests PRIVATE ${CMAKE_DL_LIBS})
 set_target_properties(static_objects_tests PROPERTIES ENABLE_EXPORTS ON)
 add_dependencies(static_objects_tests OrvaLanguage)
+set_property(TEST parents APPEND PROPERTY
+    ENVIRONMENT "STATIC_OBJECTS_TESTS=$<TARGET_FILE:static_objects_tests>")
 
 orva_add_test(orva_strings_system_calls_tests
     tools/OrvaStringsSystemCallsTest.cpp

@@ -3,7 +3,8 @@
 # neither side changes the other.
 #
 # Usage: parents_test.sh SOURCE ORVA_STRINGS,
-#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR
+#        with this build's CC, CXX, CFLAGS, CXXFLAGS and GENERATOR; and, where there is one, with
+#        STATIC_OBJECTS_TESTS, the test of the static objects' order
 set -euo pipefail
 source=$1 tool=$2
 work=$(mktemp -d)
@@ -113,4 +114,12 @@ fi
 build modern "2 entries, GREETING is Hello"
 tells modern "fingerprint: $fingerprint
 development key: no"
+
+# Link-time optimisation may reorder the static objects of several sources.
+if [ -n "${STATIC_OBJECTS_TESTS:-}" ]; then
+    for project in strict modern; do
+        ORVA_LIBRARY=$(library_of "$project") "$STATIC_OBJECTS_TESTS" >"$work/log" 2>&1 ||
+            fail "the static objects of the project $project are not made in their order:"
+    done
+fi
 echo "the library and the projects around it leave each other as they are"
