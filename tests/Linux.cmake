@@ -99,7 +99,7 @@ orva_add_test(open_bundle_corefoundation_tests
     "${PROJECT_SOURCE_DIR}/support/OpenBundleCoreFoundation.cpp")
 target_include_directories(open_bundle_corefoundation_tests PRIVATE standin)
 orva_add_test(access_list_macos_tests
-    tools/AccessListMacOSTest.cpp
+    tools/system/AccessListMacOSTest.cpp
     "${PROJECT_SOURCE_DIR}/tools/orva-strings/system/AccessListMacOS.cpp")
 target_include_directories(access_list_macos_tests PRIVATE standin)
 orva_add_test(sha256_commoncrypto_tests
