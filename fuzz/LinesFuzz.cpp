@@ -30,11 +30,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Check(KorString::ConvertNewLine(&line) == naive::Expanded(line), "ConvertNewLine");
         std::string key = "untouched";
         std::string value = "untouched";
-        const bool isElement = KorString::GetLocalizedElement(line, &key, &value);
-        const auto element = naive::Element(line);
-        Check(isElement == element.has_value(), "GetLocalizedElement");
-        Check(key == (element ? element->first : "untouched"), "the key");
-        Check(value == (element ? element->second : "untouched"), "the value");
+        const bool isEntry = KorString::GetLocalizedElement(line, &key, &value);
+        const auto entry = naive::Entry(line);
+        Check(isEntry == entry.has_value(), "GetLocalizedElement");
+        Check(key == (entry ? entry->first : "untouched"), "the key");
+        Check(value == (entry ? entry->second : "untouched"), "the value");
     }
     Check(!KorString::GetLine(stream, line), "the end of the file");
     return 0;

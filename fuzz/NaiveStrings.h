@@ -69,7 +69,7 @@ inline std::string Expanded(const std::string& text) {
     return expanded;
 }
 
-inline std::optional<std::pair<std::string, std::string>> Element(const std::string& line) {
+inline std::optional<std::pair<std::string, std::string>> Entry(const std::string& line) {
     std::string key;
     std::size_t i = 0;
     for (; i < line.size() && line[i] != '='; ++i) {
@@ -116,8 +116,8 @@ inline std::map<std::string, std::string> Table(const std::string& bytes,
         if (i > header && IsHeader(lines[i], "QVLANG=", "")) {
             break;
         }
-        if (const auto element = Element(lines[i])) {
-            table.insert(*element);
+        if (const auto entry = Entry(lines[i])) {
+            table.insert(*entry);
         }
     }
     return table;

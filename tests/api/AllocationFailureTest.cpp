@@ -74,16 +74,16 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
     const std::map<std::string, std::string> old = {{"QVLANG", "old"}, {"OLD_KEY", "1"}};
 
     std::string file = "QVLANG=" + kLong + "skipped\n" + kLong + "\n";
-    std::vector<std::pair<std::string, std::string>> elements = {{"QVLANG", kLong + "wanted"}};
-    file += "QVLANG=" + elements[0].second + "\n";
+    std::vector<std::pair<std::string, std::string>> entries = {{"QVLANG", kLong + "wanted"}};
+    file += "QVLANG=" + entries[0].second + "\n";
     for (int i = 0; i < 200; ++i) {  // enough for the table to grow
         const std::string padding(static_cast<std::size_t>(i), '.');  // so that the values do, too
-        elements.emplace_back(kLong + std::to_string(i), '\n' + kLong + padding);
-        file += elements.back().first + "=\"\\n" + kLong + padding + "\"\n";
+        entries.emplace_back(kLong + std::to_string(i), '\n' + kLong + padding);
+        file += entries.back().first + "=\"\\n" + kLong + padding + "\"\n";
     }
     bundle.Write("new", file);
-    const std::string language = elements[0].second;
-    std::map<std::string, std::string> all(elements.begin(), elements.end());
+    const std::string language = entries[0].second;
+    std::map<std::string, std::string> all(entries.begin(), entries.end());
 
     std::size_t threwBefore = 0;
     std::size_t threwAfter = 0;
@@ -102,7 +102,7 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
         const auto& table = KorString::gMapLocalizedStrings;
         if (outcome == Outcome::kThrew && TableIs(old)) {
             ++threwBefore;
-            EXPECT_STREQ(ZuGetLocalizedString("OLD_KEY"), "1") << "the gate is as it was";
+            EXPECT_STREQ(ZuGetLocalizedString("OLD_KEY"), "1") << "the loaded count is unchanged";
         } else if (!failed) {
             EXPECT_EQ(result, 201);
             EXPECT_TRUE(TableIs(all));
@@ -119,7 +119,7 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
                 EXPECT_EQ(result, static_cast<int>(table.Size()));
             }
             EXPECT_TRUE(TableIs(
-                {elements.begin(), elements.begin() + static_cast<std::ptrdiff_t>(table.Size())}));
+                {entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(table.Size())}));
         }
     }
     EXPECT_GT(threwBefore, 0U);

@@ -20,7 +20,7 @@ struct CoreFoundationStandIn {
     std::string path;                 // what the conversion writes, with a NUL if it fits
     Boolean conversionResult = true;  // what the conversion returns
 
-    // What happened, one element per call.
+    // The calls, in order.
     std::vector<std::string> calls;
     std::vector<std::string> owned;  // copied or created, and not yet released
 };

@@ -84,7 +84,7 @@ TEST(GetLine, IsFalseOnAFolder) {
     EXPECT_FALSE(KorString::GetLine(stream, line));
 }
 
-TEST(GetLine, ThrowsWhatTheStreamIsAskedFor) {
+TEST(GetLine, ThrowsWhatTheCallerRequestedFromTheStream) {
     const TemporaryFolder folder;
     folder.Write("x", "one\n");
     std::ifstream stream(folder.Path() / "x");
@@ -255,15 +255,15 @@ TEST(ConvertNewLine, TakesLinearTime) {
     EXPECT_TRUE(KorString::ConvertNewLine(&text) == std::string(kEscapes, '\n'));
 }
 
-struct Element {
+struct Entry {
     std::string key;
     std::string value;
 };
 
-TEST(GetLocalizedElement, SplitsAnElementLine) {
+TEST(GetLocalizedElement, SplitsAnEntry) {
     const struct {
         std::string line;
-        Element element;
+        Entry entry;
     } cases[] = {
         {"TITLE=\"Open file\"", {"TITLE", "Open file"}},
         {"TITLE = \"Open file\" ;menu", {"TITLE ", "Open file"}},
@@ -304,8 +304,8 @@ TEST(GetLocalizedElement, SplitsAnElementLine) {
         std::string key = "old key";
         std::string value = "old value";
         EXPECT_TRUE(KorString::GetLocalizedElement(c.line, &key, &value)) << PrintToString(c.line);
-        EXPECT_EQ(key, c.element.key) << PrintToString(c.line);
-        EXPECT_EQ(value, c.element.value) << PrintToString(c.line);
+        EXPECT_EQ(key, c.entry.key) << PrintToString(c.line);
+        EXPECT_EQ(value, c.entry.value) << PrintToString(c.line);
     }
 }
 
