@@ -43,8 +43,8 @@ private:
 
 // Random keys to look up in turn, the same in every run. There are enough that no processor learns
 // their order, as it does with a thousand repeated keys: a tree search would then seem three times
-// as fast as it is. They are side by side in memory in order of use, since a host's own keys are at
-// hand, and fetching them is no part of a lookup.
+// as fast as it is. The keys are in memory in the order of their use, because fetching a key is
+// not a part of the lookup: a host has it at hand.
 class KeySequence {
 public:
     // The ending is appended to each key: with one, no table has the key.

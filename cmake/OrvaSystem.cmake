@@ -1,5 +1,5 @@
 # All that the build knows about the system: its sources, libraries, folders and link options. Every
-# system but macOS is taken for Linux. docs/porting.md lists the rest that differs.
+# system but macOS is treated as Linux. docs/porting.md lists the rest that differs.
 set(orva_platform_folder "${PROJECT_SOURCE_DIR}/platform")
 set(orva_support_folder "${PROJECT_SOURCE_DIR}/support")
 set(orva_tool_system_folder "${PROJECT_SOURCE_DIR}/tools/orva-strings/system")

@@ -22,5 +22,5 @@ foreach(kind IN ITEMS EXE SHARED MODULE)
     set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,-fatal_warnings")
 endforeach()
 
-# Without a loader, the tests can't be asked for their names while they are built.
+# Without a loader, the tests can't list their names while they are built.
 set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)

@@ -5,7 +5,8 @@
 
 struct __CFBundle;  // NOLINT(bugprone-reserved-identifier): the platform's own name
 
-// Opens the bundle at a folder, as the platform does. The caller closes it. Null if it has none.
+// Opens the folder as a bundle, as the platform does. Returns null if that fails. The caller closes
+// the bundle.
 __CFBundle* OpenBundle(const std::filesystem::path& folder);
 
 // Closes a bundle; null is allowed.

@@ -170,7 +170,7 @@ TEST(DecodeProtectedString, RejectsATagOfAnotherLength) {
     }
 }
 
-TEST(DecodeProtectedString, RejectsEveryBitOfTheTagTurnedOver) {
+TEST(DecodeProtectedString, RejectsATagWithAnyBitFlipped) {
     const Bytes key = DevelopmentKey();
     const Bytes padded(16, 16);
     for (std::size_t bit = 0; bit < 128; ++bit) {
@@ -309,7 +309,7 @@ TEST(DecodeProtectedString, LeavesNeitherKeysNorTextOnTheStack) {
     GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
 #endif
     const Bytes material = DevelopmentKey();
-    const std::string text = "a text that nobody is to find on the stack";
+    const std::string text = "a text that must not be found on the stack";
     const std::string stored = Stored(text, material);
     Decoding result = Fill(stored);  // warm-up: the loader does more at a first call
     const Bytes stack = StackAfter([&] {

@@ -1,5 +1,5 @@
-// What the tests of the stack after a lookup rest on: a late-bound call saves the vector registers
-// to the stack.
+// A late-bound call saves the vector registers to the stack. The tests that search the stack after a
+// lookup rely on this.
 #include <unistd.h>
 
 #include <gtest/gtest.h>

@@ -73,7 +73,7 @@ TEST_F(LookupMemory, HoldsATextOnceAndNoKeyOnceItIsCached) {
     EXPECT_EQ(m_search.Found(), (Hits{{"the text in [heap]", kText / 8}}));
 }
 
-TEST_F(LookupMemory, HoldsNeitherTextNorKeyWhereNothingIsAnswered) {
+TEST_F(LookupMemory, HoldsNeitherTextNorKeyAfterALookupThatAnswersNull) {
     for (const char* const key :
          {"IDE_DAMAGED", "IDE_OTHER_KEY", "IDE_READABLE", "IDE_NOT_THERE", "NOT_THERE"}) {
         const char* const answer = ZuGetLocalizedString(key);

@@ -52,7 +52,7 @@ TEST(ProtectedAllocationFailure, IsNeverThrownAndNeverAnswersGarbage) {
         } else {
             // A copy made only for measuring can fail unnoticed.
             EXPECT_EQ(answer, text);
-            EXPECT_GT(n, 1U) << "the first is the sizing call's, which has failed then";
+            EXPECT_GT(n, 1U) << "the first one is in the sizing call, which would have failed";
             ++texts;
         }
     }
@@ -102,7 +102,7 @@ TEST(ProtectedLookup, LeavesNothingBehindButTheCachesEntry) {
 TEST(ProtectedFreedMemory, HoldsNeitherTextNorKeys) {
     // An answer ends at the NUL; what follows it is cleared as well.
     const std::string answer = "another text";
-    const std::string text = answer + '\0' + "that nobody is to find in memory that was given back";
+    const std::string text = answer + '\0' + "that must not be found in memory that has been freed";
     const TemporaryBundle bundle;
     const Bytes key = DevelopmentKey();
     const Bytes derived = DerivedBlocks(key);

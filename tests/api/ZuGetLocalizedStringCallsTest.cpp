@@ -88,7 +88,7 @@ TEST_F(DecoderCalls, IsOneInEachLookupOfAnUndecodableText) {
     EXPECT_STREQ(ZuGetLocalizedString("IDE_NEVER"), "text") << "nothing was kept of it";
 }
 
-TEST_F(DecoderCalls, AreNoneForAnOrdinaryMissingOrGatedKey) {
+TEST_F(DecoderCalls, AreNotMadeForAPlainOrMissingKeyOrAfterAFailedLoad) {
     EXPECT_EQ(ZuGetLocalizedString("ide_none"), gStoredText);
     EXPECT_EQ(ZuGetLocalizedString("MENU_OPEN"), gStoredText);
     EXPECT_EQ(ZuGetLocalizedString("ID"), gStoredText);

@@ -52,9 +52,9 @@ TEST_F(ZuGetLocalizedStringTest, LeavesNeitherKeysNorTextOnTheStack) {
     GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
 #endif
     const std::string text =
-        "a text that nobody is to find on the stack of a lookup, and so long that a copy of it "
-        "passes through several vector registers, however wide the processor's happen to be; the "
-        "last words, too, are to be gone";
+        "a text that must not be found on the stack of a lookup, and so long that a copy of it "
+        "passes through several vector registers, however wide those of the processor are; its "
+        "last words must not be found, either";
     ASSERT_EQ(Load(Line("IDE_BEFORE", "x") + Line("IDE_ON_STACK", text)), 3);
     ZuGetLocalizedString("IDE_BEFORE");  // warm-up: the loader does more at a first call
     const char* answer = nullptr;
@@ -91,7 +91,7 @@ TEST_F(ZuGetLocalizedStringTest, ProtectsByTheFirstThreeBytes) {
     }
 }
 
-TEST_F(ZuGetLocalizedStringTest, IsClosedAfterALoadThatFailed) {
+TEST_F(ZuGetLocalizedStringTest, AnswersNullAfterALoadThatFailed) {
     ASSERT_EQ(Load("MENU_SHUT=\"Shut\"\n" + Line("IDE_SHUT", "Shut")), 3);
     EXPECT_STREQ(ZuGetLocalizedString("IDE_SHUT"), "Shut");
     ASSERT_EQ(ZuLoadStrings("en", "missing", m_bundle.Get()), 0);
@@ -101,7 +101,7 @@ TEST_F(ZuGetLocalizedStringTest, IsClosedAfterALoadThatFailed) {
     EXPECT_EQ(ZuGetLocalizedString("QVLANG"), nullptr);
 
     ASSERT_EQ(KorLoadStrings("en", "x.strings", m_bundle.Get()), 3);
-    EXPECT_EQ(ZuGetLocalizedString("MENU_SHUT"), nullptr) << "KorLoadStrings opens no gate";
+    EXPECT_EQ(ZuGetLocalizedString("MENU_SHUT"), nullptr) << "KorLoadStrings does not change that";
     ASSERT_EQ(ZuLoadStrings("en", "x.strings", m_bundle.Get()), 3);
     EXPECT_STREQ(ZuGetLocalizedString("MENU_SHUT"), "Shut");
 }

@@ -58,7 +58,7 @@ TEST(CCryptLibException, CarriesACodeAndNothingElse) {
     EXPECT_THROW(throw CCryptLibException(1), std::exception);
 }
 
-TEST(CCryptAES, HasItsPlaceInTheTreeOfClasses) {
+TEST(CCryptAES, HasItsPlaceInTheClassHierarchy) {
     EXPECT_TRUE((std::is_base_of_v<CCryptBase, CCryptAESBase>));
     EXPECT_TRUE((std::is_base_of_v<CCryptAESBase, CCryptAES>));
     EXPECT_TRUE(std::is_abstract_v<CCryptBase>);
@@ -164,7 +164,7 @@ TEST(CCryptAES, UsesTheKeyIVModeAndPaddingItWasGiven) {
     EXPECT_NE(encrypted(cbc, 1, 0), text);
     EXPECT_NE(encrypted(cbc, 0, 1), text);
     EXPECT_NE(encrypted(ecb, 0, 0), text);
-    EXPECT_EQ(encrypted(ecb, 0, 1), encrypted(ecb, 0, 0)) << "ECB has no use for the IV";
+    EXPECT_EQ(encrypted(ecb, 0, 1), encrypted(ecb, 0, 0)) << "ECB does not use the IV";
     EXPECT_EQ(encrypted(unpadded, 0, 0), text.substr(0, 64));
 }
 
@@ -204,7 +204,8 @@ TEST(CCryptAES, ChecksPointersAndLengthFirst) {
         EXPECT_EQ(crypt(data.data(), nullptr, 48), 402);
         EXPECT_EQ(crypt(data.data(), &n, 31), 12);
         EXPECT_EQ(crypt(data.data(), &n, 0), 12);
-        EXPECT_EQ(crypt(data.data(), &n, 32), 452) << "equal is accepted, so the parameters' turn";
+        EXPECT_EQ(crypt(data.data(), &n, 32), 452)
+            << "equal is accepted, so the parameters are checked next";
         n = static_cast<std::size_t>(-1);
         EXPECT_EQ(crypt(data.data(), &n, 48), 12) << "compared as unsigned";
         n = 32;
@@ -311,7 +312,7 @@ TEST(CCryptAES, MeasuresDamagedDataTooButDoesNotDecryptIt) {
     EXPECT_EQ(aes.GetDecryptedSize(data.data(), 0), 0U);
 }
 
-TEST(CCryptAES, MeasuresNoLengthThatCannotBe) {
+TEST(CCryptAES, MeasuresNoLengthThatIsTooLargeToCopy) {
     CCryptAES aes;
     Configure(aes, {});
     const std::uint8_t byte = 0;

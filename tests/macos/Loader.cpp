@@ -1,6 +1,6 @@
 // Runs a program for macOS on x86-64 in a Linux process: maps it and the libraries beside it, binds
 // them to Linux's libraries, and calls their initialisers and main. What Linux's libraries lack or do
-// otherwise is in Shims.cpp and StandIns.cpp.
+// differently is in Shims.cpp and StandIns.cpp.
 //
 // Usage: macos-loader PROGRAM ARGUMENT…
 #include "tests/macos/Loader.h"
@@ -144,8 +144,8 @@ char* FindIn(const Image& image, const std::string& symbol) {
     return found != image.exports.end() ? found->second : nullptr;
 }
 
-// Finds a symbol of macOS's libraries among Linux's, whose names have no underscore before them and
-// no variant behind, such as "$INODE64".
+// Finds a symbol of macOS's libraries among Linux's, whose names have neither the underscore before
+// them nor a variant after them, such as "$INODE64".
 char* FindInProcess(const std::string& symbol) {
     const std::string name = symbol.substr(symbol[0] == '_' ? 1 : 0, symbol.find('$') - 1);
     void* const shim = dlsym(RTLD_DEFAULT, ("macos_" + name).c_str());

@@ -1,4 +1,4 @@
-// What macOS's libraries do otherwise than Linux's: the functions and variables have macOS's names,
+// What macOS's libraries do differently from Linux's: the functions and variables have macOS's names,
 // after "macos_". Those that are not here are Linux's own.
 #include <atomic>
 #include <cctype>
@@ -203,7 +203,7 @@ int macos_pthread_sigmask(int, const std::uint32_t*, std::uint32_t* before) {
     return 0;
 }
 
-// Programs are started by another loader. What is to be done before is a pointer to Linux's list.
+// A program is started in a loader of its own. macOS's list of file actions is a pointer to Linux's.
 using Actions = posix_spawn_file_actions_t;
 int macos_posix_spawn(pid_t* process, const char* path, Actions* const* actions, const void*,
                       char* const* arguments, char* const* environment) {
@@ -234,8 +234,8 @@ int macos_posix_spawn_file_actions_destroy(Actions** actions) {
     return 0;
 }
 
-// GoogleTest's own: regular expressions, which Linux's regex_t is too large for, so that macOS's holds a
-// pointer to it; the program's arguments; the number of threads.
+// What GoogleTest needs: regular expressions, whose regex_t is larger on Linux, so that macOS's holds a
+// pointer to one; the program's arguments; the number of threads.
 int macos_regcomp(regex_t** regex, const char* pattern, int flags) {
     *regex = static_cast<regex_t*>(std::malloc(sizeof(regex_t)));
     return regcomp(*regex, pattern, flags);

@@ -61,7 +61,7 @@ void AppendEntry(std::string& dwarf, const std::string& entry) {
     dwarf += entry;
 }
 
-// DWARF's numbers of registers, and its two instructions that are needed. Distances from the
+// DWARF's numbers of registers, and the two of its instructions that are needed. Distances from the
 // caller's frame are in words, downwards.
 constexpr char kFramePointer = 6;
 constexpr char kReturnAddress = 16;

@@ -296,7 +296,7 @@ TEST(CommonCryptor, WantsWholeBlocksToUnpad) {
     }
 }
 
-TEST(CommonCryptor, HasNoRoomForMoreThanASizeCanSay) {
+TEST(CommonCryptor, RefusesALengthThatOverflowsWithItsPadding) {
     std::uint8_t byte = 0;
     for (const std::size_t less : {0U, 1U, 15U}) {
         std::size_t moved = 0;

@@ -54,14 +54,14 @@ TEST(ResourcePathCoreFoundation, AsksForTheMainBundleWhenGivenNone) {
     EXPECT_EQ(system.calls, expected) << "and it is not released";
 }
 
-TEST(ResourcePathCoreFoundation, DoesNotAskForTheConversionsResult) {
+TEST(ResourcePathCoreFoundation, IgnoresTheConversionsResult) {
     CoreFoundationStandIn system;
     system.path = "/x";
     system.conversionResult = false;
     EXPECT_EQ(PathOf(GivenBundle(), "x.strings"), "/x");
 }
 
-TEST(ResourcePathCoreFoundation, TakesAnEmptyOrUnendedBufferAsNoPath) {
+TEST(ResourcePathCoreFoundation, TreatsAnEmptyOrUnterminatedBufferAsNoPath) {
     const struct {
         std::string written;
         std::string path;
@@ -136,7 +136,7 @@ TEST(KorLoadStringsOverCoreFoundation, LoadsTheFileAndKeepsTheTableWithoutAPath)
     system.calls.clear();
     EXPECT_EQ(KorLoadStrings(nullptr, "x.strings", GivenBundle()), 0);
     EXPECT_EQ(KorLoadStrings("en", nullptr, GivenBundle()), 0);
-    EXPECT_EQ(system.calls, Calls()) << "nothing is asked of the system without both names";
+    EXPECT_EQ(system.calls, Calls()) << "without both names no call is made";
 }
 
 }  // namespace

@@ -19,14 +19,14 @@ namespace {
 std::string PathOf(__CFBundle* bundle, const std::string& fileName) {
     struct {
         char path[kResourcePathCapacity] = {};
-        char behind = '\x5A';
+        char after = '\x5A';
     } room;
     GetResourcePath(bundle, fileName.c_str(), room.path);
-    EXPECT_EQ(room.behind, '\x5A');
+    EXPECT_EQ(room.after, '\x5A');
     return room.path;
 }
 
-// The path in a bundle opened for this question only; "no bundle" if it can't be opened.
+// The path in the bundle at a folder, or "no bundle" if it can't be opened.
 std::string PathIn(const std::string& bundlePath, const std::string& fileName) {
     __CFBundle* const bundle = ZuOpenBundle(bundlePath.c_str());
     if (bundle == nullptr) {
@@ -57,7 +57,7 @@ TEST(ZuOpenBundle, TakesAFolderAndNothingElse) {
     ZuCloseBundle(nullptr);
 }
 
-TEST(ZuOpenBundle, TakesARelativePathFromTheFolderThatIsCurrent) {
+TEST(ZuOpenBundle, ResolvesARelativePathAgainstTheCurrentFolder) {
     const TemporaryFolder folder;
     const fs::path root = fs::canonical(folder.Path());
     fs::create_directory(root / "b");
@@ -128,7 +128,7 @@ TEST(ResourcePath, FollowsALinkAndKeepsItsName) {
     EXPECT_EQ(PathIn(folder.Path() / "link", "x"), folder.Path() / "link/Contents/Resources/x");
 }
 
-TEST(ZuOpenBundle, OfALinkIsTheFolderThatItLeadsToAtEachLoad) {
+TEST(ZuOpenBundle, FollowsALinkAgainAtEachLoad) {
     const TemporaryFolder folder;
     fs::create_directories(folder.Path() / "one");
     fs::create_directories(folder.Path() / "two" / "Resources");

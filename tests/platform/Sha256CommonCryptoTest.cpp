@@ -10,7 +10,7 @@
 
 namespace {
 
-std::string gHashed;  // what the system was asked to hash
+std::string gHashed;  // what the system was given to hash
 
 TEST(Sha256CommonCrypto, HashesTheBytesInOneCall) {
     const std::string bytes("a\0b", 3);

@@ -21,12 +21,12 @@ TEST(UnknownExecutable, HasNoMainBundle) {
     ASSERT_EQ(ZuLoadStrings("en", "x", bundle.Get()), 2);
     gIsUnknown = true;
     EXPECT_EQ(ZuLoadStrings("en", "x", nullptr), 0);
-    EXPECT_FALSE(gIsUnknown) << "the call was asked";
+    EXPECT_FALSE(gIsUnknown) << "the call was made";
     EXPECT_STREQ(KorGetLocalizedString("MENU_OPEN"), "Open") << "the table stays";
 }
 
-// A file that can't be seen is no reason to cut its path: only the system's own ending is.
-TEST(UnknownExecutable, KeepsAPathThatIsNotThere) {
+// Only the ending that the system adds is removed, not that of a file's own name.
+TEST(UnknownExecutable, KeepsAPathThatDoesNotExist) {
     const TemporaryFolder folder;
     folder.Write("x", "QVLANG=en\nMENU_OPEN=Open\n");
     for (const std::string ending : {"", " (deleted)"}) {

@@ -102,7 +102,7 @@ has_target library_tests || fail "the tests stay off after the tools are on agai
 
 # No install rules.
 accepts -DORVA_INSTALL=OFF
-cmake --install "$tree" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "nothing could not be installed:"
+cmake --install "$tree" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "installing fails without install rules:"
 [ ! -e "$work/prefix" ] || fail "installed: $(find "$work/prefix")"
 
 # Cross-builds: for another system as far as CMake knows, but with the native compilers.

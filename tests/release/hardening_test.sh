@@ -22,10 +22,10 @@ imports=$(nm --dynamic --undefined-only --without-symbol-versions "$library")
 holds() { grep -qE -- "$2" <<<"$1"; }
 lacks() { ! holds "$@"; }
 
-expect "relocations that are read-only afterwards" holds "$segments" '^ *GNU_RELRO '
+expect "relocations made read-only" holds "$segments" '^ *GNU_RELRO '
 expect "symbols bound at start" holds "$dynamic" '\(FLAGS\).*BIND_NOW'
-expect "a text without relocations" lacks "$dynamic" 'TEXTREL'
-expect "a stack's segment" holds "$segments" '^ *GNU_STACK '
+expect "no relocations in the code" lacks "$dynamic" 'TEXTREL'
+expect "a stack segment" holds "$segments" '^ *GNU_STACK '
 expect "a stack that can't be executed" lacks "$segments" '^ *GNU_STACK .* RWE '
 expect "no segment both writable and executable" lacks "$segments" '^ *LOAD .* RWE '
 compilations=$(grep -E -- ' -o CMakeFiles/orva_(objects|platform)\.dir/' "$commands")

@@ -41,7 +41,7 @@ for standard in c++17 c++20 c++2b; do
 done
 runs "no position-independent code" "$CXX" "${flags[@]}" -std=c++17 -fno-pie -no-pie
 grep -q 'R_.*_COPY .*gMapLocalizedStrings' <<<"$(readelf --wide --relocs "$work/Host.app/Contents/Any/host")" ||
-    fail "This host was to take a copy of where the table is"
+    fail "The linker did not copy the reference to the table into this host"
 copies_no_table
 runs "position-independent code" "$CXX" "${flags[@]}" -std=c++17 -fPIE -pie
 copies_no_table

@@ -94,7 +94,7 @@ holds() { # COMPONENT; the expected files on standard input, perhaps with empty 
         s/(Targets|Tools)-[a-z]+\.cmake\$/\1-CONFIG.cmake/
         s/(\.so\.[0-9]+)\.[0-9.]+\$/\1.M.P/" | LC_ALL=C sort)
     if ! diff <(echo "$found") <(sed '/^$/d'); then
-        echo "the component $1 holds (left) what it should not (right)"
+        echo "the component $1: found (left), expected (right)"
         exit 1
     fi
 }
@@ -125,22 +125,22 @@ run "$work/without_tools/cmake_c_host" "2 entries"
 [ ! -e "$work/without_tools/Shipped.strings" ] || { echo "the hosts found another orva-strings"; exit 1; }
 
 # Requesting a component that is not installed is an error.
-mkdir "$work/asking"
-cat >"$work/asking/CMakeLists.txt" <<'END'
+mkdir "$work/requests"
+cat >"$work/requests/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.22)
-project(Asking LANGUAGES C)
+project(Requests LANGUAGES C)
 find_package(OrvaLanguage REQUIRED COMPONENTS runtime development ${more})
 END
-asks() { # PREFIX COMPONENT
-    cmake -S "$work/asking" -B "$work/asking/${1##*/}$2" -G "$GENERATOR" -DCMAKE_C_COMPILER="$CC" \
+requests() { # PREFIX COMPONENT
+    cmake -S "$work/requests" -B "$work/requests/${1##*/}$2" -G "$GENERATOR" -DCMAKE_C_COMPILER="$CC" \
         -DCMAKE_PREFIX_PATH="$1" -Dmore="$2" >"$work/cmake.log" 2>&1
 }
-asks "$work/prefix" tools || { cat "$work/cmake.log"; exit 1; }
-asks "$work/development" "" || { cat "$work/cmake.log"; exit 1; }
-for asked in "development tools" "prefix nonsense"; do
+requests "$work/prefix" tools || { cat "$work/cmake.log"; exit 1; }
+requests "$work/development" "" || { cat "$work/cmake.log"; exit 1; }
+for request in "development tools" "prefix nonsense"; do
     # shellcheck disable=SC2086  # two words
-    set -- $asked
-    if asks "$work/$1" "$2"; then
+    set -- $request
+    if requests "$work/$1" "$2"; then
         echo "find_package finds a component $2 where none is installed"
         exit 1
     fi

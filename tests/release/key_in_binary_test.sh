@@ -87,7 +87,7 @@ refused "must hold 64 hexadecimal digits, but has other characters." "$work/lett
 configure development ""
 grep -qF "Protected texts: the development key, which is public; for a release, set ORVA_KEY_FILE to a key file" "$work/configure-development.log"
 if grep -q "development" "$work/configure-build.log" "$work/configure-again.log"; then
-    echo "a build with its own key speaks of the development key"
+    echo "a build with its own key mentions the development key"
     exit 1
 fi
 echo "neither the key nor what is derived from it is in the library"

@@ -46,10 +46,10 @@ ours() { # FOLDER: how the library's sources are compiled
 }
 
 # The shipped library still shows its key, whatever the compiler and the linker leave out.
-tells() { # FOLDER KEY: the two lines
+shows_key() { # FOLDER KEY: the two lines
     strip "$strip_all" -o "$work/stripped" "$(library_of "$1")"
     "$tool" key show --library "$work/stripped" >"$work/log" 2>&1 || true
-    [ "$(cat "$work/log")" = "$2" ] || fail "of the stripped library in the project $1, not '$2':"
+    [ "$(cat "$work/log")" = "$2" ] || fail "the stripped library in the project $1 does not show '$2', but:"
 }
 
 # An old standard, GNU extensions, no exceptions and no RTTI, by variables and by options. No build
@@ -75,7 +75,7 @@ grep -qF "BUILD_SHARED_LIBS=OFF: libOrvaLanguage" "$work/log" || fail "it does n
 echo 'set(BUILD_SHARED_LIBS ON)' >>"$work/strict.cmake"
 configure strict "${strict[@]}" -DORVA_SOURCE="$source" || fail "the project strict does not configure:"
 if grep -qE "Build type|is off" "$work/log"; then
-    fail "the library decides what is the project's to decide:"
+    fail "the library makes choices that belong to the project:"
 fi
 diff "$work/settings" <(settings) ||
     fail "the library changed the project's settings (left) to those on the right"
@@ -84,10 +84,10 @@ if grep -F -e -std=gnu++14 "$work/commands"; then
     fail "the project's -std=gnu++14 reaches the library's sources"
 fi
 if grep -F " $source/tools/" "$work/commands"; then
-    fail "the command is built, for which the project strict did not ask"
+    fail "the command is built, although the project strict did not request it"
 fi
 build strict "2 entries"
-tells strict "$("$tool" key show --key-file "$source/cmake/development.key")"
+shows_key strict "$("$tool" key show --key-file "$source/cmake/development.key")"
 cmake --install "$work/strict" --prefix "$work/prefix" >"$work/log" 2>&1 || fail "nothing is installed:"
 [ "$(cd "$work/prefix" && find . ! -type d)" = ./bin/parent_host ] || fail "installed: $(find "$work/prefix")"
 
@@ -112,7 +112,7 @@ if grep -vF -e -std=c++20 "$work/commands"; then
     fail "the library is not compiled as the project's C++20"
 fi
 build modern "2 entries, GREETING is Hello"
-tells modern "fingerprint: $fingerprint
+shows_key modern "fingerprint: $fingerprint
 development key: no"
 
 # Link-time optimisation may reorder the static objects of several sources.

@@ -53,7 +53,7 @@ development key: no" "$("$other_tool" key show --library "$library")"
     "$other_tool" protect --key-file "$1" -o "$work/shipped" "$work/readable"
     "$tool" protect "$work/readable" 2>"$work/notes" >"$work/stored"
     cmp "$work/shipped" "$work/stored"
-    [ ! -s "$work/notes" ] || fail "the command has something to say:" "$(cat "$work/notes")"
+    [ ! -s "$work/notes" ] || fail "the command printed:" "$(cat "$work/notes")"
     expect "what the command shows" 'IDEA="an idea"
 IDE_LICENSE="a licence"' "$("$tool" show --reveal "$work/shipped" IDEA IDE_LICENSE)"
     "$tool" reveal "$work/shipped" | cmp - "$work/readable"
@@ -77,10 +77,10 @@ holds_key "$work/release.key"
 cp "$work/shipped" "$work/shipped_first"
 
 # A build with another key can't read it.
-if told=$("$other_tool" show --reveal "$work/shipped" IDE_LICENSE 2>&1); then
-    fail "a build with another key shows: $told"
+if output=$("$other_tool" show --reveal "$work/shipped" IDE_LICENSE 2>&1); then
+    fail "a build with another key shows: $output"
 fi
-[[ $told == *": error: IDE_LICENSE: the value does not decode"* ]] || fail "$told"
+[[ $output == *": error: IDE_LICENSE: the value does not decode"* ]] || fail "$output"
 
 # Another key in the same file: the next build picks it up, with no other step.
 cp "$work/second.key" "$work/release.key"
@@ -90,4 +90,4 @@ cp "$work/shipped_first" "$build/examples/SampleHost.app/Contents/Resources/Samp
 expect "what the host shows of the first key's text" "(no such text)" "$(shown en)"
 "$tool" rekey --from "$work/first.key" --to "$work/second.key" "$work/shipped_first" |
     cmp - "$work/shipped"
-echo "keys of its own: built, shown, changed"
+echo "a build with its own key: built, shown, and built again with another"

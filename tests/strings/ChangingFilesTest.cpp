@@ -56,12 +56,13 @@ class ChangingFiles : public HostileFiles {
 protected:
     void SetUp() override {
 #ifdef _LIBCPP_VERSION
-        GTEST_SKIP() << "libc++ reads through the C library, whose own reads can't be bent";
+        GTEST_SKIP()
+            << "libc++ reads through the C library, whose own calls of read can't be replaced";
 #endif
     }
 
     // Loads with the event before the n-th read, for every n.
-    void TryAtEveryRead(const std::string& file, std::size_t mostBytes, const Event& event) const {
+    void TryAtEveryRead(const std::string& file, std::size_t maxBytes, const Event& event) const {
         for (const char* language : {"en", "DE", "none"}) {
             bool hasHappened = true;
             for (std::size_t n = 1; hasHappened; ++n) {
@@ -71,7 +72,7 @@ protected:
                 std::string again = file;
                 hasHappened = false;
                 ReadFaults::Plan plan;
-                plan.mostBytes = mostBytes;
+                plan.maxBytes = maxBytes;
                 plan.failures = event.failures;
                 plan.error = event.error;
                 plan.turn = n;
@@ -91,7 +92,7 @@ protected:
                 const Table expected = TableOf(first, again, language);
                 ASSERT_EQ(entries, static_cast<int>(expected.size()));
                 ASSERT_TRUE(TableIs(expected)) << ::testing::PrintToString(LoadedTable());
-                ASSERT_TRUE(n > 1 || hasHappened) << "no read came by here";
+                ASSERT_TRUE(n > 1 || hasHappened) << "no read was replaced";
             }
         }
     }
@@ -104,13 +105,13 @@ TEST_F(ChangingFiles, AFileThatShrinksEndsWhereItIsCut) {
     const std::string longFile = LongFile("text");
     const struct {
         std::string file;
-        std::size_t mostBytes;
+        std::size_t maxBytes;
     } cases[] = {{longFile, ReadFaults::kAll}, {kShortFile, 3}};
     for (const auto& c : cases) {
         for (const std::size_t part : Sizes{0, 1, 4, 7, 9}) {
             const std::size_t size = c.file.size() * part / 10;
             SCOPED_TRACE("cut at " + std::to_string(size));
-            TryAtEveryRead(c.file, c.mostBytes,
+            TryAtEveryRead(c.file, c.maxBytes,
                            {[&] { std::filesystem::resize_file(Path("x"), size); },
                             [&](std::size_t bytes) { return UpTo(c.file, std::max(size, bytes)); },
                             UpTo(c.file, size)});
@@ -153,17 +154,17 @@ TEST_F(ChangingFiles, AFileThatIsRewrittenInPlaceIsReadAsItsBytesCome) {
 TEST_F(ChangingFiles, AFailedReadEndsTheFile) {
     const struct {
         std::string file;
-        std::size_t mostBytes;
+        std::size_t maxBytes;
     } cases[] = {{LongFile("text"), ReadFaults::kAll}, {kShortFile, 1}, {kShortFile, 7}};
     for (const auto& c : cases) {
         const auto reading = [&](std::size_t bytes) { return LeftByAFailure(UpTo(c.file, bytes)); };
         // One failure, so that a second reading succeeds; then failures from there on.
-        TryAtEveryRead(c.file, c.mostBytes, {[] {}, reading, c.file, 1});
-        TryAtEveryRead(c.file, c.mostBytes, {[] {}, reading, "", ReadFaults::kAll});
+        TryAtEveryRead(c.file, c.maxBytes, {[] {}, reading, c.file, 1});
+        TryAtEveryRead(c.file, c.maxBytes, {[] {}, reading, "", ReadFaults::kAll});
     }
 }
 
-TEST_F(ChangingFiles, AnInterruptedReadIsTakenUpAgain) {
+TEST_F(ChangingFiles, AnInterruptedReadIsRetried) {
     const std::string longFile = LongFile("text");
     for (const std::string& file : {kShortFile, longFile}) {
         TryAtEveryRead(file, file.size() / 3,
@@ -176,11 +177,11 @@ TEST_F(ChangingFiles, ShortReadsMakeTheSameTable) {
     for (const std::string& file : {kShortFile, longFile}) {
         m_bundle.Write("x", file);
         for (const char* language : {"en", "DE", "none"}) {
-            for (const std::size_t mostBytes : Sizes{1, 2, 3, 1000}) {
-                SCOPED_TRACE(std::string(language) + ", reads of " + std::to_string(mostBytes));
+            for (const std::size_t maxBytes : Sizes{1, 2, 3, 1000}) {
+                SCOPED_TRACE(std::string(language) + ", reads of " + std::to_string(maxBytes));
                 const Table expected = naive::Table(file, language);
                 ReadFaults::Plan plan;
-                plan.mostBytes = mostBytes;
+                plan.maxBytes = maxBytes;
                 int entries = 0;
                 {
                     const ReadFaults faults(plan);
@@ -189,7 +190,7 @@ TEST_F(ChangingFiles, ShortReadsMakeTheSameTable) {
                 EXPECT_EQ(entries, static_cast<int>(expected.size()));
                 EXPECT_TRUE(TableIs(expected));
                 // At least to the end of the first section.
-                EXPECT_GE(ReadFaults::Calls(), file.rfind("QVLANG=") / mostBytes);
+                EXPECT_GE(ReadFaults::Calls(), file.rfind("QVLANG=") / maxBytes);
             }
         }
     }

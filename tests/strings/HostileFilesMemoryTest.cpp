@@ -194,7 +194,7 @@ private:
     bool m_isSet = false;
 };
 
-TEST_F(HostileFilesMemory, ALineThatMemoryDoesNotSufficeForEndsTheFile) {
+TEST_F(HostileFilesMemory, ALineTooLongForMemoryEndsTheFile) {
     if (kHasSanitizer) {
         GTEST_SKIP() << "a sanitizer needs the address space for itself";
     }

@@ -51,7 +51,7 @@ TEST_F(HostileFiles, AMillionSectionsAreSearchedToTheLast) {
     EXPECT_TRUE(Loads(file, "section 2", {{"QVLANG", "section 2"}}));
 }
 
-TEST_F(HostileFiles, OfAMillionEntriesWithOneKeyTheFirstStays) {
+TEST_F(HostileFiles, AMillionEntriesWithOneKeyKeepTheFirst) {
     std::string file = "QVLANG=en\n";
     for (std::size_t i = 1; i <= 1'000'000 / kPart; ++i) {
         file += "SAME=" + std::to_string(i) + "\n";
@@ -218,7 +218,7 @@ TEST_F(HostileFiles, WhatIsNotOpenedKeepsTheTableAndWhatHoldsNothingEmptiesIt) {
     }
 }
 
-// While it lives, the process is another user than root, who may read everything.
+// While it lives, the process does not run as root, who may read everything.
 class NotRoot {
 public:
     NotRoot() : m_user(geteuid()) {

@@ -42,7 +42,7 @@ const char kTwoLanguages[] =
 const Table kEnglish = {{"QVLANG", "en"}, {"MENU_OPEN", "Open"}, {"QVREGION", "US"}};
 const Table kFrench = {{"QVLANG", "fr"}, {"MENU_OPEN", "Ouvrir"}};
 
-TEST(KorLoadStrings, LoadsTheSectionAskedForOrElseTheFirst) {
+TEST(KorLoadStrings, LoadsTheRequestedSectionOrElseTheFirst) {
     const struct {
         std::string file;
         const char* language;

@@ -38,7 +38,7 @@ public:
 private:
     static void Require(int result) {
         if (result != 1) {
-            throw std::logic_error("OpenSSL refused what it does not refuse");
+            throw std::logic_error("OpenSSL refused a valid call");
         }
     }
 

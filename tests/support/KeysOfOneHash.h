@@ -17,7 +17,7 @@ inline std::vector<std::string> KeysOfOneHash(std::uint64_t count) {
     std::vector<std::string> keys;
     for (std::uint64_t i = 0; i < count; ++i) {
         keys.push_back(front + std::string(reinterpret_cast<const char*>(&i), sizeof i) +
-                       "the same 24 bytes behind");
+                       "the same 24 bytes follow");
         EXPECT_EQ(StringMap::Hash(keys.back()), StringMap::Hash(keys.front()));
     }
     EXPECT_NE(StringMap::Hash(keys.front()), 0U);

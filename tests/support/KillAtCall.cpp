@@ -1,10 +1,13 @@
-// Linked into the tool, replaces the calls by which a file is replaced or a bundle made. KILL_AT
-// kills the process at the call of that number: before it, halfway through a write, and after
-// making a folder. INTERRUPT_AT raises a signal there that can be held off: SIGNAL, a number.
-// ACT_AT first runs the command ACT there, like another program at work at the same time. CALLS
-// names a file for the calls' numbers and names. SHORT_TRANSFERS interrupts every other read or
-// write and limits the others to 100 bytes. SHARED_POSITION makes opening /dev/fd/N duplicate N, as
-// on macOS.
+// Linked into the tool; replaces and numbers the calls by which it replaces a file or makes a bundle.
+// Environment variables choose what happens at them:
+//   KILL_AT          kills the process at the call of this number: before it, halfway through a
+//                    write, and after making a folder
+//   INTERRUPT_AT     raises a signal, which can be blocked, at the call of this number
+//   SIGNAL           that signal's number; SIGINT by default
+//   ACT_AT, ACT      before the call of this number, runs the command ACT, as another program might
+//   CALLS            the file to which the calls' numbers and names are written
+//   SHORT_TRANSFERS  interrupts every other read or write, and limits the others to 100 bytes
+//   SHARED_POSITION  makes opening /dev/fd/N duplicate N, as on macOS
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -40,7 +43,7 @@ void Act() {
     }
 }
 
-// Does what the environment demands at this call.
+// Does what the environment variables choose for this call.
 void Note(const char* name) {
     ++gCall;
     if (const char* const path = std::getenv("CALLS")) {

@@ -25,7 +25,7 @@ TEST(OpenBundleCoreFoundation, OpensAndCloses) {
     EXPECT_EQ(system.owned, Calls());
 }
 
-TEST(OpenBundleCoreFoundation, AnswersNullWhereTheSystemDoes) {
+TEST(OpenBundleCoreFoundation, ReturnsNullWhereTheSystemDoes) {
     CoreFoundationStandIn system;
     system.nullObject = "path URL";
     EXPECT_EQ(OpenBundle("/folder/\xC3\xB6"), nullptr);

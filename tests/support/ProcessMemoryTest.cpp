@@ -49,7 +49,7 @@ protected:
 #ifdef ORVA_MEMORY_IS_SHADOWED
         GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
 #endif
-        ASSERT_EQ(m_search.Found(), Hits()) << "it is found where nobody has put it";
+        ASSERT_EQ(m_search.Found(), Hits()) << "it is found before a test has put it anywhere";
     }
 
     // Where the whole secret was found, "nowhere", or what was found of it.

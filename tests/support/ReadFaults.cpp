@@ -59,7 +59,7 @@ extern "C" ssize_t read(int file, void* bytes, size_t length) {
         errno = gPlan->error;
         return -1;
     }
-    const ssize_t got = systems(file, bytes, std::min(length, gPlan->mostBytes));
+    const ssize_t got = systems(file, bytes, std::min(length, gPlan->maxBytes));
     Note(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
     return got;
 }

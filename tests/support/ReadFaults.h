@@ -19,8 +19,8 @@ public:
     };
 
     struct Plan {
-        std::size_t mostBytes = kAll;  // most bytes that one read returns
-        std::size_t turn = 0;          // the number of a read, from 1; 0: none
+        std::size_t maxBytes = kAll;  // of one read
+        std::size_t turn = 0;         // the number of a read, from 1; 0: none
         std::function<void(const Progress&)> beforeTurn = [](const Progress&) {};
         std::size_t failures = 0;  // how many reads fail, from the turn on
         int error = EIO;           // their error

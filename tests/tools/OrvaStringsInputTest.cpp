@@ -100,7 +100,7 @@ protected:
         Check(pipe(ends) == 0, "pipe");
         CloseOnExec(ends);
         std::thread writer([&] {
-            // If the command ends without reading, the write fails, which is no signal's matter here.
+            // If the command ends without reading, the write must fail instead of raising a signal.
             sigset_t broken;
             sigemptyset(&broken);
             sigaddset(&broken, SIGPIPE);
@@ -114,7 +114,7 @@ protected:
             close(ends[1]);
         });
         const int status = RunWith(ends[0], arguments);
-        close(ends[0]);  // now, so that a writer who still waits goes on
+        close(ends[0]);  // now, so that a waiting writer goes on
         writer.join();
         return status;
     }

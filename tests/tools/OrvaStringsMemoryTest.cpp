@@ -390,7 +390,7 @@ TEST_F(OrvaStringsMemory, IsInNoTemporaryFile) {
     }
     EXPECT_EQ(Run({"show", Path("built-in")}), 0);
     char event[4096];
-    EXPECT_GT(read(watch, event, sizeof event), 0) << "one that is made shows";
+    EXPECT_GT(read(watch, event, sizeof event), 0) << "the watch notices a file";
     close(watch);
 }
 

@@ -362,7 +362,7 @@ TEST_F(OrvaStringsSystemCalls, ReadStandardInput) {
 
 TEST_F(OrvaStringsSystemCalls, MakeACopyToShow) {
     const std::string copy = "TMP/Contents/Resources/strings";
-    const char copyTold[] = "/Contents/Resources/strings: Input/output error";
+    const char copyReported[] = "/Contents/Resources/strings: Input/output error";
     const Steps steps = {
         {"open file O_RDONLY|O_CLOEXEC", kReported},
         {"fstat file", kReported},
@@ -373,12 +373,12 @@ TEST_F(OrvaStringsSystemCalls, MakeACopyToShow) {
         {"mkdtemp tmp/orva-XXXXXX", "tmp/orva-XXXXXX: Input/output error"},
         {"mkdir TMP/Contents 700", "/Contents: Input/output error"},
         {"mkdir TMP/Contents/Resources 700", "/Contents/Resources: Input/output error"},
-        {"open " + copy + " O_RDWR|O_CREAT|O_EXCL|O_CLOEXEC 600", copyTold},
-        {"unlink " + copy, copyTold},  // so that no named file holds anything
-        {"fchmod " + copy + " 600", copyTold},
-        {"write " + copy, copyTold},
-        {"lseek " + copy, copyTold},
-        {"symlink " + copy, copyTold},
+        {"open " + copy + " O_RDWR|O_CREAT|O_EXCL|O_CLOEXEC 600", copyReported},
+        {"unlink " + copy, copyReported},  // so that no named file holds anything
+        {"fchmod " + copy + " 600", copyReported},
+        {"write " + copy, copyReported},
+        {"lseek " + copy, copyReported},
+        {"symlink " + copy, copyReported},
         {"close " + copy, kGoesOn},
         {"release signals", kGoesOn},
     };

@@ -217,7 +217,7 @@ TEST_F(OrvaStrings, RefusesTextBeforeTheFirstQuote) {
         {"IDE_X=\xC2\xA0\"x\"", "IDE_X=\xC2\xA0\"x\"", true},
         {"IDE_X= \t\"" + stored + "\"", "IDE_X= \t\"x\"", false},
         {"IDE_X=\"" + stored, "IDE_X=\"x", false},
-        {"IDE_X=\"" + stored + "\" ; behind the last quote", "IDE_X=\"x\" ; behind the last quote",
+        {"IDE_X=\"" + stored + "\" ; after the last quote", "IDE_X=\"x\" ; after the last quote",
          false},
         {"IDE_X=" + stored, "IDE_X=x", false},
     };
@@ -666,7 +666,7 @@ TEST_F(OrvaStrings, ListsSections) {
 }
 
 // Its first three bytes alone make an entry a protected one.
-TEST_F(OrvaStrings, TakesEveryKeyThatBeginsWithIdeForProtected) {
+TEST_F(OrvaStrings, TreatsEveryKeyThatBeginsWithIdeAsProtected) {
     for (const std::string key : {"IDEA", "IDE1", "IDE ", "IDE_"}) {
         SCOPED_TRACE(key);
         const std::string header = "QVLANG=en\n";
@@ -827,7 +827,7 @@ TEST_F(OrvaStrings, CountsNotesAndBlankLinesInItsMessages) {
     }
 }
 
-TEST_F(OrvaStrings, SaysEverywhereAlikeThatThereIsNoSection) {
+TEST_F(OrvaStrings, ReportsAMissingSectionAlikeInEveryCommand) {
     const std::vector<std::string> commands[] = {
         {"protect", "--key-file", DEVELOPMENT_KEY, "-"},
         {"reveal", "-"},
@@ -1083,7 +1083,7 @@ TEST_F(OrvaStrings, RefusesAValueForAnOptionWithoutOne) {
     EXPECT_EQ(ReadFile(file), kReadable);
 }
 
-TEST_F(OrvaStrings, HelpsAndNamesItsVersion) {
+TEST_F(OrvaStrings, ShowsHelpAndItsVersion) {
     const std::string rekey =
         "  orva-strings rekey --from old.key --to new.key --in-place Sample.strings\n";
     EXPECT_EQ(Run({"--help"}), 0);
@@ -1361,7 +1361,7 @@ TEST_F(OrvaStrings, WritesNoFileWithoutAResult) {
     EXPECT_EQ(ReadFile(Path("out")), "old");
 }
 
-TEST_F(OrvaStrings, MakesAnOutputFileAsAnyNewFile) {
+TEST_F(OrvaStrings, GivesAnOutputFileTheModeOfAnyNewFile) {
     for (const mode_t mask : std::initializer_list<mode_t>{0, 022, 027, 077, 0277}) {
         const mode_t before = umask(mask);
         EXPECT_EQ(Run({"protect", "-", "-o", Path("out")}, kReadable), 0) << m_err;
@@ -1822,7 +1822,7 @@ TEST_F(OrvaStrings, LeavesNothingInTheTemporaryFolder) {
     unsetenv("TMPDIR");
 }
 
-TEST_F(OrvaStrings, TakesTheTemporaryFolderThatIsNamed) {
+TEST_F(OrvaStrings, MakesItsTemporaryFolderWhereTmpdirSays) {
     unsetenv("TMPDIR");
     EXPECT_EQ(TemporaryFolder().Path().parent_path(), "/tmp");
     setenv("TMPDIR", "", 1);

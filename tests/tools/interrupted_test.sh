@@ -89,7 +89,7 @@ stop_at_each_call "" 644 "$into_new" protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/other" 640 "$into_old" protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/old" 640 "$in_place" protect --in-place "$work/folder/file"
 
-# What another program does to the file before the last check stays, and nothing is left beside it.
+# A change that another program makes before the last check stays, and nothing is left beside the file.
 cat >"$work/look" <<'END'
 cd "$1"
 find . -mindepth 1 ! -name 'file.??????' -printf '%P %y %s %m %U %G %i %l\n' | sort
@@ -111,7 +111,7 @@ stays_at() { # N ACT
     act_at "$@"
     if [ "$status" != 2 ] || ! grep -q 'error:' "$work/err" ||
         ! sh "$work/look" "$work/folder" | cmp "$work/seen"; then
-        echo "'$2' at call $1 did not stay, $status"
+        echo "'$2' at call $1 did not stay, status $status"
         cat "$work/err"
         exit 1
     fi
@@ -120,7 +120,7 @@ is_replaced_at() { # N ACT
     act_at "$@"
     if [ "$status" != 0 ] || [ ! -f "$work/folder/file" ] ||
         ! cmp "$work/folder/file" "$work/new"; then
-        echo "'$2' at call $1 was not replaced, $status"
+        echo "'$2' at call $1 was not replaced, status $status"
         cat "$work/err"
         exit 1
     fi
@@ -216,7 +216,7 @@ for n in $(seq "$calls"); do
         exit 1
     fi
     if [ -n "$(find "$work/tmp" -mindepth 1 ! -type l -perm /077)" ]; then
-        echo "killed at call $n, show left what is not private"
+        echo "killed at call $n, show left something that others can access"
         exit 1
     fi
     rm -rf "$work/tmp/"*
@@ -247,8 +247,8 @@ if ! grep -qa __ubsan_handle "$tool"; then  # it opens files, too, and gives up 
     done
 fi
 
-if told=$(ulimit -f 10; show 2>&1) || [[ $told != *"/strings: File too large"* ]]; then
-    echo "a copy that can't be written is not told: $told"
+if output=$(ulimit -f 10; show 2>&1) || [[ $output != *"/strings: File too large"* ]]; then
+    echo "a copy that can't be written is not reported: $output"
     exit 1
 fi
 is_clean "no room"
@@ -261,7 +261,7 @@ for n in $(seq "$calls"); do
     status=0
     INTERRUPT_AT=$n "$tool" "${command[@]}" 2>/dev/null || status=$?
     if [ "$status" != 130 ] || ! grep -qxE '[0-9A-F]{64}' "$work/folder/file"; then
-        echo "INTERRUPT_AT=$n did not wait for the key, $status"
+        echo "INTERRUPT_AT=$n did not wait for the key, status $status"
         exit 1
     fi 2>/dev/null
 done
@@ -276,7 +276,7 @@ for n in $(seq "$calls"); do
     parts=$((parts + 1))
     status=0
     "$tool" key show --key-file "$work/folder/file" >/dev/null 2>&1 || status=$?
-    [ "$status" = 2 ] || { echo "part of a key is taken for one, $status"; exit 1; }
+    [ "$status" = 2 ] || { echo "part of a key is taken for a key, status $status"; exit 1; }
 done 2>/dev/null
 [ "$parts" -gt 0 ] || { echo "no part of a key was left, so SECURITY.md says too little"; exit 1; }
 echo "short transfers, limits, $show_calls kills of show, $calls interrupts and kills of a new key"

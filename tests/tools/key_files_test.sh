@@ -22,7 +22,7 @@ by_build() {
     elif grep -qF "ORVA_KEY_FILE: " "$work/log"; then
         echo refused
     else
-        fail "the build failed otherwise:"
+        fail "the build failed for another reason:"
     fi
 }
 by_command() {

@@ -140,7 +140,7 @@ TEST(StringsDocument, KnowsThePartsOfALineNearAProtectedEntry) {
     EXPECT_EQ(near[2].afterQuote, " z");
 }
 
-TEST(StringsDocument, TakesNoOtherWordForAProtectedEntry) {
+TEST(StringsDocument, MistakesNoOtherWordForAProtectedEntry) {
     std::vector<std::string> words = {"XDE_A", "IXE_A", "IDX_A", "XXE_A", "XDX_A", "IXX_A",
                                       "XXX_A", "ideA",  "ideZ",  "idea",  "idez",  "ID"};
     for (const char c :
@@ -184,7 +184,7 @@ TEST(StringsDocument, KnowsWhatIsNotReadAndWhy) {
     }
 }
 
-TEST(StringsDocument, WritesAValueWhereTheOldOneStood) {
+TEST(StringsDocument, WritesAValueInPlaceOfTheOldOne) {
     const struct {
         std::string line;
         std::string value;

@@ -124,7 +124,7 @@ TEST_F(LibraryFingerprint, NeedsNoMoreMemoryThanAPiece) {
     EXPECT_EQ(sum, 5000000U);
 }
 
-TEST_F(LibraryFingerprint, IsAskedOfOneFileThatCanBeRead) {
+TEST_F(LibraryFingerprint, NeedsOneReadableFile) {
     const std::string missing = Path("missing");
     EXPECT_EQ(Show({"--library", missing}), 2);
     EXPECT_EQ(m_err, "orva-strings: error: " + missing + ": No such file or directory\n");

@@ -15,7 +15,7 @@ namespace {
 
 const char kDigits[] = "0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF";
 
-TEST(KeyCleared, ClearsItsBytesInTheEnd) {
+TEST(KeyCleared, ClearsItsBytesWhenDestroyed) {
     alignas(MasterKey) unsigned char memory[sizeof(MasterKey)] = {};
     const auto isZero = [](unsigned char byte) { return byte == 0; };
     const MasterKey* const key = new (memory) MasterKey(MasterKey::FromText(kDigits, "key"));

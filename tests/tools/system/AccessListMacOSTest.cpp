@@ -58,7 +58,7 @@ TEST(AccessListMacOS, EmptiesItWhereThereIsNone) {
     EXPECT_EQ(gCalls, Calls({"get from", "init 0"}));
 }
 
-TEST(AccessListMacOS, AsksNoMoreOfAVolumeWithoutLists) {
+TEST(AccessListMacOS, MakesNoFurtherCallOnAVolumeWithoutLists) {
     for (const int error : {ENOTSUP, EOPNOTSUPP}) {
         EXPECT_TRUE(CopyWith(error, 0, 0));
         EXPECT_EQ(gCalls, Calls({"get from"}));
