@@ -45,8 +45,8 @@ std::size_t BufferSize(std::int32_t length) {
         delete[] output;
         ClearRegisters();  // they held the text
     } catch (...) {
-        // The buffer is leaked on purpose: it may hold plaintext, which the heap would pass on
-        // uncleared, and a process that is out of memory hardly misses it.
+        // The buffer is leaked on purpose, so no ClearedArray owns it: it may hold plaintext, which
+        // the heap would pass on uncleared, and a process that is out of memory hardly misses it.
         return nullptr;
     }
     const StringMap::Entry* const entry = gMapDecodedStrings.Find(key);

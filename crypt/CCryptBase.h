@@ -60,7 +60,8 @@ protected:
     static void ReplaceBytes(std::uint8_t*& pOwned, std::uint32_t& nOwned, const std::uint8_t* pNew,
                              std::uint32_t nNew);
 
-    // Clears and frees the owned array, if there is one, and sets pOwned to null.
+    // Clears and frees the owned array, if there is one, and sets pOwned to null. A ClearedArray
+    // would not do: a length may be set without bytes, as after a failed SetKey.
     static void FreeBytes(std::uint8_t*& pOwned, std::uint32_t nOwned) noexcept;
 
     std::uint8_t* m_pKey = nullptr;  // owned, or null

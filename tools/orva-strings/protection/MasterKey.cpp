@@ -62,7 +62,7 @@ MasterKey MasterKey::FromText(std::string text, const std::string& name) {
         isGood = high >= 0 && low >= 0;
         key.m_bytes.value[i] = static_cast<std::uint8_t>(16 * high + low);
     }
-    ClearMemory(text.data(), text.size());
+    ClearMemory(text.data(), text.size());  // a string does not clear itself
     if (!isGood) {
         // The build reports the same.
         throw std::runtime_error(
