@@ -1,6 +1,11 @@
 // A host linked with the library, and plug-ins in it that carry copies of their own: each copy has
 // its own tables, cache, locks and loaded count.
+#include <chrono>
+#include <dlfcn.h>
+#include <future>
+#include <nettle/cbc.h>
 #include <string>
+#include <utility>
 
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
@@ -35,6 +40,44 @@ constexpr bool kIsSanitized =
 #else
     false;
 #endif
+
+// A lookup in the host's copy, by a thread that stops in the cipher call, with both locks held.
+class StoppedLookup {
+public:
+    explicit StoppedLookup(const std::string& key)
+        : m_text(std::async(std::launch::async, [this, key] {
+              gStopsNext = this;
+              const char* const text = ZuGetLocalizedString(key.c_str());
+              return std::string(text == nullptr ? "(null)" : text);
+          })) {
+        EXPECT_EQ(m_stopped.get_future().wait_for(kLongest), std::future_status::ready)
+            << "the lookup makes no cipher call";
+    }
+
+    // The lookup's answer, once it has gone on.
+    std::string Resume() {
+        m_resumed.set_value();
+        return m_text.get();
+    }
+
+    // Stops the thread, if it is the lookup's.
+    static void InCipherCall() {
+        if (StoppedLookup* const lookup = std::exchange(gStopsNext, nullptr)) {
+            lookup->m_stopped.set_value();
+            EXPECT_EQ(lookup->m_resumed.get_future().wait_for(kLongest), std::future_status::ready)
+                << "the test's own thread waits for a lock of the host's copy";
+        }
+    }
+
+private:
+    static constexpr std::chrono::seconds kLongest{20};
+    static thread_local StoppedLookup* gStopsNext;
+
+    std::promise<void> m_stopped;
+    std::promise<void> m_resumed;
+    std::future<std::string> m_text;  // the last member, since the thread uses the others
+};
+thread_local StoppedLookup* StoppedLookup::gStopsNext = nullptr;
 
 class Copies : public ::testing::Test {
 protected:
@@ -93,6 +136,23 @@ TEST_F(Copies, HaveEachTheirOwnState) {
     }
 }
 
+TEST_F(Copies, HaveEachTheirOwnLocks) {
+    for (const auto& way : kWays) {
+        if (kIsSanitized && !way.isForSanitizers) {
+            continue;
+        }
+        SCOPED_TRACE(way.name);
+        const std::string key = std::string("IDE_LOCKED_") + way.name;
+        ASSERT_EQ(LoadOwn(Line(key, "host's secret")), 2);
+        LibraryCopy copy(way.open);
+        ASSERT_EQ(copy.Load(Line(key, "copy's secret")), 2);
+
+        StoppedLookup lookup(key);
+        EXPECT_EQ(copy.Text(key.c_str()), "copy's secret");
+        EXPECT_EQ(lookup.Resume(), "host's secret");
+    }
+}
+
 TEST_F(Copies, AreUnloadedInAnyOrder) {
     ASSERT_EQ(LoadOwn("MENU=\"host\"\n"), 2);
     for (const std::size_t first : {0U, 1U, 2U}) {
@@ -125,3 +185,13 @@ TEST_F(Copies, LeaveTheProcessIntact) {
 }
 
 }  // namespace
+
+// Each copy's calls of Nettle come here, except one that is opened so that it finds its own first.
+extern "C" void cbc_decrypt(const void* schedule, nettle_cipher_func* cipher, std::size_t block,
+                            std::uint8_t* iv, std::size_t length, std::uint8_t* out,
+                            const std::uint8_t* in) {
+    StoppedLookup::InCipherCall();
+    static auto* const nettles =
+        reinterpret_cast<decltype(&cbc_decrypt)>(dlsym(RTLD_NEXT, "nettle_cbc_decrypt"));
+    nettles(schedule, cipher, block, iv, length, out, in);
+}
