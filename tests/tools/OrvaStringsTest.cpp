@@ -1460,19 +1460,31 @@ TEST_F(OrvaStrings, TakesEveryArgumentAsItIs) {
     EXPECT_EQ(Run({"show", "[x]", "--language", "[en,fr]", "[A,B]"}), 0);
     EXPECT_EQ(m_out, "[A,B]=\"1\"\n");
     EXPECT_EQ(m_err, "");
-    for (const std::string language : {"++", "", "[]", "[a]\n", "\n"}) {
+    const struct {
+        std::string argument;  // as a language and as a key
+        std::string messages;
+    } cases[] = {
+        {"++",
+         "-: note: there is no section ++, so this is the first section\n"
+         "-: error: ++: there is no such key in the section\n"},
+        {"", "-: error: : there is no such key in the section\n"},
+        {"[]",
+         "-: note: there is no section [], so this is the first section\n"
+         "-: error: []: there is no such key in the section\n"},
+        {"[a]\n",
+         "-: note: there is no section [a]\\n, so this is the first section\n"
+         "-: error: [a]\\n: there is no such key in the section\n"},
+        {"\n",
+         "-: note: there is no section \\n, so this is the first section\n"
+         "-: error: \\n: there is no such key in the section\n"},
+    };
+    for (const auto& c : cases) {
         for (const auto& arguments : std::vector<std::vector<std::string>>{
-                 {"show", "--fallback", "--language", language, "-", language},
-                 {"show", "--fallback", "--language=" + language, "-", language},
-                 {"show", "--fallback", "--language=" + language, "--", "-", language}}) {
+                 {"show", "--fallback", "--language", c.argument, "-", c.argument},
+                 {"show", "--fallback", "--language=" + c.argument, "-", c.argument},
+                 {"show", "--fallback", "--language=" + c.argument, "--", "-", c.argument}}) {
             EXPECT_EQ(Run(arguments, "QVLANG=x\n"), 1) << ::testing::PrintToString(arguments);
-            std::string expected = "-: error: " + Printable(language);
-            expected += ": there is no such key in the section\n";
-            if (!language.empty()) {
-                expected = "-: note: there is no section " + Printable(language) +
-                           ", so this is the first section\n" + expected;
-            }
-            EXPECT_EQ(m_err, expected);
+            EXPECT_EQ(m_err, c.messages);
         }
     }
     EXPECT_EQ(Run({"show", "--", "-", "--key=[x]"}, "QVLANG=x\n--key\n"), 1);
