@@ -12,15 +12,16 @@ add_dependencies(locale_tests turkish_locale)
 
 # The tests replace functions of the system under its own names, as glibc declares them. ELF lets the
 # library's calls come to them; on macOS a library calls the system whatever the executable defines.
+orva_add_test_object(file_faults support/FileFaults.cpp)
 orva_add_test(file_access_tests
     strings/FileAccessTest.cpp
-    support/FileFaults.cpp)
+    $<TARGET_OBJECTS:file_faults>)
 target_link_libraries(file_access_tests PRIVATE OrvaLanguage ${CMAKE_DL_LIBS})
 set_target_properties(file_access_tests PROPERTIES ENABLE_EXPORTS ON)
 
 orva_add_test(changing_files_tests
     strings/ChangingFilesTest.cpp
-    support/FileFaults.cpp
+    $<TARGET_OBJECTS:file_faults>
     support/ReadFaults.cpp)
 target_link_libraries(changing_files_tests PRIVATE OrvaLanguage ${CMAKE_DL_LIBS})
 set_target_properties(changing_files_tests PROPERTIES ENABLE_EXPORTS ON)
@@ -57,20 +58,21 @@ set_tests_properties(interrupted PROPERTIES TIMEOUT 300)
 orva_add_test(hostile_files_memory_tests strings/HostileFilesMemoryTest.cpp)
 target_link_libraries(hostile_files_memory_tests PRIVATE OrvaLanguage)
 
+orva_add_test_object(process_memory support/ProcessMemory.cpp)
 orva_add_test(process_memory_tests
     support/ProcessMemoryTest.cpp
-    support/ProcessMemory.cpp)
+    $<TARGET_OBJECTS:process_memory>)
 
 if(ORVA_KEY_FILE STREQUAL "")
     orva_add_test(lookup_memory_tests
         api/LookupMemoryTest.cpp
-        support/ProcessMemory.cpp)
+        $<TARGET_OBJECTS:process_memory>)
     target_link_libraries(lookup_memory_tests PRIVATE OrvaLanguage orva_test_stored_form)
 
     orva_add_test(orva_strings_memory_tests
         tools/OrvaStringsMemoryTest.cpp
-        support/FailingAllocation.cpp
-        support/ProcessMemory.cpp)
+        $<TARGET_OBJECTS:failing_allocation>
+        $<TARGET_OBJECTS:process_memory>)
     target_link_libraries(orva_strings_memory_tests
         PRIVATE orva_strings_tool orva_test_stored_form)
 endif()
@@ -87,15 +89,17 @@ target_compile_definitions(resource_path_folder_tests PRIVATE
 add_dependencies(resource_path_folder_tests print_main_bundle)
 
 # The macOS sources, over stand-ins that record the system calls.
+orva_add_test_object(corefoundation_standin standin/CoreFoundationStandIn.cpp)
+target_include_directories(corefoundation_standin PRIVATE standin)
 orva_add_test(resource_path_corefoundation_tests
     platform/ResourcePathCoreFoundationTest.cpp
-    standin/CoreFoundationStandIn.cpp
+    $<TARGET_OBJECTS:corefoundation_standin>
     "${PROJECT_SOURCE_DIR}/platform/ResourcePathCoreFoundation.cpp")
 target_include_directories(resource_path_corefoundation_tests PRIVATE standin)
 target_link_libraries(resource_path_corefoundation_tests PRIVATE orva_internals)
 orva_add_test(open_bundle_corefoundation_tests
     support/OpenBundleCoreFoundationTest.cpp
-    standin/CoreFoundationStandIn.cpp
+    $<TARGET_OBJECTS:corefoundation_standin>
     "${PROJECT_SOURCE_DIR}/support/OpenBundleCoreFoundation.cpp")
 target_include_directories(open_bundle_corefoundation_tests PRIVATE standin)
 orva_add_test(access_list_macos_tests
@@ -112,7 +116,7 @@ orva_add_test(common_cryptor_tests
     platform/CommonCryptorPeerTest.cpp
     platform/CommonCryptorStackTest.cpp
     platform/CommonCryptorTest.cpp
-    support/StackAfter.cpp)
+    $<TARGET_OBJECTS:stack_after>)
 target_link_libraries(common_cryptor_tests PRIVATE orva_internals PkgConfig::Crypto)
 
 # NIST's vectors, from the Debian package.
