@@ -1,6 +1,5 @@
 #include "tools/orva-strings/cli/Arguments.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
@@ -13,12 +12,6 @@ namespace {
 bool IsSpecial(std::string_view argument) {
     const std::string_view text = argument.substr(0, argument.find_last_not_of('\n') + 1);
     return text.empty() || text == "++" || (text.front() == '[' && text.back() == ']');
-}
-
-// An empty name (an unset variable) is an error, not the built-in key.
-std::string NamesAFile(std::string name) {
-    Unmark(name);
-    return name.empty() ? "the name is empty" : "";
 }
 
 }  // namespace
@@ -45,32 +38,6 @@ void Unmark(std::string& argument) {
     if (IsSpecial(argument) && !argument.empty() && argument.back() == '\n') {
         argument.pop_back();
     }
-}
-
-void Arguments::Add(const Argument& argument, std::string& value) {
-    Declare(argument, *m_command.add_option(argument.name, value, argument.help));
-    m_values.emplace_back(argument.role, &value);
-}
-
-void Arguments::Add(const Argument& argument, std::vector<std::string>& values) {
-    Declare(argument, *m_command.add_option(argument.name, values, argument.help));
-    m_lists.push_back(&values);
-}
-
-void Arguments::AddFlag(const char* name, const char* help, bool& isSet) {
-    m_options[name] = m_command.add_flag(name, isSet, help)->disable_flag_override();
-    m_flags.emplace_back(name);
-}
-
-void Arguments::Declare(const Argument& argument, CLI::Option& option) {
-    option.type_name(argument.value)->required(argument.isRequired);
-    if (argument.role != Role::kText) {
-        option.check(NamesAFile);
-    }
-    if (argument.excludes != nullptr) {
-        option.excludes(m_options.at(argument.excludes));
-    }
-    m_options[argument.name] = &option;
 }
 
 // Whether at most one input or key names standard input, which can be read only once.

@@ -30,6 +30,12 @@ std::size_t Distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
+// An empty name (an unset variable) is an error, not the built-in key.
+std::string NamesAFile(std::string name) {
+    Unmark(name);
+    return name.empty() ? "the name is empty" : "";
+}
+
 // Parses one command line and keeps the command that it found.
 class Parser {
 public:
@@ -220,6 +226,32 @@ Command* Parser::Parse(std::vector<std::string> arguments, std::ostream& out) {
 }
 
 }  // namespace
+
+void Arguments::Add(const Argument& argument, std::string& value) {
+    Declare(argument, *m_command.add_option(argument.name, value, argument.help));
+    m_values.emplace_back(argument.role, &value);
+}
+
+void Arguments::Add(const Argument& argument, std::vector<std::string>& values) {
+    Declare(argument, *m_command.add_option(argument.name, values, argument.help));
+    m_lists.push_back(&values);
+}
+
+void Arguments::AddFlag(const char* name, const char* help, bool& isSet) {
+    m_options[name] = m_command.add_flag(name, isSet, help)->disable_flag_override();
+    m_flags.emplace_back(name);
+}
+
+void Arguments::Declare(const Argument& argument, CLI::Option& option) {
+    option.type_name(argument.value)->required(argument.isRequired);
+    if (argument.role != Role::kText) {
+        option.check(NamesAFile);
+    }
+    if (argument.excludes != nullptr) {
+        option.excludes(m_options.at(argument.excludes));
+    }
+    m_options[argument.name] = &option;
+}
 
 Command* ParseCommandLine(const Commands& commands, std::vector<std::string> arguments,
                           std::ostream& out) {
