@@ -10,7 +10,7 @@
 #include "crypt/CCryptAES.h"
 #include "tools/orva-strings/Hex.h"
 
-std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& text) {
+std::string EncodeProtectedText(const ProtectionKeys& keys, std::string_view text) {
     const std::size_t padding = kProtectedBlock - text.size() % kProtectedBlock;
     const ClearedArray data(kProtectedBlock + text.size() + padding);
     std::uint8_t* const padded = data.Get() + kProtectedBlock;
@@ -27,7 +27,7 @@ std::string EncodeProtectedText(const ProtectionKeys& keys, const std::string& t
 }
 
 std::optional<std::string> DecodeProtectedText(const ProtectionKeys& keys,
-                                               const std::string& stored) {
+                                               std::string_view stored) {
     const ClearedArray data(stored.size() / 2);
     std::size_t length = 0;
     const bool isDecoded = ReadStoredDigits(stored.data(), stored.size(), data.Get()) &&
@@ -39,7 +39,7 @@ std::optional<std::string> DecodeProtectedText(const ProtectionKeys& keys,
     return std::string(reinterpret_cast<const char*>(data.Get()) + kProtectedBlock, length);
 }
 
-bool LooksStored(const std::string& value) {
+bool LooksStored(std::string_view value) {
     return IsStoredLength(value.size()) && std::all_of(value.begin(), value.end(), [](char c) {
                return std::isxdigit(static_cast<unsigned char>(c)) != 0;
            });
