@@ -13,10 +13,20 @@
 
 namespace {
 
-std::vector<StringsDocument::Entry> Entries(const StringsDocument& document) {
-    std::vector<StringsDocument::Entry> entries;
-    for (const StringsDocument::Section& section : document.Sections()) {
-        entries.insert(entries.end(), section.entries.begin(), section.entries.end());
+struct Entry {
+    StringsLine line;
+    std::string key;
+    std::string value;
+};
+
+// The entries of a file, which must outlive them.
+std::vector<Entry> Entries(const std::string& file) {
+    std::vector<Entry> entries;
+    StringsReader lines(file);
+    while (lines.Next()) {
+        if (const auto entry = lines.Entry()) {
+            entries.push_back({lines.Line(), std::string(entry->key), std::string(entry->value)});
+        }
     }
     return entries;
 }
@@ -43,14 +53,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     StringsDocument document(file);
     Check(document.Bytes() == file, "a file comes out as it went in");
-    const std::vector<StringsDocument::Entry> before = Entries(document);
+    const std::vector<Entry> before = Entries(file);
     if (before.empty()) {
         return 0;
     }
     const std::size_t chosen = data[0] % before.size();
-    const std::size_t line = before[chosen].line;
-    const bool isSet = document.SetValue(line, value);
+    const std::size_t line = before[chosen].line.number;
+    const bool isSet = document.SetValue(before[chosen].line, value).has_value();
     const std::string changed = document.Bytes();
+    Check(document.IsChanged() == (changed != file), "it knows whether it is changed");
     if (!isSet) {
         Check(changed == file, "a value that can't be written changes nothing");
         return 0;
@@ -62,10 +73,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Check(changed.size() >= start + rest.size() &&
               changed.compare(changed.size() - rest.size(), rest.size(), rest) == 0,
           "the lines after");
-    const std::vector<StringsDocument::Entry> after = Entries(StringsDocument(changed));
+    const std::vector<Entry> after = Entries(changed);
     Check(after.size() == before.size(), "the number of entries");
     for (std::size_t i = 0; i < after.size(); ++i) {
-        Check(after[i].line == before[i].line && after[i].key == before[i].key, "the keys");
+        Check(after[i].line.number == before[i].line.number && after[i].key == before[i].key,
+              "the keys");
         Check(after[i].value == (i == chosen ? value : before[i].value), "the values");
     }
     return 0;

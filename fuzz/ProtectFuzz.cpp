@@ -13,14 +13,23 @@
 
 namespace {
 
-std::vector<std::string> Texts(const StringsDocument& document) {
+std::vector<std::string> Texts(const std::string& file) {
     std::vector<std::string> texts;
-    for (const StringsDocument::Section& section : document.Sections()) {
-        for (const StringsDocument::Entry& entry : section.entries) {
-            texts.push_back(entry.key + '=' + entry.value);
+    StringsReader lines(file);
+    while (lines.Next()) {
+        if (const auto entry = lines.Entry()) {
+            texts.push_back(std::string(entry->key) + '=' + std::string(entry->value));
         }
     }
     return texts;
+}
+
+// A file after a command that must succeed and report nothing.
+template <typename Change>
+std::string Changed(const std::string& file, const Change& change) {
+    StringsDocument document(file);
+    Check(change(document).empty(), "there is nothing to report");
+    return document.Bytes();
 }
 
 }  // namespace
@@ -37,25 +46,30 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (HasError(ProtectEntries(document, keys, true))) {
         return 0;
     }
-    for (const StringsDocument::Section& section : document.Sections()) {
-        for (const StringsDocument::Entry& entry : section.entries) {
-            if (IsProtectedKey(entry.key.c_str())) {
-                Check(DecodeProtectedText(keys, entry.value).has_value(),
-                      "every protected value is stored");
-                Check(entry.beforeQuote.find_first_not_of(" \t") == std::string::npos,
-                      "no text is left before a protected value");
-            }
+    const std::string protectedFile = document.Bytes();
+    StringsReader lines(protectedFile);
+    while (lines.Next()) {
+        const auto entry = lines.Entry();
+        if (entry && IsProtectedKey(entry->key.data())) {
+            Check(DecodeProtectedText(keys, entry->value).has_value(),
+                  "every protected value is stored");
+            Check(entry->beforeQuote.find_first_not_of(" \t") == std::string_view::npos,
+                  "no text is left before a protected value");
         }
     }
-    const std::string protectedBytes = document.Bytes();
-    Check(!HasError(ProtectEntries(document, keys, false)) && document.Bytes() == protectedBytes,
+    StringsDocument again(protectedFile);
+    Check(!HasError(ProtectEntries(again, keys, false)) && !again.IsChanged(),
           "protected values stay");
-    Check(RekeyEntries(document, keys, otherKeys).empty() &&
-              RekeyEntries(document, otherKeys, keys).empty() && document.Bytes() == protectedBytes,
+    const std::string otherFile = Changed(protectedFile, [&](StringsDocument& changing) {
+        return RekeyEntries(changing, keys, otherKeys);
+    });
+    Check(Changed(otherFile,
+                  [&](StringsDocument& changing) {
+                      return RekeyEntries(changing, otherKeys, keys);
+                  }) == protectedFile,
           "rekeying there and back changes nothing");
-    Check(RekeyEntries(document, keys, otherKeys).empty() &&
-              RevealEntries(document, otherKeys).empty(),
-          "what was protected can be revealed");
-    Check(Texts(document) == Texts(StringsDocument(file)), "the texts are the same");
+    const std::string revealed = Changed(
+        otherFile, [&](StringsDocument& changing) { return RevealEntries(changing, otherKeys); });
+    Check(Texts(revealed) == Texts(file), "the texts are the same");
     return 0;
 }

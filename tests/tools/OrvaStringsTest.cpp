@@ -61,6 +61,10 @@ std::string ProtectedFile(const Bytes& key) {
            Stored("again", key) + '"';
 }
 
+void ReplaceFile(const std::string& path, const FileSnapshot& before, const char* bytes) {
+    ::ReplaceFile(path, before, [&](const TakePiece& take) { take(bytes); });
+}
+
 // What protect warns about in it.
 std::string NearEntriesOf(const std::string& file) {
     const std::string what =

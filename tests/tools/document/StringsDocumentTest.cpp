@@ -1,16 +1,89 @@
 #include <cstddef>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tools/orva-strings/document/NearMisses.h"
 #include "tools/orva-strings/document/StringsDocument.h"
+#include "tools/orva-strings/document/StringsReader.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 using ::testing::PrintToString;
 
 namespace {
+
+// What the views of an entry, a section and so on refer to, copied.
+struct Entry {
+    std::size_t line;
+    std::string key;
+    std::string value;
+    std::string beforeQuote;
+    std::string afterQuote;
+};
+
+struct Section {
+    std::size_t line;
+    std::string name;
+    std::vector<Entry> entries;
+};
+
+struct Misplaced {
+    std::size_t line;
+    std::string key;
+    Obstacle obstacle;
+};
+
+Entry CopyOf(std::size_t line, const StringsEntry& entry) {
+    return {line, std::string(entry.key), std::string(entry.value), std::string(entry.beforeQuote),
+            std::string(entry.afterQuote)};
+}
+
+std::vector<Section> SectionsOf(const std::string& file) {
+    std::vector<Section> sections;
+    StringsReader lines(file);
+    while (lines.Next()) {
+        const std::size_t number = lines.Line().number;
+        if (lines.IsHeader()) {
+            sections.push_back({number, std::string(lines.SectionName()), {}});
+        } else if (const auto entry = lines.Entry()) {
+            sections.at(sections.size() - 1).entries.push_back(CopyOf(number, *entry));
+        }
+    }
+    return sections;
+}
+
+std::vector<Misplaced> MisplacedIn(const std::string& file) {
+    std::vector<Misplaced> misplaced;
+    StringsReader lines(file);
+    while (lines.Next()) {
+        FindMisplaced(lines, [&](std::string_view key, Obstacle obstacle) {
+            misplaced.push_back({lines.Line().number, std::string(key), obstacle});
+        });
+    }
+    return misplaced;
+}
+
+std::vector<Entry> NearProtectedIn(const std::string& file) {
+    std::vector<Entry> near;
+    StringsReader lines(file);
+    while (lines.Next()) {
+        FindNearProtected(lines.Line().text, [&](const StringsEntry& entry) {
+            near.push_back(CopyOf(lines.Line().number, entry));
+        });
+    }
+    return near;
+}
+
+// The line with this number.
+StringsLine LineOf(const StringsDocument& document, std::size_t number) {
+    StringsReader lines = document.Lines();
+    while (lines.Next() && lines.Line().number < number) {
+    }
+    return lines.Line();
+}
 
 TEST(StringsDocument, KeepsEveryByteThatItDoesNotChange) {
     const std::string files[] = {
@@ -29,10 +102,9 @@ TEST(StringsDocument, KeepsEveryByteThatItDoesNotChange) {
 }
 
 TEST(StringsDocument, KnowsItsSectionsAndTheirEntries) {
-    const StringsDocument document(
+    const auto sections = SectionsOf(
         "BEFORE=\"none\"\nQVLANG=en\r\nABCD = \"a\\nb\" ;x\r\nABC=short\nno entry\nABCD =2\n"
         "QVLANG=\nQVREGION=US\nQVLANG=fr");
-    const auto sections = document.Sections();
     ASSERT_EQ(sections.size(), 3U);
     EXPECT_EQ(sections[0].line, 1U);
     EXPECT_EQ(sections[0].name, "en");
@@ -85,13 +157,12 @@ TEST(StringsDocument, KnowsThePartsOfAnEntry) {
     for (const auto& c : cases) {
         for (const std::string end : {"", "\n", "\r\n"}) {
             SCOPED_TRACE(PrintToString(c.line + end));
-            const auto sections =
-                StringsDocument("\n\nQVLANG=en\n// note\n" + c.line + end).Sections();
+            const auto sections = SectionsOf("\n\nQVLANG=en\n// note\n" + c.line + end);
             ASSERT_EQ(sections.size(), 1U);
             EXPECT_EQ(sections[0].line, 2U);
             EXPECT_EQ(sections[0].name, "en");
             ASSERT_EQ(sections[0].entries.size(), 1U);
-            const StringsDocument::Entry& entry = sections[0].entries[0];
+            const Entry& entry = sections[0].entries[0];
             EXPECT_EQ(entry.line, 4U);
             EXPECT_EQ(entry.key, c.key);
             EXPECT_EQ(entry.value, c.value);
@@ -105,7 +176,7 @@ TEST(StringsDocument, KnowsTheWholeNameOfASection) {
     const std::string longName(1000, 'n');
     for (const std::string& name : {""s, "en"s, " en "s, "\"en\" ; note"s, "a=b"s, "a\\nb"s,
                                     "a\rb"s, "a\0b"s, "QVLANG=en"s, "\xC3\xA4"s, longName}) {
-        const auto sections = StringsDocument("QVLANG=" + name + "\r\nABCD=1\nQVLANG=x").Sections();
+        const auto sections = SectionsOf("QVLANG=" + name + "\r\nABCD=1\nQVLANG=x");
         ASSERT_EQ(sections.size(), 2U);
         EXPECT_EQ(sections[0].name, name);
         EXPECT_EQ(sections[0].entries.size(), 1U) << name;
@@ -114,14 +185,13 @@ TEST(StringsDocument, KnowsTheWholeNameOfASection) {
 }
 
 TEST(StringsDocument, KnowsThePartsOfALineNearAProtectedEntry) {
-    const StringsDocument document(
+    const auto near = NearProtectedIn(
         "// note\n"
         "// IDE_A = a \"x\\ny\" b\n"
         "IDE_B=\"x\"\n"
         "ide_c: \"y\" ; note\r\n"
         "\n"
         "note\r\t\"IDE_D\"=\"\" z");
-    const auto near = document.NearProtected();
     ASSERT_EQ(near.size(), 3U);
     EXPECT_EQ(near[0].line, 1U);
     EXPECT_EQ(near[0].key, "IDE_A");
@@ -148,16 +218,15 @@ TEST(StringsDocument, MistakesNoOtherWordForAProtectedEntry) {
         words.push_back(std::string{c} + "IDE_A");
     }
     for (const std::string& word : words) {
-        EXPECT_TRUE(StringsDocument("//" + word + "=\"x\"").NearProtected().empty()) << word;
+        EXPECT_TRUE(NearProtectedIn("//" + word + "=\"x\"").empty()) << word;
     }
     for (const std::string word : {"ide@", "ide[", "ide`", "ide{", "ide0", "ide", "iDe_A"}) {
-        EXPECT_EQ(StringsDocument("//" + word + "=\"x\"").NearProtected().size(), 1U) << word;
+        EXPECT_EQ(NearProtectedIn("//" + word + "=\"x\"").size(), 1U) << word;
     }
 }
 
 TEST(StringsDocument, KnowsWhatIsNotReadAndWhy) {
-    using Obstacle = StringsDocument::Obstacle;
-    const StringsDocument document(
+    const auto misplaced = MisplacedIn(
         "\n"
         "IDE_A=1\n"
         "// note\rIDE_B=2\rQVLANG=de\n"
@@ -175,7 +244,6 @@ TEST(StringsDocument, KnowsWhatIsNotReadAndWhy) {
         {2, "QVLANG", Obstacle::kCarriageReturn}, {5, "IDE_D", Obstacle::kByteOrderMark},
         {7, "QVLANG", Obstacle::kByteOrderMark},
     };
-    const auto misplaced = document.MisplacedLines();
     ASSERT_EQ(misplaced.size(), std::size(expected));
     for (std::size_t i = 0; i < misplaced.size(); ++i) {
         EXPECT_EQ(misplaced[i].line, expected[i].line) << i;
@@ -191,6 +259,7 @@ TEST(StringsDocument, WritesAValueInPlaceOfTheOldOne) {
         std::string written;
     } cases[] = {
         {"ABCD=\"old\"", "new", "ABCD=\"new\""},
+        {"ABCD=\"old\"", "old", "ABCD=\"old\""},
         {"ABCD=\"old\"\n", "new", "ABCD=\"new\"\n"},
         {"ABCD=\"old\"\r\n", "new", "ABCD=\"new\"\r\n"},
         {"ABCD = x\"old\" ; note\r\n", "new", "ABCD = x\"new\" ; note\r\n"},
@@ -223,11 +292,15 @@ TEST(StringsDocument, WritesAValueInPlaceOfTheOldOne) {
     for (const auto& c : cases) {
         SCOPED_TRACE("line " + PrintToString(c.line) + ", value " + PrintToString(c.value));
         const std::string before = "// first\r\nQVLANG=en\r\n";
-        StringsDocument document(before + c.line);
-        EXPECT_TRUE(document.SetValue(2, c.value));
+        const std::string file = before + c.line;
+        StringsDocument document(file);
+        const StringsLine line = LineOf(document, 2);
+        const auto text = document.SetValue(line, c.value);
+        ASSERT_TRUE(text);
+        EXPECT_EQ(std::string(*text) + std::string(line.ending), c.written);
         EXPECT_EQ(document.Bytes(), before + c.written);
-        const StringsDocument again(document.Bytes());
-        EXPECT_EQ(again.Sections().at(0).entries.at(0).value, c.value);
+        EXPECT_EQ(document.IsChanged(), c.written != c.line);
+        EXPECT_EQ(SectionsOf(document.Bytes()).at(0).entries.at(0).value, c.value);
     }
 }
 
@@ -242,16 +315,71 @@ TEST(StringsDocument, RefusesAValueThatWouldNotReadBackTheSame) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE("line " + PrintToString(c.line) + ", value " + PrintToString(c.value));
-        StringsDocument document("QVLANG=en\n" + c.line);
-        const bool isWritten = document.SetValue(1, c.value);
+        const std::string file = "QVLANG=en\n" + c.line;
+        StringsDocument document(file);
+        const bool isWritten = document.SetValue(LineOf(document, 1), c.value).has_value();
         if (isWritten) {
-            EXPECT_EQ(StringsDocument(document.Bytes()).Sections().at(0).entries.at(0).value,
-                      c.value);
+            EXPECT_EQ(SectionsOf(document.Bytes()).at(0).entries.at(0).value, c.value);
         } else {
-            EXPECT_EQ(document.Bytes(), "QVLANG=en\n" + c.line);
+            EXPECT_FALSE(document.IsChanged());
+            EXPECT_EQ(document.Bytes(), file);
         }
         EXPECT_EQ(isWritten, c.value == "back\\\n") << "backslash, line feed can be written";
     }
+}
+
+TEST(StringsDocument, WritesLongAndShortValuesInPieces) {
+    constexpr std::size_t kPiece = 65'536;
+    std::string file = "QVLANG=en\n";
+    std::string expected = file;
+    std::vector<std::string> values;  // empty: not to be changed
+    for (const std::size_t length :
+         {kPiece - 30, 1 * kPiece, 2 * kPiece, 2 * kPiece + 1, kPiece / 2, kPiece / 2}) {
+        for (std::size_t i = 0; i < 100; ++i) {
+            const std::string old = std::to_string(i);
+            values.push_back(i % 3 == 0 ? std::string(i == 99 ? length : i, 'x') : "");
+            file += "ABCD=\"" + old + "\" ; note\n";
+            expected += "ABCD=\"" + (values.back().empty() ? old : values.back()) + "\" ; note\n";
+        }
+    }
+    StringsDocument document(file);
+    StringsReader lines = document.Lines();
+    lines.Next();
+    for (const std::string& value : values) {
+        ASSERT_TRUE(lines.Next());
+        if (!value.empty()) {
+            EXPECT_TRUE(document.SetValue(lines.Line(), value));
+        }
+    }
+    EXPECT_FALSE(lines.Next());
+    EXPECT_TRUE(document.Bytes() == expected);
+
+    std::size_t written = 0;
+    document.WriteInPieces([&](std::string_view piece) {
+        EXPECT_LE(piece.size(), kPiece);
+        EXPECT_TRUE(piece == std::string_view(expected).substr(written, piece.size())) << written;
+        written += piece.size();
+    });
+    EXPECT_EQ(written, expected.size());
+}
+
+TEST(StringsReader, GoesOnFromACopy) {
+    StringsReader lines("QVLANG=en\nABCD=\"a\\nb\"\nQVLANG=fr");
+    EXPECT_FALSE(lines.IsHeader());
+    EXPECT_FALSE(lines.IsInSection());
+    ASSERT_TRUE(lines.Next());
+    EXPECT_TRUE(lines.IsHeader());
+    StringsReader copy = lines;
+    ASSERT_TRUE(copy.Next());
+    EXPECT_EQ(lines.Line().number, 0U);
+    EXPECT_EQ(lines.SectionName(), "en");
+    ASSERT_TRUE(copy.Entry());
+    EXPECT_EQ(copy.Entry()->value, "a\nb");
+    ASSERT_TRUE(copy.Next());
+    EXPECT_EQ(copy.SectionName(), "fr");
+    EXPECT_FALSE(copy.Next());
+    EXPECT_FALSE(copy.IsHeader());
+    EXPECT_TRUE(copy.IsInSection());
 }
 
 }  // namespace

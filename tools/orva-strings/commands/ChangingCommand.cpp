@@ -25,13 +25,13 @@ ExitStatus ChangingCommand::Run(const Console& console) {
     if (status != kDone) {
         return status;
     }
-    const std::string result = document.Bytes();
+    const auto result = [&](const TakePiece& take) { document.WriteInPieces(take); };
     if (m_isInPlace) {
-        if (result != before.bytes) {
+        if (document.IsChanged()) {
             ReplaceFile(m_file, before, result);
         }
     } else if (m_output.empty() || m_output == "-") {
-        console.Out() << result;
+        result([&](std::string_view piece) { console.Out() << piece; });
     } else {
         WriteFile(m_output, result);
     }

@@ -5,55 +5,51 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <OrvaLanguage/KorString.h>
 #include <OrvaLanguage/OrvaLanguage.h>
 
+#include "strings/Line.h"
 #include "support/TemporaryBundle.h"
 #include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/cli/Printable.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/document/NoSection.h"
-#include "tools/orva-strings/document/StringsDocument.h"
+#include "tools/orva-strings/document/StringsReader.h"
 #include "tools/orva-strings/protection/ProtectedText.h"
 #include "tools/orva-strings/system/Files.h"
 #include "tools/orva-strings/system/SignalBlock.h"
 
 namespace {
 
-using Section = StringsDocument::Section;
-
-// The line of each key's first entry.
-std::map<std::string, std::size_t> LinesOf(const Section& section) {
-    std::map<std::string, std::size_t> lines;
-    for (const StringsDocument::Entry& entry : section.entries) {
-        lines.emplace(entry.key, entry.line);
-    }
-    return lines;
-}
-
 // What a host gets for a key. Throws if that is not what is stored: a lookup that runs out of
 // memory does not say so, and answers null or an empty text.
-const char* AnswerFor(const std::string& key, const ProtectionKeys& keys) {
-    const char* const text = ZuGetLocalizedString(key.c_str());
-    const char* const stored = KorGetLocalizedString(key.c_str());
-    if (stored != nullptr && IsProtectedKey(key.c_str())) {
+const char* AnswerFor(const char* key, const ProtectionKeys& keys) {
+    const char* const text = ZuGetLocalizedString(key);
+    const char* const stored = KorGetLocalizedString(key);
+    if (stored != nullptr && IsProtectedKey(key)) {
         const std::optional<std::string> decoded = DecodeProtectedText(keys, stored);
         if (text == nullptr ? decoded.has_value()
                             : !decoded || std::strcmp(text, decoded->c_str()) != 0) {
-            throw std::runtime_error(key + ": the library could not decode the value");
+            throw std::runtime_error(std::string(key) + ": the library could not decode the value");
         }
     }
     return text;
 }
 
+bool HasNul(std::string_view key) {
+    return key.find('\0') != std::string_view::npos;
+}
+
 // Why the library answers null for a key.
-const char* WhyNull(const std::string& key) {
-    if (key.find('\0') != std::string::npos) {
+const char* WhyNull(std::string_view key) {
+    if (HasNul(key)) {
         return "the key contains a NUL byte, so ZuGetLocalizedString can't look it up";
     }
-    const char* const stored = KorGetLocalizedString(key.c_str());
+    const char* const stored = KorGetLocalizedString(key.data());
     if (stored == nullptr) {
         return "there is no such key in the section";
     }
@@ -76,15 +72,18 @@ void LoadByCopy(const std::string& bytes, const std::string& language) {
     }
 }
 
-// Throws unless the library's table holds the whole section: a load that runs out of memory or
-// fails to read treats that as the end of the file.
-void CheckLoaded(const Section& section) {
-    std::string key;
-    std::string name;
-    KorString::GetLocalizedElement(KorString::LANG_STATEMENT + section.name, &key, &name);
+// Throws unless the library's table holds the whole section at whose header the reader is: a load
+// that runs out of memory or fails to read treats that as the end of the file.
+void CheckLoaded(StringsReader section) {
     const KorStringMap& table = KorString::gMapLocalizedStrings;
+    std::string buffer;
     const auto header = table.Find("QVLANG");
-    if (!header || header->value != name || table.Size() != section.Keys().size()) {
+    bool isWhole = header && header->value == ReadEntry(section.Line().text, buffer)->value;
+    while (isWhole && section.Next() && !section.IsHeader()) {
+        const auto entry = section.Entry();
+        isWhole = !entry || table.Find(entry->key);
+    }
+    if (!isWhole) {
         throw std::runtime_error("the library could not load the whole section");
     }
 }
@@ -111,14 +110,13 @@ public:
     }
 
     ExitStatus Run(const Console& console) override {
-        const StringsDocument document(console.Read(m_file).bytes);
-        const std::vector<Section> sections = document.Sections();
+        const FileSnapshot file = console.Read(m_file);
         Findings findings;
-        if (const Section* const section = Select(sections, findings)) {
+        if (const auto section = Select(StringsReader(file.bytes), findings)) {
             // The copy can be read only once, so the library must not need a second pass to find
             // the first section.
             const bool isFallback = !findings.empty();
-            LoadByCopy(document.Bytes(), isFallback ? "" : m_language);
+            LoadByCopy(file.bytes, isFallback ? "" : m_language);
             CheckLoaded(*section);
             ShowTexts(*section, console.Out(), findings);
         }
@@ -126,54 +124,74 @@ public:
     }
 
 private:
-    // The section to show, or null. Adds any finding about the choice.
-    const Section* Select(const std::vector<Section>& sections, Findings& findings) const {
-        if (sections.empty()) {
-            findings.push_back(NoSection());
-            return nullptr;
+    // A reader at the header of the section to show, if there is one. Adds any finding about the
+    // choice.
+    std::optional<StringsReader> Select(StringsReader lines, Findings& findings) const {
+        std::optional<StringsReader> first;
+        while (lines.Next()) {
+            if (lines.IsHeader()) {
+                if (::IsHeader(lines.Line().text, KorString::LANG_STATEMENT, m_language.c_str())) {
+                    return lines;
+                }
+                first = first ? first : lines;
+            }
         }
-        const auto named =
-            std::find_if(sections.begin(), sections.end(), [&](const Section& section) {
-                return KorString::SearchLanguageKey(KorString::LANG_STATEMENT + section.name,
-                                                    m_language.c_str());
-            });
-        if (named != sections.end()) {
-            return &*named;
+        if (!first) {
+            findings.push_back(NoSection());
+            return std::nullopt;
         }
         const std::string what = "there is no section " + m_language;
         if (!m_hasFallback) {
             findings.push_back({Severity::kError, std::nullopt, what});
-            return nullptr;
+            return std::nullopt;
         }
         findings.push_back(
             {Severity::kNote, std::nullopt, what + ", so this is the first section"});
-        return &sections.front();
+        return first;
     }
 
     // Writes the answer for each key; a key without one is a finding.
-    void ShowTexts(const Section& section, std::ostream& out, Findings& findings) const {
-        std::vector<std::string> keys = m_keys;
-        if (keys.empty()) {
+    void ShowTexts(StringsReader section, std::ostream& out, Findings& findings) const {
+        const ProtectionKeys protectionKeys = MasterKey::BuiltIn().Derive();
+        std::vector<std::string_view> unanswered;
+        const auto show = [&](std::string_view key) {  // a NUL byte follows it
+            const char* const text = HasNul(key) ? nullptr : AnswerFor(key.data(), protectionKeys);
+            if (text == nullptr) {
+                unanswered.push_back(key);
+                return;
+            }
+            const bool isHidden = IsProtectedKey(key.data()) && !m_isRevealed;
+            out << Printable(key) << '=' << (isHidden ? "(protected)" : '"' + Printable(text) + '"')
+                << '\n';
+        };
+        if (m_keys.empty()) {
             for (const auto& entry : KorString::gMapLocalizedStrings) {
-                keys.emplace_back(entry.key);
+                show(entry.key);
+            }
+        } else {
+            std::for_each(m_keys.begin(), m_keys.end(), show);
+        }
+        AddUnanswered(unanswered, std::move(section), findings);
+    }
+
+    // Adds a finding for each key without an answer, about the line of its first entry, if any.
+    static void AddUnanswered(const std::vector<std::string_view>& keys, StringsReader section,
+                              Findings& findings) {
+        std::map<std::string_view, std::optional<std::size_t>> lines;
+        for (const std::string_view key : keys) {
+            lines[key];
+        }
+        while (section.Next() && !section.IsHeader()) {
+            if (const auto entry = section.Entry()) {
+                const auto found = lines.find(entry->key);
+                if (found != lines.end() && !found->second) {
+                    found->second = section.Line().number;
+                }
             }
         }
-        const std::map<std::string, std::size_t> lines = LinesOf(section);
-        const ProtectionKeys protectionKeys = MasterKey::BuiltIn().Derive();
-        for (const std::string& key : keys) {
-            const bool canBeAsked = key.find('\0') == std::string::npos;
-            const char* const text = canBeAsked ? AnswerFor(key, protectionKeys) : nullptr;
-            if (text != nullptr) {
-                const bool isHidden = IsProtectedKey(key.c_str()) && !m_isRevealed;
-                out << Printable(key) << '='
-                    << (isHidden ? "(protected)" : '"' + Printable(text) + '"') << '\n';
-            } else {
-                const auto line = lines.find(key);
-                findings.push_back(
-                    {Severity::kError,
-                     line == lines.end() ? std::nullopt : std::optional(line->second),
-                     key + ": " + WhyNull(key)});
-            }
+        for (const std::string_view key : keys) {
+            findings.push_back(
+                {Severity::kError, lines[key], std::string(key) + ": " + WhyNull(key)});
         }
     }
 

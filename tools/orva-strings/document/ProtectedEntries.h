@@ -6,8 +6,9 @@
 #include "tools/orva-strings/cli/Finding.h"
 #include "tools/orva-strings/document/StringsDocument.h"
 
-// Each changes the entries of all sections whose key begins with "IDE". If a finding is an error,
-// the document may be half changed and must not be used further.
+// Each changes the entries of all sections whose key begins with "IDE", in a document that has no
+// changes yet. If a finding is an error, the document may be half changed and must not be used
+// further.
 
 // Converts readable values to the stored form; stored ones stay. A value that looks stored but does
 // not decode is an error, or counts as readable if isForced.

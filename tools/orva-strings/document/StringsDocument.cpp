@@ -1,234 +1,102 @@
 #include "tools/orva-strings/document/StringsDocument.h"
 
 #include <algorithm>
-#include <optional>
-#include <utility>
 
-#include <OrvaLanguage/KorString.h>
-
-#include "protection/ProtectedForm.h"
 #include "strings/Line.h"
 
 namespace {
 
-// Splits a line into text and ending, which is its line feed, if any, and what precedes that.
-std::pair<std::string, std::string> SplitEnding(std::string_view bytes) {
-    const std::size_t length = TextLength(bytes.substr(0, bytes.find('\n')));
-    return {std::string(bytes.substr(0, length)), std::string(bytes.substr(length))};
-}
+constexpr std::size_t kPiece = 65536;
 
-// Whether this text and ending make one line, which reads as an entry of this key and value.
-bool ReadsAs(const std::string& text, const std::string& ending, const std::string& key,
-             const std::string& value) {
-    std::string keyRead;
-    std::string valueRead;
-    return text.find('\n') == std::string::npos && SplitEnding(text + ending).first == text &&
-           KorString::GetLocalizedElement(text, &keyRead, &valueRead) && keyRead == key &&
-           valueRead == value;
-}
-
-std::optional<StringsDocument::Entry> ReadEntry(std::size_t line, const std::string& text) {
-    StringsDocument::Entry entry = {line, "", "", "", ""};
-    if (!KorString::GetLocalizedElement(text, &entry.key, &entry.value)) {
-        return std::nullopt;
+// Writes each line feed as a backslash and an n. Returns text itself if it has none, otherwise a view
+// of buffer, which is overwritten.
+std::string_view Escape(std::string_view text, std::string& buffer) {
+    std::size_t feed = text.find('\n');
+    if (feed == std::string_view::npos) {
+        return text;
     }
-    const std::size_t start = entry.key.size() + 1;
-    const std::size_t quote = text.find('"', start);
-    if (quote != std::string::npos) {
-        entry.beforeQuote = text.substr(start, quote - start);
-        const std::size_t last = text.rfind('"');
-        entry.afterQuote = last == quote ? "" : text.substr(last + 1);
+    buffer.clear();
+    for (; feed != std::string_view::npos; feed = text.find('\n')) {
+        buffer += text.substr(0, feed);
+        buffer += "\\n";
+        text.remove_prefix(feed + 1);
     }
-    return entry;
-}
-
-bool IsHeader(const std::string& text) {
-    return KorString::SearchLanguageKey(text, "");
-}
-
-bool IsProtectedEntry(const std::string& text) {
-    return IsProtectedKey(text.c_str()) && ReadEntry(0, text).has_value();
-}
-
-std::string WithoutByteOrderMarks(const std::string& text) {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    std::size_t start = 0;
-    while (text.compare(start, kByteOrderMark.size(), kByteOrderMark) == 0) {
-        start += kByteOrderMark.size();
-    }
-    return text.substr(start);
-}
-
-bool IsLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-// Whether a byte ends the blanks and comment marks before a key. A carriage return does, since what
-// follows it is a separate piece.
-bool CanBeginKey(char c) {
-    return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '\r';
-}
-
-// Whether a key was probably meant as a protected one.
-bool IsNearProtectedKey(std::string_view key) {
-    const auto isLetterOfIde = [&](std::size_t i) { return (key[i] | 0x20) == "ide"[i]; };
-    if (key.size() < 3 || !isLetterOfIde(0) || !isLetterOfIde(1) || !isLetterOfIde(2) ||
-        key.find_first_of(" \t") != std::string_view::npos) {
-        return false;
-    }
-    // "Ideal" is a different word.
-    return key.substr(0, 3) == "IDE" || key.size() == 3 || !IsLetter(key[3]);
-}
-
-// The key and value of a line that was probably meant as a protected entry, without what precedes
-// its key.
-std::optional<StringsDocument::Entry> ReadNearProtected(std::size_t line, std::string_view text) {
-    while (!text.empty() && !CanBeginKey(text.front())) {
-        text.remove_prefix(1);
-    }
-    // A colon or blanks before a quote may be meant as the equals sign.
-    const std::size_t quote = text.find('"');
-    std::size_t separator = std::min(text.find('='), text.find_first_of(": \t"));
-    const std::string_view key = text.substr(0, separator);
-    separator = text.find_first_not_of(": \t", std::min(separator, text.size()));
-    const bool hasEquals = separator != std::string_view::npos && text[separator] == '=';
-    if (!IsNearProtectedKey(key) || (!hasEquals && separator != quote) ||
-        separator == std::string_view::npos) {
-        return std::nullopt;
-    }
-    // Read with a key that is long enough, as this one may be too short.
-    std::optional<StringsDocument::Entry> entry =
-        ReadEntry(line, "IDE_=" + std::string(text.substr(separator + (hasEquals ? 1 : 0))));
-    entry->key = key;
-    return entry;
+    return buffer += text;
 }
 
 }  // namespace
 
-std::string Escaped(const std::string& text) {
-    std::string escaped;
-    for (const char c : text) {
-        if (c == '\n') {
-            escaped += "\\n";
-        } else {
-            escaped += c;
+std::optional<std::string_view> StringsDocument::SetValue(const StringsLine& line,
+                                                          std::string_view value) {
+    const LineEntry entry = *SplitEntry(line.text);
+    // First with the existing quotes, then with the missing ones added.
+    std::string_view written = entry.isQuoted ? Escape(value, m_escaped) : value;
+    std::string quoted;
+    if (!ReadsBack(line, entry.value, written, value)) {
+        const bool isClosed = entry.value.end() != line.text.end();
+        quoted = entry.isQuoted ? "" : "\"";
+        quoted += Escape(value, m_escaped);
+        quoted += isClosed ? "" : "\"";
+        written = quoted;
+        if (!ReadsBack(line, entry.value, written, value)) {
+            return std::nullopt;
         }
     }
-    return escaped;
+    if (written != entry.value) {
+        m_changes.push_back({entry.value, Keep(written)});
+    }
+    return std::string_view(m_newLine).substr(0, m_newLine.size() - line.ending.size());
 }
 
-std::set<std::string> StringsDocument::Section::Keys() const {
-    std::set<std::string> keys = {"QVLANG"};
-    for (const Entry& entry : entries) {
-        keys.insert(entry.key);
+void StringsDocument::WriteInPieces(const std::function<void(std::string_view)>& take) const {
+    std::string piece;
+    piece.reserve(kPiece);
+    const auto write = [&](std::string_view bytes) {
+        while (bytes.size() > kPiece - piece.size()) {
+            const std::size_t room = kPiece - piece.size();
+            piece += bytes.substr(0, room);
+            bytes.remove_prefix(room);
+            take(piece);
+            piece.clear();
+        }
+        piece += bytes;
+    };
+    std::string_view rest = m_bytes;
+    for (const Change& change : m_changes) {
+        const auto length = static_cast<std::size_t>(change.before.data() - rest.data());
+        write(rest.substr(0, length));
+        write(change.after);
+        rest.remove_prefix(length + change.before.size());
     }
-    return keys;
-}
-
-StringsDocument::StringsDocument(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const std::size_t lineFeed = bytes.find('\n');
-        const std::size_t length = lineFeed == std::string_view::npos ? bytes.size() : lineFeed + 1;
-        auto [text, ending] = SplitEnding(bytes.substr(0, length));
-        m_lines.push_back({std::move(text), std::move(ending)});
-        bytes.remove_prefix(length);
-    }
+    write(rest);
+    take(piece);
 }
 
 std::string StringsDocument::Bytes() const {
     std::string bytes;
-    for (const Line& line : m_lines) {
-        bytes += line.text;
-        bytes += line.ending;
-    }
+    WriteInPieces([&](std::string_view piece) { bytes += piece; });
     return bytes;
 }
 
-std::vector<StringsDocument::Section> StringsDocument::Sections() const {
-    std::vector<Section> sections;
-    for (std::size_t i = 0; i < m_lines.size(); ++i) {
-        const std::string& text = m_lines[i].text;
-        if (IsHeader(text)) {
-            sections.push_back({i, text.substr(text.find('=') + 1), {}});
-        } else if (!sections.empty()) {
-            if (std::optional<Entry> entry = ReadEntry(i, text)) {
-                sections.back().entries.push_back(std::move(*entry));
-            }
-        }
-    }
-    return sections;
+bool StringsDocument::ReadsBack(const StringsLine& line, std::string_view before,
+                                std::string_view written, std::string_view value) {
+    const auto begin = static_cast<std::size_t>(before.data() - line.text.data());
+    m_newLine = line.text.substr(0, begin);
+    m_newLine += written;
+    m_newLine += line.text.substr(begin + before.size());
+    m_newLine += line.ending;
+    StringsReader reader(m_newLine);
+    reader.Next();
+    const StringsLine read = reader.Line();
+    return read.ending == line.ending && !reader.Next() &&
+           ReadEntry(read.text, m_newValue)->value == value;
 }
 
-template <typename Visit>
-void StringsDocument::ForEachPiece(const Visit& visit) const {
-    for (std::size_t i = 0; i < m_lines.size(); ++i) {
-        const std::string& text = m_lines[i].text;
-        visit(i, text, true);
-        for (std::size_t at = text.find('\r'); at != std::string::npos;) {
-            const std::size_t next = text.find('\r', at + 1);
-            visit(i, text.substr(at + 1, next - at - 1), false);
-            at = next;
-        }
+std::string_view StringsDocument::Keep(std::string_view text) {
+    if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < text.size()) {
+        m_blocks.emplace_back().reserve(std::max(text.size(), kPiece));
     }
-}
-
-std::vector<StringsDocument::Misplaced> StringsDocument::MisplacedLines() const {
-    std::vector<Misplaced> misplaced;
-    bool isInSection = false;
-    ForEachPiece([&](std::size_t line, const std::string& piece, bool isWholeLine) {
-        const std::string text = WithoutByteOrderMarks(piece);
-        if (!IsHeader(text) && !IsProtectedEntry(text)) {
-            return;
-        }
-        const std::string key = text.substr(0, text.find('='));
-        if (text.size() != piece.size()) {
-            misplaced.push_back({line, key, Obstacle::kByteOrderMark});
-        } else if (!isWholeLine) {
-            misplaced.push_back({line, key, Obstacle::kCarriageReturn});
-        } else if (IsHeader(text)) {
-            isInSection = true;
-        } else if (!isInSection) {
-            misplaced.push_back({line, key, Obstacle::kNoSectionYet});
-        }
-    });
-    return misplaced;
-}
-
-std::vector<StringsDocument::Entry> StringsDocument::NearProtected() const {
-    std::vector<Entry> near;
-    ForEachPiece([&](std::size_t line, const std::string& piece, bool /*isWholeLine*/) {
-        if (IsProtectedEntry(WithoutByteOrderMarks(piece))) {
-            return;
-        }
-        if (std::optional<Entry> entry = ReadNearProtected(line, piece)) {
-            near.push_back(std::move(*entry));
-        }
-    });
-    return near;
-}
-
-bool StringsDocument::SetValue(std::size_t line, const std::string& value) {
-    std::string& text = m_lines.at(line).text;
-    const std::size_t equals = text.find('=');
-    const std::string key = text.substr(0, equals);
-    const std::size_t first = text.find('"', equals);
-    const std::size_t last = text.rfind('"');
-
-    // First with the existing quotes, then with the missing ones added.
-    std::string candidates[2];
-    if (first == std::string::npos) {
-        candidates[0] = key + '=' + value;
-        candidates[1] = key + "=\"" + Escaped(value) + '"';
-    } else {
-        const std::string before = text.substr(0, first + 1) + Escaped(value);
-        candidates[0] = first == last ? before : before + text.substr(last);
-        candidates[1] = first == last ? before + '"' : candidates[0];
-    }
-    for (const std::string& candidate : candidates) {
-        if (ReadsAs(candidate, m_lines[line].ending, key, value)) {
-            text = candidate;
-            return true;
-        }
-    }
-    return false;
+    std::string& block = m_blocks.back();
+    block += text;
+    return std::string_view(block).substr(block.size() - text.size());
 }

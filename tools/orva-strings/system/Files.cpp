@@ -142,7 +142,7 @@ int OpenFolderOf(const std::string& path) {
 
 constexpr std::size_t kPiece = 65536;
 
-void ReadInPieces(const File& file, const std::function<void(std::string_view)>& take) {
+void ReadInPieces(const File& file, const TakePiece& take) {
     const ClearedArray buffer(kPiece);  // the file may hold a key
     auto* const bytes = reinterpret_cast<char*>(buffer.Get());
     while (const std::size_t count = file.Read(bytes, buffer.Size())) {
@@ -219,7 +219,7 @@ bool IsUnchanged(const char* target, const char* name, const Replaced& old) {
 
 // Puts a file of these bytes where path leads, in place of the old one or, if that is null, of
 // whatever is there by then.
-void PutFile(const std::string& path, std::string_view bytes, const Replaced* old) {
+void PutFile(const std::string& path, const BytesInPieces& bytes, const Replaced* old) {
     if (old != nullptr && !S_ISREG(old->status.st_mode)) {
         throw std::runtime_error(path + ": only a regular file can be replaced");
     }
@@ -230,7 +230,7 @@ void PutFile(const std::string& path, std::string_view bytes, const Replaced* ol
     const SignalBlock blocked;
     File file(CreateUnderNewName(newPath, old != nullptr ? 0600 : 0666), path.c_str());
     RemoveOnFailure removal(newPath.c_str());
-    file.Write(bytes);
+    bytes([&](std::string_view piece) { file.Write(piece); });
     if (old != nullptr) {
         CopyRights(file, target.c_str(), old->status);
     }
@@ -250,7 +250,7 @@ std::string ReadFile(const std::string& path) {
     return ReadSnapshot(path).bytes;
 }
 
-void ReadFileInPieces(const std::string& path, const std::function<void(std::string_view)>& take) {
+void ReadFileInPieces(const std::string& path, const TakePiece& take) {
     ReadInPieces(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()), take);
 }
 
@@ -266,12 +266,12 @@ FileSnapshot ReadSnapshot(const std::string& path) {
     return snapshot;
 }
 
-void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes) {
+void ReplaceFile(const std::string& path, const FileSnapshot& before, const BytesInPieces& bytes) {
     const Replaced old{before.status, before.bytes};
     PutFile(path, bytes, &old);
 }
 
-void WriteFile(const std::string& path, std::string_view bytes) {
+void WriteFile(const std::string& path, const BytesInPieces& bytes) {
     Replaced old = {};
     const bool exists = stat(path.c_str(), &old.status) == 0;
     if (!exists && errno != ENOENT) {

@@ -11,8 +11,14 @@
 // The bytes of a file.
 std::string ReadFile(const std::string& path);
 
+// Takes a part of a file's bytes.
+using TakePiece = std::function<void(std::string_view)>;
+
 // Calls take with the bytes of a file, in pieces of at most 64 KiB.
-void ReadFileInPieces(const std::string& path, const std::function<void(std::string_view)>& take);
+void ReadFileInPieces(const std::string& path, const TakePiece& take);
+
+// Calls take with the bytes to write, in pieces.
+using BytesInPieces = std::function<void(const TakePiece& take)>;
 
 // The bytes of standard input.
 std::string ReadStandardInput();
@@ -35,13 +41,13 @@ FileSnapshot ReadSnapshot(const std::string& path);
 // then left as it is, with nothing beside it. This is checked last, but not in one step with the
 // replacement: what another program does between the two is lost. A change of the access list that
 // leaves the mode as it is goes unnoticed.
-void ReplaceFile(const std::string& path, const FileSnapshot& before, std::string_view bytes);
+void ReplaceFile(const std::string& path, const FileSnapshot& before, const BytesInPieces& bytes);
 
 // Writes a file, whole or not at all; symbolic links are followed. An existing regular file is
 // replaced as by ReplaceFile, but whatever bytes it holds, even the same ones. A new file gets
 // the permissions that the umask and the folder give, and replaces one that another program creates
 // meanwhile.
-void WriteFile(const std::string& path, std::string_view bytes);
+void WriteFile(const std::string& path, const BytesInPieces& bytes);
 
 // Creates a file that only its owner may read and write. Fails if it exists. Signals wait here too.
 void CreatePrivateFile(const std::string& path, std::string_view bytes);
