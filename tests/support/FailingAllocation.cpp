@@ -14,6 +14,8 @@ thread_local std::size_t gCountdown = 0;  // 0: none fails
 thread_local bool gHasFailed = false;
 thread_local std::size_t gSizeOfFirst = 0;
 std::atomic<std::size_t> gLive = 0;
+std::atomic<std::size_t> gLiveBytes = 0;
+std::atomic<std::size_t> gPeakBytes = 0;
 
 thread_local const char* gWatched = nullptr;
 thread_local std::size_t gWatchedLength = 0;
@@ -39,6 +41,10 @@ void* Allocate(std::size_t size) {
     }
     auto* const block = static_cast<char*>(memory);
     ++gLive;
+    const std::size_t bytes = gLiveBytes += size;
+    for (std::size_t peak = gPeakBytes;
+         bytes > peak && !gPeakBytes.compare_exchange_weak(peak, bytes);) {
+    }
     std::memcpy(block, &size, sizeof size);
     if (gWatched != nullptr) {
         std::memset(block + kHeader, 0, size);  // the watch searches all of it
@@ -51,9 +57,10 @@ void Free(void* block) noexcept {
         return;
     }
     auto* const bytes = static_cast<char*>(block);
+    std::size_t size = 0;
+    std::memcpy(&size, bytes - kHeader, sizeof size);
+    gLiveBytes -= size;
     if (gWatched != nullptr) {
-        std::size_t size = 0;
-        std::memcpy(&size, bytes - kHeader, sizeof size);
         ++gWatchedBlocks;
         gHasSeen = gHasSeen || std::search(bytes, bytes + size, gWatched,
                                            gWatched + gWatchedLength) != bytes + size;
@@ -99,6 +106,14 @@ bool FreedMemoryWatch::HasSeen() {
 
 std::size_t FreedMemoryWatch::Blocks() {
     return gWatchedBlocks;
+}
+
+AllocationPeak::AllocationPeak() : m_before(gLiveBytes) {
+    gPeakBytes = m_before;
+}
+
+std::size_t AllocationPeak::Bytes() const {
+    return gPeakBytes - m_before;
 }
 
 std::size_t LiveAllocations() {

@@ -31,6 +31,19 @@ public:
     static std::size_t Blocks();
 };
 
+// While it lives, measures how many more bytes from operator new, in all threads, live at once than
+// when it was made. One at a time.
+class AllocationPeak {
+public:
+    AllocationPeak();
+
+    // The most so far.
+    std::size_t Bytes() const;
+
+private:
+    std::size_t m_before;
+};
+
 // Blocks from operator new, in all threads, that are not deleted yet.
 std::size_t LiveAllocations();
 

@@ -337,9 +337,11 @@ TEST(StringsDocument, WritesLongAndShortValuesInPieces) {
          {kPiece - 30, 1 * kPiece, 2 * kPiece, 2 * kPiece + 1, kPiece / 2, kPiece / 2}) {
         for (std::size_t i = 0; i < 100; ++i) {
             const std::string old = std::to_string(i);
-            values.push_back(i % 3 == 0 ? std::string(i == 99 ? length : i, 'x') : "");
+            const std::string text(i == 99 ? length : i, 'x');
+            const bool isChanged = i % 3 == 0;
+            values.push_back(isChanged ? "\n" + text : "");
             file += "ABCD=\"" + old + "\" ; note\n";
-            expected += "ABCD=\"" + (values.back().empty() ? old : values.back()) + "\" ; note\n";
+            expected += "ABCD=\"" + (isChanged ? "\\n" + text : old) + "\" ; note\n";
         }
     }
     StringsDocument document(file);

@@ -1,0 +1,148 @@
+// Large files: a command's memory is in proportion to the file, and so is its time.
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "api/PlaintextCache.h"
+#include "strings/LocalizedStrings.h"
+#include "support/TemporaryFolder.h"
+#include "tests/support/FailingAllocation.h"
+#include "tools/orva-strings/Tool.h"
+#include "tools/orva-strings/system/Files.h"
+
+namespace {
+
+// A command's output, of which only this is kept.
+class Digest : public std::streambuf {
+public:
+    std::size_t writes = 0;
+    std::size_t bytes = 0;
+    std::string first;  // what was written first and last
+    std::string last;
+
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        last.assign(text, static_cast<std::size_t>(size));
+        if (writes++ == 0) {
+            first = last;
+        }
+        bytes += last.size();
+        return size;
+    }
+    int_type overflow(int_type c) override {
+        const char byte = traits_type::to_char_type(c);
+        xsputn(&byte, 1);
+        return c;
+    }
+};
+
+// Sections of entries of about 60 bytes a line. One of `share` keys begins with IDE.
+std::string Entries(std::size_t size, std::size_t sections, unsigned share) {
+    std::string file;
+    std::uint32_t state = 1;
+    for (std::size_t section = 1; section <= sections; ++section) {
+        file += "QVLANG=language " + std::to_string(section) + "\n";
+        for (std::size_t number = 0; file.size() < size / sections * section; ++number) {
+            state = state * 1'664'525U + 1'013'904'223U;
+            file += (state >> 16U) % share == 0 ? "IDE_" : "MENU_";
+            file += std::to_string(number) + "_ENTRY=\"";
+            file.append(10 + (state >> 24U) % 60, 'x');
+            file += "\"\n";
+        }
+    }
+    return file;
+}
+
+class OrvaStringsLargeFiles : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_folder.Write("key", std::string(64, '1') + "\n");
+        m_folder.Write("other.key", std::string(64, '2') + "\n");
+    }
+    void TearDown() override {
+        gMapLocalizedStrings.Clear();
+        gMapDecodedStrings.Clear();
+    }
+
+    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
+
+    int Run(const std::vector<std::string>& arguments) {
+        m_out = {};
+        m_err = {};
+        std::ostream out(&m_out);
+        std::ostream err(&m_err);
+        return RunTool(
+            arguments, [] { return std::string(); }, out, err);
+    }
+
+    TemporaryFolder m_folder;
+    Digest m_out;
+    Digest m_err;
+};
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesTakeThreeTimesTheirSizeAtMost) {
+    // A string that grows to it has little room to spare.
+    constexpr std::size_t kSize = (std::size_t{8} << 20U) - 4096;
+    m_folder.Write("readable", Entries(kSize, 4, 10));
+    ASSERT_EQ(Run({"protect", "-o", Path("protected"), Path("readable")}), 0);
+    const std::string key = Path("key");
+    const std::vector<std::vector<std::string>> commands = {
+        {"protect", "--key-file", key, Path("readable")},
+        {"protect", "-o", Path("out"), Path("readable")},
+        {"rekey", "--from", Path("development.key"), "--to", key, Path("protected")},
+        {"reveal", Path("protected")},
+        {"sections", Path("protected")},
+        {"show", Path("protected")},
+        {"protect", "--in-place", Path("readable")},
+    };
+    m_folder.Write("development.key", ReadFile(DEVELOPMENT_KEY));
+    for (const auto& command : commands) {
+        SCOPED_TRACE(::testing::PrintToString(command));
+        const std::size_t size = ReadFile(command.back()).size();
+        const AllocationPeak peak;
+        EXPECT_EQ(Run(command), 0) << m_err.last;
+        EXPECT_GT(peak.Bytes(), size) << "the file was not read";
+        EXPECT_LE(peak.Bytes(), 3 * size);
+    }
+}
+
+// Time that grows with the square of the file would be hours here.
+TEST_F(OrvaStringsLargeFiles, OfAHundredMegabytesMayHaveAFindingInEveryHalfKilobyte) {
+    constexpr std::size_t kFindings = 200'000;
+    const struct {
+        const char* beforeKey;
+        const char* inFirstLine;  // what is said of the first finding and of the last
+        const char* inLastLine;
+    } cases[] = {
+        {"\r",
+         ":2: error: IDE_A: this entry is not read, because it follows a carriage return, "
+         "which does not end a line\n",
+         ":2: error: IDE_A: this entry is not read, because it follows a carriage return, which "
+         "does not end a line\n"},
+        {"\n//",
+         ":3: warning: IDE_A: this looks like a protected entry but is not one; its text "
+         "stays readable\n",
+         ":200002: warning: IDE_A: this looks like a protected entry but is not one; its text "
+         "stays readable\n"},
+    };
+    for (const auto& c : cases) {
+        std::string file = "QVLANG=en\n";
+        for (std::size_t i = 0; i < kFindings; ++i) {
+            file += c.beforeKey;
+            file += "IDE_A=";
+            file.append(500, 'x');
+        }
+        m_folder.Write("file", file);
+        Run({"protect", "--key-file", Path("key"), Path("file")});
+        EXPECT_EQ(m_err.writes, kFindings);
+        EXPECT_EQ(m_err.first, Path("file") + c.inFirstLine);
+        EXPECT_EQ(m_err.last, Path("file") + c.inLastLine);
+    }
+}
+
+}  // namespace
