@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "clearing/Cleared.h"
 #include "clearing/ClearedArray.h"
-#include "crypt/CCryptAES.h"
 
 namespace {
 
@@ -53,11 +53,26 @@ bool EqualTags(const std::uint8_t* a, const std::uint8_t* b) {
 }  // namespace
 
 ProtectionKeys::ProtectionKeys(const std::uint8_t (&material)[kProtectedKey]) {
-    auto& blocks = m_blocks.value;
-    for (std::size_t i = 0; i < sizeof blocks / kProtectedBlock; ++i) {
-        WriteBlock(blocks + i * kProtectedBlock, i + 1);
+    // The ciphers' own padding stays off: some systems' cipher calls accept bad padding.
+    m_textCipher.SetPadding(CRYPT_PADDING_NONE);
+    m_tagCipher.SetPadding(CRYPT_PADDING_NONE);
+
+    Cleared<std::uint8_t[5 * kProtectedBlock]> blocks;
+    std::size_t length = sizeof blocks.value;
+    for (std::size_t i = 0; i < length / kProtectedBlock; ++i) {
+        WriteBlock(blocks.value + i * kProtectedBlock, i + 1);
     }
-    EncryptBlocks(material, kZeroIV, CRYPT_MODE_ECB, blocks, sizeof blocks);
+    // The cipher for tags derives the keys, too: a third one would be more to set up.
+    m_tagCipher.SetIV(kZeroIV, kProtectedBlock);
+    m_tagCipher.SetMode(CRYPT_MODE_ECB);
+    m_tagCipher.SetKey(material, kProtectedKey);
+    m_tagCipher.Encrypt(blocks.value, &length, length);
+
+    m_textCipher.SetMode(CRYPT_MODE_CBC);
+    m_textCipher.SetKey(blocks.value, kProtectedKey);
+    m_textCipher.SetIV(blocks.value + 2 * kProtectedBlock, kProtectedBlock);
+    m_tagCipher.SetMode(CRYPT_MODE_CBC);
+    m_tagCipher.SetKey(blocks.value + 3 * kProtectedBlock, kProtectedKey);
 }
 
 bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* bytes) {
@@ -81,17 +96,11 @@ bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* byte
 
 bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t length,
                    std::size_t* textLength) {
-    // The cipher's own padding stays off: some systems' cipher calls accept bad padding.
-    CCryptAES aes;
-    aes.SetKey(keys.EncryptionKey(), kProtectedKey);
-    aes.SetIV(keys.IV(), kProtectedBlock);
-    aes.SetMode(CRYPT_MODE_CBC);
-    aes.SetPadding(CRYPT_PADDING_NONE);
     // Ask for the size first, as with any padding; without padding it can only be length.
-    if (aes.GetDecryptedSize(data, length) != length) {
+    if (keys.TextCipher().GetDecryptedSize(data, length) != length) {
         return false;
     }
-    aes.Decrypt(data, &length, length);
+    keys.TextCipher().Decrypt(data, &length, length);
 
     const std::uint8_t* const padded = data + kProtectedBlock;
     const std::size_t paddedLength = length - kProtectedBlock;
@@ -102,21 +111,12 @@ bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t l
     return padding != 0 && EqualTags(data, tag);
 }
 
-void EncryptBlocks(const std::uint8_t* key, const std::uint8_t* iv, std::uint32_t mode,
-                   std::uint8_t* data, std::size_t length) {
-    CCryptAES aes;
-    aes.SetKey(key, kProtectedKey);
-    aes.SetIV(iv, kProtectedBlock);
-    aes.SetMode(mode);
-    aes.SetPadding(CRYPT_PADDING_NONE);
-    aes.Encrypt(data, &length, length);
-}
-
 void MakeTag(const ProtectionKeys& keys, std::size_t textLength, const std::uint8_t* padded,
              std::size_t paddedLength, std::uint8_t (&tag)[kProtectedBlock]) {
     const ClearedArray chain(kProtectedBlock + paddedLength);
     WriteBlock(chain.Get(), textLength);
     std::memcpy(chain.Get() + kProtectedBlock, padded, paddedLength);
-    EncryptBlocks(keys.TagKey(), kZeroIV, CRYPT_MODE_CBC, chain.Get(), chain.Size());
+    std::size_t length = chain.Size();
+    keys.TagCipher().Encrypt(chain.Get(), &length, length);
     std::memcpy(tag, chain.Get() + paddedLength, kProtectedBlock);
 }

@@ -19,7 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "clearing/Cleared.h"
+#include "crypt/CCryptAES.h"
 
 // Whether an entry with this key, which must not be null, is protected.
 inline bool IsProtectedKey(const char* key) {
@@ -38,19 +38,22 @@ constexpr bool IsStoredLength(std::size_t digits) {
     return digits >= 2 * kBlockDigits && digits % kBlockDigits == 0;
 }
 
-// The keys derived from the key material. Cleared when destroyed.
-struct ProtectionKeys {
-    // Throws what the cipher classes throw.
+// The keys derived from the key material, each in the cipher that uses it, for any number of texts.
+// Cleared when destroyed.
+class ProtectionKeys {
+public:
+    // Throws what the cipher classes throw, and std::bad_alloc.
     explicit ProtectionKeys(const std::uint8_t (&material)[kProtectedKey]);
-    ProtectionKeys(const ProtectionKeys&) = delete;
-    ProtectionKeys& operator=(const ProtectionKeys&) = delete;
 
-    const std::uint8_t* EncryptionKey() const { return m_blocks.value; }
-    const std::uint8_t* IV() const { return m_blocks.value + 2 * kProtectedBlock; }
-    const std::uint8_t* TagKey() const { return m_blocks.value + 3 * kProtectedBlock; }
+    // For the cipher bytes, with the encryption key and the IV.
+    const CCryptAES& TextCipher() const noexcept { return m_textCipher; }
+
+    // For tags, with the tag key and a zero IV.
+    const CCryptAES& TagCipher() const noexcept { return m_tagCipher; }
 
 private:
-    Cleared<std::uint8_t[5 * kProtectedBlock]> m_blocks;
+    CCryptAES m_textCipher;
+    CCryptAES m_tagCipher;
 };
 
 // Converts a stored text to its cipher bytes, half as many as it has digits. Returns false if the
@@ -65,11 +68,6 @@ bool ReadStoredDigits(const char* digits, std::size_t length, std::uint8_t* byte
 // Throws what the cipher classes throw, and std::bad_alloc.
 bool DecryptStored(const ProtectionKeys& keys, std::uint8_t* data, std::size_t length,
                    std::size_t* textLength);
-
-// Encrypts whole blocks in place with a key of kProtectedKey bytes and one of CCryptAES's modes.
-// Throws what the cipher classes throw, and std::bad_alloc.
-void EncryptBlocks(const std::uint8_t* key, const std::uint8_t* iv, std::uint32_t mode,
-                   std::uint8_t* data, std::size_t length);
 
 // Writes the tag of a text of textLength bytes, given at padded with its padding, paddedLength
 // bytes in all. Throws what the cipher classes throw, and std::bad_alloc.

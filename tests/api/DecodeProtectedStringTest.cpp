@@ -289,19 +289,15 @@ TEST(DecodeProtectedString, RunsUnderItsLock) {
     EXPECT_EQ(std::async(std::launch::async, [&] { return SizingStatus(good); }).get(), 0);
 }
 
-// The stack may be overwritten before the test looks; this memory is not.
-TEST(KeyMaterial, IsClearedWithTheKeysMadeFromIt) {
-    alignas(KeyMaterial) std::uint8_t materialMemory[sizeof(KeyMaterial)];
-    alignas(ProtectionKeys) std::uint8_t keysMemory[sizeof(ProtectionKeys)];
-    const auto* const material = new (materialMemory) KeyMaterial;
-    const auto* const keys = new (keysMemory) ProtectionKeys(material->Bytes());
+// The stack may be overwritten before the test looks; this memory is not. FreedMemory searches for
+// the keys made from it.
+TEST(KeyMaterial, IsClearedAtItsEnd) {
+    alignas(KeyMaterial) std::uint8_t memory[sizeof(KeyMaterial)];
+    const auto* const material = new (memory) KeyMaterial;
     const auto isZero = [](std::uint8_t byte) { return byte == 0; };
-    EXPECT_FALSE(std::all_of(std::begin(keysMemory), std::end(keysMemory), isZero));
-    EXPECT_FALSE(std::all_of(std::begin(materialMemory), std::end(materialMemory), isZero));
-    keys->~ProtectionKeys();
+    EXPECT_FALSE(std::all_of(std::begin(memory), std::end(memory), isZero));
     material->~KeyMaterial();
-    EXPECT_TRUE(std::all_of(std::begin(keysMemory), std::end(keysMemory), isZero));
-    EXPECT_TRUE(std::all_of(std::begin(materialMemory), std::end(materialMemory), isZero));
+    EXPECT_TRUE(std::all_of(std::begin(memory), std::end(memory), isZero));
 }
 
 TEST(DecodeProtectedString, LeavesNeitherKeysNorTextOnTheStack) {

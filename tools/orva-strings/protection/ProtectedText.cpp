@@ -7,7 +7,6 @@
 
 #include "clearing/ClearRegisters.h"
 #include "clearing/ClearedArray.h"
-#include "crypt/CCryptAES.h"
 #include "tools/orva-strings/Hex.h"
 
 std::string EncodeProtectedText(const ProtectionKeys& keys, std::string_view text) {
@@ -20,7 +19,8 @@ std::string EncodeProtectedText(const ProtectionKeys& keys, std::string_view tex
     MakeTag(keys, text.size(), padded, text.size() + padding, tag);
     std::copy(std::begin(tag), std::end(tag), data.Get());
 
-    EncryptBlocks(keys.EncryptionKey(), keys.IV(), CRYPT_MODE_CBC, data.Get(), data.Size());
+    std::size_t length = data.Size();
+    keys.TextCipher().Encrypt(data.Get(), &length, length);
     ClearRegisters();  // of round keys
     // Byte by byte gives the same digits as big-endian groups.
     return ToHexDigits(data.Get(), data.Size());
