@@ -111,8 +111,8 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesTakeThreeTimesTheirSizeAtMost) {
     }
 }
 
-// Time that grows with the square of the file would be hours here.
-TEST_F(OrvaStringsLargeFiles, OfAHundredMegabytesMayHaveAFindingInEveryHalfKilobyte) {
+// Time that grows with the square of the file would exceed the time limit here.
+TEST_F(OrvaStringsLargeFiles, MayHaveAFindingInEveryHundredBytes) {
     constexpr std::size_t kFindings = 200'000;
     const struct {
         const char* beforeKey;
@@ -135,7 +135,7 @@ TEST_F(OrvaStringsLargeFiles, OfAHundredMegabytesMayHaveAFindingInEveryHalfKilob
         for (std::size_t i = 0; i < kFindings; ++i) {
             file += c.beforeKey;
             file += "IDE_A=";
-            file.append(500, 'x');
+            file.append(100, 'x');
         }
         m_folder.Write("file", file);
         Run({"protect", "--key-file", Path("key"), Path("file")});
