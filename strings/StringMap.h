@@ -154,7 +154,8 @@ private:
             m_nTags[slot] = static_cast<std::uint8_t>(Tag(hash));
             const std::uint64_t bytes =
                 (Bytes(slot) & ~kAddressMask) | reinterpret_cast<std::uintptr_t>(entry);
-            std::memcpy(reinterpret_cast<char*>(this) + kAddress * slot, &bytes, sizeof bytes);
+            std::memcpy(reinterpret_cast<char*>(m_addresses) + kAddress * slot, &bytes,
+                        sizeof bytes);
         }
 
     private:
@@ -175,10 +176,12 @@ private:
 
         // An address and the byte after it, which is in the group, too.
         std::uint64_t Bytes(std::size_t slot) const noexcept {
-            return Read<std::uint64_t>(reinterpret_cast<const char*>(this) + kAddress * slot);
+            return Read<std::uint64_t>(reinterpret_cast<const char*>(m_addresses) +
+                                       kAddress * slot);
         }
 
         const Entry* At(std::size_t slot) const noexcept {
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): seven bytes are no pointer
             return reinterpret_cast<const Entry*>(Bytes(slot) & kAddressMask);
         }
 
