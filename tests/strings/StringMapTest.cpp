@@ -160,8 +160,9 @@ TEST(StringMap, StaysFastWithKeysOfOneHash) {
     }
     EXPECT_EQ(map.Size(), keys.size());
     for (const std::string& key : keys) {
-        ASSERT_NE(map.Find(key), nullptr);
-        ASSERT_EQ(map.Find(key)->Value(), key.substr(8, 8));
+        const StringMap::Entry* const entry = map.Find(key);
+        ASSERT_NE(entry, nullptr);
+        ASSERT_EQ(entry->Value(), key.substr(8, 8));
     }
     std::sort(keys.begin(), keys.end());
     EXPECT_EQ(Keys(map), keys);
