@@ -292,7 +292,7 @@ TEST(DecodeProtectedString, RunsUnderItsLock) {
 // The stack may be overwritten before the test looks; this memory is not. FreedMemory searches for
 // the keys made from it.
 TEST(KeyMaterial, IsClearedAtItsEnd) {
-    alignas(KeyMaterial) std::uint8_t memory[sizeof(KeyMaterial)];
+    alignas(KeyMaterial) static std::uint8_t memory[sizeof(KeyMaterial)];
     const auto* const material = new (memory) KeyMaterial;
     const auto isZero = [](std::uint8_t byte) { return byte == 0; };
     EXPECT_FALSE(std::all_of(std::begin(memory), std::end(memory), isZero));
