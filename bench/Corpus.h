@@ -1,9 +1,11 @@
 #ifndef ORVALANGUAGE_BENCH_CORPUS_H
 #define ORVALANGUAGE_BENCH_CORPUS_H
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -41,21 +43,40 @@ private:
     std::vector<std::string> m_keys;
 };
 
-// Random keys to look up in turn, the same in every run. There are enough that no processor learns
-// their order, as it does with a thousand repeated keys: a tree search would then seem three times
-// as fast as it is. The keys are in memory in the order of their use, because fetching a key is
-// not a part of the lookup: a host has it at hand.
+// Which of so many keys to look up in turn, at random; the same in every run. There are enough that
+// no processor learns their order, as it does with a thousand repeated keys: a tree search would
+// then seem three times as fast as it is.
+inline std::vector<std::size_t> Draws(std::size_t keys) {
+    constexpr int kDraws = 1 << 18;
+    std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same in every run
+    std::uniform_int_distribution<std::size_t> draw(0, keys - 1);
+    std::vector<std::size_t> draws;
+    for (int i = 0; i < kDraws; ++i) {
+        draws.push_back(draw(random));
+    }
+    return draws;
+}
+
+// Each of so many keys once, in random order; the same in every run.
+inline std::vector<std::size_t> EachOnce(std::size_t keys) {
+    std::vector<std::size_t> order(keys);
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same in every run
+    std::shuffle(order.begin(), order.end(), random);
+    return order;
+}
+
+// Keys to look up in turn. They are in memory in the order of their use, because fetching a key is not
+// a part of the lookup: a host has it at hand.
 class KeySequence {
 public:
     // The ending is appended to each key: with one, no table has the key.
-    explicit KeySequence(const std::vector<std::string>& keys, const char* ending = "") {
-        constexpr int kDraws = 1 << 18;
-        std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same in every run
-        std::uniform_int_distribution<std::size_t> draw(0, keys.size() - 1);
+    KeySequence(const std::vector<std::string>& keys, const std::vector<std::size_t>& order,
+                const char* ending = "") {
         std::vector<std::size_t> starts;
-        for (int i = 0; i < kDraws; ++i) {
+        for (const std::size_t i : order) {
             starts.push_back(m_bytes.size());
-            m_bytes += keys[draw(random)] + ending + '\0';
+            m_bytes += keys[i] + ending + '\0';
         }
         for (const std::size_t start : starts) {
             m_keys.push_back(m_bytes.data() + start);

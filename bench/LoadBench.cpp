@@ -1,12 +1,15 @@
-// Loads: this library's, and those of what a host would use instead; then the cost of skipping the
-// sections before the wanted one, and how the time of a load grows with the table.
+// Loads: this library's, and those of what a host would use instead, also with the processor's
+// caches evicted; then the cost of skipping the sections before the wanted one, and how the time of a
+// load grows with the table.
 //
 // Usage: load_bench CORPUS… [OPTION…]    CORPUS: a folder that make_corpora.py wrote; options are
 // Google Benchmark's.
 #include <cstdio>
+#include <ctime>
 
 #include <benchmark/benchmark.h>
 
+#include "bench/Caches.h"
 #include "bench/Check.h"
 #include "bench/Corpus.h"
 #include "bench/peers/GLib.h"
@@ -18,21 +21,49 @@
 namespace {
 
 template <typename Source>
+bool CanLoad(const Corpus& corpus) {
+    const Source source(corpus);
+    const char* const last = corpus.Keys().back().c_str();
+    return Source::IsFound(source.LookUp(last), last);
+}
+
+template <typename Source>
 void Load(benchmark::State& state, const Corpus& corpus) {
     for (auto _ : state) {
-        const Source source(corpus);
-        const char* const last = corpus.Keys().back().c_str();
-        if (!Source::IsFound(source.LookUp(last), last)) {
+        if (!CanLoad<Source>(corpus)) {
             state.SkipWithError("a text is missing");
         }
     }
     state.counters["entries"] = static_cast<double>(corpus.Keys().size());
 }
 
+double ProcessorSeconds() {
+    timespec time = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// The file stays in the system's memory.
+template <typename Source>
+void LoadCold(benchmark::State& state, const Corpus& corpus) {
+    for (auto _ : state) {
+        EvictCaches();
+        const double start = ProcessorSeconds();
+        if (!CanLoad<Source>(corpus)) {
+            state.SkipWithError("a text is missing");
+        }
+        state.SetIterationTime(ProcessorSeconds() - start);
+    }
+}
+
 template <typename Source>
 void Register(const Corpus& corpus) {
-    const std::string name = std::string("Load/") + Source::kName + '/' + corpus.Size();
-    benchmark::RegisterBenchmark(name.c_str(), Load<Source>, corpus);
+    constexpr int kLoads = 5;
+    const std::string name = std::string("/") + Source::kName + '/' + corpus.Size();
+    benchmark::RegisterBenchmark(("Load" + name).c_str(), Load<Source>, corpus);
+    benchmark::RegisterBenchmark(("LoadCold" + name).c_str(), LoadCold<Source>, corpus)
+        ->Iterations(kLoads)
+        ->UseManualTime();
 }
 
 template <typename... Sources>

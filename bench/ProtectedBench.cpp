@@ -112,7 +112,7 @@ void LookUp(benchmark::State& state, bool isProtected) {
     for (int i = 0; i < kEntries; ++i) {
         keys.push_back(isProtected ? KeyOf(i) : PlainKeyOf(i));
     }
-    const KeySequence sequence(keys);
+    const KeySequence sequence(keys, Draws(keys.size()));
     for (const char* const each : sequence) {
         if (ZuGetLocalizedString(each) == nullptr) {  // now it is cached
             state.SkipWithError("no answer");
