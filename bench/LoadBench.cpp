@@ -12,6 +12,7 @@
 #include "bench/Caches.h"
 #include "bench/Check.h"
 #include "bench/Corpus.h"
+#include "bench/peers/Floor.h"
 #include "bench/peers/GLib.h"
 #include "bench/peers/NlohmannJson.h"
 #include "bench/peers/OrvaLanguage.h"
@@ -88,35 +89,53 @@ std::string FileOf(int sections, int entries) {
     return file;
 }
 
+// Loads a section of the file "x", and says whether it has so many entries.
+using Loader = bool (*)(const TemporaryBundle&, const std::string& section, int entries);
+
+bool LoadWithLibrary(const TemporaryBundle& bundle, const std::string& section, int entries) {
+    return ZuLoadStrings(section.c_str(), "x", bundle.Get()) == entries + 1;  // and its header
+}
+
+bool LoadWithFloor(const TemporaryBundle& bundle, const std::string& section, int entries) {
+    return Floor(bundle.Resources() / "x", section).Size() == static_cast<std::size_t>(entries);
+}
+
 // Arguments: entries in each of ten sections, which one is loaded.
-void LoadSection(benchmark::State& state) {
+void LoadSection(benchmark::State& state, Loader load) {
     const auto entries = static_cast<int>(state.range(0));
     const std::string section = std::to_string(state.range(1));
     const std::string file = FileOf(kSections, entries);
     const TemporaryBundle bundle;
     bundle.Write("x", file);
     for (auto _ : state) {
-        if (ZuLoadStrings(section.c_str(), "x", bundle.Get()) != entries + 1) {
+        if (!load(bundle, section, entries)) {
             state.SkipWithError("the load failed");
         }
     }
     // How many bytes precede the section.
     state.counters["skipped"] = static_cast<double>(file.find("QVLANG=" + section));
 }
-BENCHMARK(LoadSection)->Args({10'000, 0})->Args({10'000, kSections - 1});
 
 // Argument: entries.
-void LoadGrowing(benchmark::State& state) {
+void LoadGrowing(benchmark::State& state, Loader load) {
     const auto entries = static_cast<int>(state.range(0));
     const TemporaryBundle bundle;
     bundle.Write("x", FileOf(1, entries));
     for (auto _ : state) {
-        if (ZuLoadStrings("", "x", bundle.Get()) != entries + 1) {
+        if (!load(bundle, "0", entries)) {
             state.SkipWithError("the load failed");
         }
     }
 }
-BENCHMARK(LoadGrowing)->RangeMultiplier(10)->Range(1000, 1'000'000);
+
+void RegisterGenerated(const std::string& name, Loader load) {
+    benchmark::RegisterBenchmark(("LoadSection/" + name).c_str(), LoadSection, load)
+        ->Args({10'000, 0})
+        ->Args({10'000, kSections - 1});
+    benchmark::RegisterBenchmark(("LoadGrowing/" + name).c_str(), LoadGrowing, load)
+        ->RangeMultiplier(10)
+        ->Range(1000, 1'000'000);
+}
 
 }  // namespace
 
@@ -127,7 +146,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     for (int i = 1; i < argc; ++i) {
-        RegisterEach<OrvaLanguage, StandardMap, GLib, NlohmannJson>(Corpus(argv[i]));
+        RegisterEach<OrvaLanguage, StandardMap, GLib, NlohmannJson, Floor>(Corpus(argv[i]));
     }
+    RegisterGenerated(OrvaLanguage::kName, LoadWithLibrary);
+    RegisterGenerated(Floor::kName, LoadWithFloor);
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -15,6 +15,7 @@
 #include "bench/Check.h"
 #include "bench/Corpus.h"
 #include "bench/peers/BoostLocale.h"
+#include "bench/peers/Floor.h"
 #include "bench/peers/GLib.h"
 #include "bench/peers/Gettext.h"
 #include "bench/peers/Icu.h"
@@ -113,7 +114,7 @@ int main(int argc, char** argv) {
         std::fputs("Usage: lookup_bench CORPUS [OPTION…]\n", stderr);
         return 2;
     }
-    RegisterEach<OrvaLanguage, Icu, BoostLocale, QtTranslator, GLib, Gettext, StandardMap>(
+    RegisterEach<OrvaLanguage, Icu, BoostLocale, QtTranslator, GLib, Gettext, StandardMap, Floor>(
         Corpus(argv[1]));
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -77,10 +77,12 @@ int main(int argc, char** argv) {
         RegisterStart(program, "");
         RegisterMemory("Resident", program, "memory");
     }
-    for (const char* const program : {"host_orvalanguage", "host_gettext", "host_icu", "host_qt"}) {
+    for (const char* const program :
+         {"host_orvalanguage", "host_gettext", "host_icu", "host_qt", "host_floor"}) {
         RegisterStart(program, argv[1]);
     }
-    for (const char* const program : {"host_orvalanguage", "host_map"}) {
+    for (const char* const program :
+         {"host_orvalanguage", "host_map", "host_glib", "host_json", "host_floor"}) {
         RegisterMemory("Heap", program, std::string("'") + argv[2] + "' memory");
     }
     benchmark::RunSpecifiedBenchmarks();
