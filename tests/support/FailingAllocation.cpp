@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -135,7 +134,9 @@ void* operator new(std::size_t size, const std::nothrow_t& /*isNothrow*/) noexce
     }
 }
 void* operator new[](std::size_t size, std::align_val_t alignment) {
-    assert(static_cast<std::size_t>(alignment) <= kHeader);
+    if (static_cast<std::size_t>(alignment) > kHeader) {
+        throw std::bad_alloc();
+    }
     return Allocate(size);
 }
 void operator delete(void* block) noexcept {
