@@ -282,6 +282,7 @@ TEST(GetLocalizedElement, SplitsAnEntry) {
         {"ABCD=\"open\\nend", {"ABCD", "open\nend"}},
         {"ABCD=before\"open", {"ABCD", "open"}},
         {"ABCD=open\"", {"ABCD", ""}},
+        {"ABCD=#\"x\"", {"ABCD", "x"}},
         {"ABCD=\"k=v\" ;x", {"ABCD", "k=v"}},
         {"ABCD=a=b=c", {"ABCD", "a=b=c"}},
         {"ABCD==", {"ABCD", "="}},
