@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::size_t kFirstGroups = 32;
-// Each block is twice as large as the one before, between these limits: a small map takes little
+// Each block is twice as large as the last one, between these limits: a small map takes little
 // memory, and a large one few blocks.
 constexpr std::size_t kFirstBlock = std::size_t{4} * 1024;
 constexpr std::size_t kMaxBlock = std::size_t{64} * 1024;

@@ -91,6 +91,13 @@ TEST_F(ZuGetLocalizedStringTest, ProtectsByTheFirstThreeBytes) {
     }
 }
 
+TEST_F(ZuGetLocalizedStringTest, DecodesAValueUnderAnyProtectedKey) {
+    ASSERT_EQ(Load(Line("IDE_VALUE", "text") + Line("IDE_COPY", "text")), 3);
+    ASSERT_STREQ(KorGetLocalizedString("IDE_VALUE"), KorGetLocalizedString("IDE_COPY"));
+    EXPECT_STREQ(ZuGetLocalizedString("IDE_VALUE"), "text");
+    EXPECT_STREQ(ZuGetLocalizedString("IDE_COPY"), "text");
+}
+
 TEST_F(ZuGetLocalizedStringTest, AnswersNullAfterALoadThatFailed) {
     ASSERT_EQ(Load("MENU_SHUT=\"Shut\"\n" + Line("IDE_SHUT", "Shut")), 3);
     EXPECT_STREQ(ZuGetLocalizedString("IDE_SHUT"), "Shut");

@@ -192,6 +192,17 @@ private:
     const char* m_region;
 };
 
+TEST(KorStringKeywords, AreThoseOfALoad) {
+    const KeywordGuard guard;
+    const TemporaryBundle bundle;
+    bundle.Write("x", "QVLANG=fr\nLANGUAGE:en\nABCD=1\nQVLANG=en\nLANGUAGE:de\nEFGH=1\n");
+    KorString::LANG_STATEMENT = "LANGUAGE:";
+    EXPECT_EQ(KorLoadStrings("en", "x", bundle.Get()), 2) << "the header has no \"=\"";
+    EXPECT_STREQ(KorGetLocalizedString("ABCD"), "1");
+    EXPECT_STREQ(KorGetLocalizedString("QVLANG"), "en");
+    EXPECT_EQ(KorLoadStrings("missing", "x", bundle.Get()), 2) << "the first section";
+}
+
 TEST(KorStringKeywords, AreReadAtEveryCall) {
     const KeywordGuard guard;
     char keyword[] = "LANGUAGE:";

@@ -137,7 +137,7 @@ TEST(StringMap, HashesKeysApart) {
     std::sort(hashes.begin(), hashes.end());
     EXPECT_EQ(std::unique(hashes.begin(), hashes.end()) - hashes.begin(), keys);
 
-    // The bits that choose a slot: as many balls as boxes, thrown at random, fill 63 % of the
+    // The bits that choose a group: as many balls as boxes, thrown at random, fill 63 % of the
     // boxes.
     constexpr std::size_t kBoxes = 1 << 15;
     ASSERT_GT(keys, kBoxes);
@@ -148,6 +148,16 @@ TEST(StringMap, HashesKeysApart) {
     }
     const auto filled = std::count(isFilled.begin(), isFilled.end(), true);
     EXPECT_NEAR(static_cast<double>(filled) / kBoxes, 0.632, 0.01);
+
+    // The seven bits that tell the keys of a group apart are each value equally often.
+    std::vector<double> counts(128);
+    for (const std::size_t hash : hashes) {
+        ++counts[hash >> 57U];
+    }
+    const auto [fewest, most] = std::minmax_element(counts.begin(), counts.end());
+    const double average = static_cast<double>(keys) / 128;
+    EXPECT_GT(*fewest, average * 0.7);
+    EXPECT_LT(*most, average * 1.3);
 }
 
 TEST(StringMap, StaysFastWithKeysOfOneHash) {

@@ -16,6 +16,8 @@ public:
     // Keeps a view of the bytes, so they must outlive the object, and must not change.
     explicit StringsDocument(const std::string& bytes) : m_bytes(bytes) {}
     explicit StringsDocument(std::string&&) = delete;
+    StringsDocument(const StringsDocument&) = delete;
+    StringsDocument& operator=(const StringsDocument&) = delete;
 
     // Reads the file from its start, without the changes.
     StringsReader Lines() const { return StringsReader(m_bytes); }

@@ -35,6 +35,7 @@ bool IsHeader(std::string_view text) {
 
 bool StringsReader::Next() {
     if (m_rest.empty()) {
+        m_line = {};
         m_isHeader = false;
         return false;
     }

@@ -40,7 +40,7 @@ public:
     // Goes to the next line. Returns false if no line is left.
     bool Next();
 
-    // Everything below is about the line that Next has gone to.
+    // The functions below are about the line that Next has gone to, or an empty one if none was left.
 
     const StringsLine& Line() const { return m_line; }
 
@@ -53,8 +53,8 @@ public:
     // Whether it is a header or below one.
     bool IsInSection() const { return m_isInSection; }
 
-    // The entry that it makes, if any: only a line below a header makes one. The value is valid
-    // until this is called again.
+    // The entry that it makes, if any: only a line below a header makes one. The value may be in
+    // this object, which keeps it until this is called again.
     std::optional<StringsEntry> Entry();
 
 private:
