@@ -138,6 +138,14 @@ TEST(AllocationFailure, InALoadLeavesTheEarlierTableOrTheEntriesReadSoFar) {
     }
 }
 
+// Growing with the text, the result would need several allocations.
+TEST(AllocationFailure, CanHappenOnceInConvertingAText) {
+    const std::string text = kLong + "\\n" + kLong;
+    const FailingAllocation failing(2);
+    EXPECT_EQ(KorString::ConvertNewLine(&text).size(), text.size() - 1);
+    EXPECT_FALSE(FailingAllocation::HasFailed());
+}
+
 TEST(AllocationFailure, CannotHappenInAPlainLookup) {
     const TemporaryBundle bundle;
     bundle.Write("x", "QVLANG=en\n" + kLong + "=1\n");
