@@ -43,7 +43,7 @@ private:
     std::vector<std::string> m_keys;
 };
 
-// Which of so many keys to look up in turn, at random; the same in every run. There are enough that
+// Which of that many keys to look up in turn, at random; the same in every run. There are enough that
 // no processor learns their order, as it does with a thousand repeated keys: a tree search would
 // then seem three times as fast as it is.
 inline std::vector<std::size_t> Draws(std::size_t keys) {
@@ -57,7 +57,7 @@ inline std::vector<std::size_t> Draws(std::size_t keys) {
     return draws;
 }
 
-// Each of so many keys once, in random order; the same in every run.
+// Each of that many keys once, in random order; the same in every run.
 inline std::vector<std::size_t> EachOnce(std::size_t keys) {
     std::vector<std::size_t> order(keys);
     std::iota(order.begin(), order.end(), std::size_t{0});

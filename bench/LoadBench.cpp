@@ -89,7 +89,7 @@ std::string FileOf(int sections, int entries) {
     return file;
 }
 
-// Loads a section of the file "x", and says whether it has so many entries.
+// Loads a section of the file "x", and says whether it has that many entries.
 using Loader = bool (*)(const TemporaryBundle&, const std::string& section, int entries);
 
 bool LoadWithLibrary(const TemporaryBundle& bundle, const std::string& section, int entries) {

@@ -218,7 +218,7 @@ TEST_F(HostileFiles, WhatIsNotOpenedKeepsTheTableAndWhatHoldsNothingEmptiesIt) {
     }
 }
 
-// While it lives, the process does not run as root, who may read everything.
+// While it lives, the process does not run as root, which may read everything.
 class NotRoot {
 public:
     NotRoot() : m_user(geteuid()) {
