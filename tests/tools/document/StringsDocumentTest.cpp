@@ -384,4 +384,15 @@ TEST(StringsReader, GoesOnFromACopy) {
     EXPECT_TRUE(copy.IsInSection());
 }
 
+TEST(StringsReader, IsAtNoLineAfterTheLast) {
+    StringsReader lines("QVLANG=en\nABCD=1\nQVLANG=fr");
+    while (lines.Next()) {
+    }
+    EXPECT_EQ(lines.Line().text, "");
+    EXPECT_FALSE(lines.IsHeader());
+    EXPECT_FALSE(lines.Entry());
+    EXPECT_TRUE(lines.IsInSection());
+    EXPECT_FALSE(lines.Next());
+}
+
 }  // namespace
