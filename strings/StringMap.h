@@ -188,7 +188,8 @@ private:
         char m_addresses[kSlots][kAddress];  // the lowest byte first
         std::uint8_t m_nTags[kSlots];
     };
-    static_assert(sizeof(Group) == 64 && alignof(Group) == 64, "a group is a cache line");
+    static_assert(sizeof(Group) == 64, "a group is as large as a cache line");
+    static_assert(alignof(Group) == 64, "a group begins with a cache line");
     static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "a group's first slot is its lowest");
 
     // Built for lookups, by far the most frequent operation: a hash leads to one group and that to
