@@ -36,6 +36,7 @@ enum class Rule {
     kKeyCase,
     // Values.
     kOneQuote,
+    kTextBeforeQuote,
     kSwallowedText,
     kTextAfterQuote,
     kUnquotedNewLine,
