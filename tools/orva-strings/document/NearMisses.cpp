@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "tools/orva-strings/document/LineText.h"
+
 namespace {
 
 // Calls visit(text, isWholeLine) for a line's text, and again for the text after each carriage
@@ -16,14 +18,6 @@ void ForEachPiece(std::string_view text, const Visit& visit) {
         visit(text.substr(at + 1, next - at - 1), false);
         at = next;
     }
-}
-
-std::string_view WithoutByteOrderMarks(std::string_view text) {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    while (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-        text.remove_prefix(kByteOrderMark.size());
-    }
-    return text;
 }
 
 bool IsLetter(char c) {
