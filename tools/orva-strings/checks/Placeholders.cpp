@@ -1,0 +1,201 @@
+#include "tools/orva-strings/checks/Placeholders.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace {
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool IsLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool IsIn(char c, std::string_view set) {
+    return set.find(c) != std::string_view::npos;
+}
+
+bool IsBefore(const Placeholder& a, const Placeholder& b) {
+    return a.meaning < b.meaning;
+}
+
+// Goes through one text.
+class Scanner {
+public:
+    explicit Scanner(std::string_view text) : m_text(text) {}
+
+    Placeholders Scan();
+
+private:
+    char At(std::size_t i) const { return i < m_text.size() ? m_text[i] : '\0'; }
+
+    std::size_t Skip(std::size_t i, bool (*isSkipped)(char)) const {
+        while (i < m_text.size() && isSkipped(m_text[i])) {
+            ++i;
+        }
+        return i;
+    }
+
+    // Each returns where the text goes on after what begins at i.
+    std::size_t Percent(std::size_t i);
+    std::size_t Named(std::size_t i);
+    std::size_t Conversion(std::size_t i);
+    std::size_t Numbered(std::size_t i);
+    std::size_t Brace(std::size_t i);
+
+    // A field's width or precision from i on: digits, or a star, which takes an argument.
+    std::size_t Size(std::size_t i);
+
+    void Add(std::string meaning, std::size_t begin, std::size_t end) {
+        m_found.list.push_back(
+            {std::move(meaning), std::string(m_text.substr(begin, end - begin))});
+    }
+
+    std::string NextArgument() { return '%' + std::to_string(++m_arguments) + '$'; }
+
+    std::string_view m_text;
+    std::size_t m_lastClose = m_text.find_last_of('}') + 1;  // after it; 0 if there is no brace
+    std::size_t m_arguments = 0;                             // of printf, without a position
+    std::size_t m_braces = 0;                                // without a name
+    Placeholders m_found;
+};
+
+Placeholders Scanner::Scan() {
+    for (std::size_t i = 0; (i = m_text.find_first_of("%{", i)) != std::string_view::npos;) {
+        i = m_text[i] == '%' ? Percent(i) : Brace(i);
+    }
+    auto& list = m_found.list;
+    std::sort(list.begin(), list.end(), IsBefore);
+    list.erase(std::unique(list.begin(), list.end(),
+                           [](const auto& a, const auto& b) { return a.meaning == b.meaning; }),
+               list.end());
+    return std::move(m_found);
+}
+
+std::size_t Scanner::Percent(std::size_t i) {
+    switch (At(i + 1)) {
+        case '%':
+            return i + 2;
+        case '(':
+            return Named(i);
+        case '@':
+            Add(NextArgument() + '@', i, i + 2);
+            return i + 2;
+        default:
+            return Conversion(i);
+    }
+}
+
+// %(name)s
+std::size_t Scanner::Named(std::size_t i) {
+    const std::size_t close = Skip(i + 2, [](char c) { return !IsIn(c, "()%"); });
+    if (At(close) != ')') {
+        return i + 2;
+    }
+    const std::size_t letter =
+        Skip(close + 1, [](char c) { return IsDigit(c) || IsIn(c, "-+#.hlL"); });
+    if (!IsLetter(At(letter))) {
+        return i + 2;
+    }
+    Add(std::string(m_text.substr(i, close + 1 - i)) + At(letter), i, letter + 1);
+    return letter + 1;
+}
+
+std::size_t Scanner::Size(std::size_t i) {
+    if (At(i) == '*') {
+        Add(NextArgument() + 'd', i, i + 1);
+        return i + 1;
+    }
+    return Skip(i, IsDigit);
+}
+
+// A conversion of printf; if it is none, one of the others.
+std::size_t Scanner::Conversion(std::size_t percent) {
+    const std::size_t found = m_found.list.size();
+    const std::size_t arguments = m_arguments;
+    std::size_t i = Skip(percent + 1, IsDigit);
+    const bool hasPosition = i > percent + 1 && At(i) == '$';
+    const std::size_t begin = hasPosition ? i + 1 : percent + 1;
+    const std::size_t flags = Skip(begin, [](char c) { return IsIn(c, "-+#0'"); });
+    i = Size(flags);
+    const bool hasOnlyWidth = !hasPosition && flags == begin && i > begin;
+    if (At(i) == '.') {
+        i = Size(i + 1);
+    }
+    const std::size_t length = i;
+    i = Skip(i, [](char c) { return IsIn(c, "hlqLjzt"); });
+    const char letter = At(i);
+    const bool isWord = IsLetter(At(i + 1));
+    const bool isConversion =
+        letter != '\0' && IsIn(letter, "diouxXeEfFgGaAcCsSpn@") &&
+        // "%1days" begins with %1, and "100%ig" has a percent sign
+        !(isWord && (hasOnlyWidth || (percent > 0 && IsDigit(At(percent - 1)))));
+    if (!isConversion) {
+        m_found.list.resize(found);  // without the arguments of its stars
+        m_arguments = arguments;
+        return Numbered(percent);
+    }
+    const std::string kind =
+        std::string(m_text.substr(length, i - length)) + (letter == 'i' ? 'd' : letter);
+    Add((hasPosition ? std::string(m_text.substr(percent, begin - percent)) : NextArgument()) +
+            kind,
+        percent, i + 1);
+    return i + 1;
+}
+
+// %1 or %L1. Anything else is no placeholder, but may be one of strftime.
+std::size_t Scanner::Numbered(std::size_t percent) {
+    const std::size_t begin = percent + (At(percent + 1) == 'L' ? 2 : 1);
+    const std::size_t end = std::min(Skip(begin, IsDigit), begin + 2);
+    if (end > begin) {
+        Add('%' + std::string(m_text.substr(begin, end - begin)), percent, end);
+        return end;
+    }
+    const std::size_t letter = Skip(percent + 1, [](char c) { return IsIn(c, "-_O"); });
+    m_found.isTime =
+        m_found.isTime || (At(letter) != '\0' && IsIn(At(letter), "YmHMBbyIjklTDRPZVUWw"));
+    return percent + 1;
+}
+
+std::size_t Scanner::Brace(std::size_t open) {
+    const std::size_t end =
+        Skip(open + 1, [](char c) { return IsLetter(c) || IsDigit(c) || IsIn(c, "_."); });
+    const bool hasName = end > open + 1;
+    if (At(end) != '}' && (!hasName || !IsIn(At(end), ",:!") || end > m_lastClose)) {
+        return open + 1;
+    }
+    const std::string name(m_text.substr(open + 1, end - open - 1));
+    Placeholder found = {'{' + (hasName ? name : ' ' + std::to_string(++m_braces)),
+                         '{' + name + '}'};
+    m_found.list.push_back(std::move(found));
+    // The alternatives after a comma have braces of their own.
+    std::size_t depth = 1;
+    std::size_t i = end;
+    for (; i < m_text.size() && depth > 0; ++i) {
+        depth += m_text[i] == '{' ? 1 : 0;
+        depth -= m_text[i] == '}' ? 1 : 0;
+    }
+    return i;
+}
+
+}  // namespace
+
+Placeholders FindPlaceholders(std::string_view text) {
+    const auto has = [&](char c) { return text.find(c) != std::string_view::npos; };
+    return has('%') || has('{') ? Scanner(text).Scan() : Placeholders();  // most have neither
+}
+
+std::string Missing(const Placeholders& a, const Placeholders& b) {
+    std::string missing;
+    for (const Placeholder& placeholder : a.list) {
+        const bool isInB = std::binary_search(b.list.begin(), b.list.end(), placeholder, IsBefore);
+        if (!isInB) {
+            missing += missing.empty() ? "" : " ";
+            missing += placeholder.written;
+        }
+    }
+    return missing;
+}
