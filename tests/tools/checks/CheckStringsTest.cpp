@@ -1,0 +1,491 @@
+// What check finds in the bytes of a file, and where.
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/StoredForm.h"
+#include "tools/orva-strings/checks/CheckStrings.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+
+using namespace std::string_literals;  // for texts that hold NUL bytes
+
+namespace {
+
+using Set = std::function<void(CheckOptions&)>;
+
+RuleFindings Find(
+    std::string_view bytes, const Set& set = [](CheckOptions&) {}) {
+    const ProtectionKeys keys = MasterKey::BuiltIn().Derive();
+    CheckOptions options(keys);
+    set(options);
+    return CheckStrings(bytes, options);
+}
+
+// The findings' places, severities and rules, in order: "2:1 error short-key", each with a line feed.
+std::string Check(
+    std::string_view bytes, const Set& set = [](CheckOptions&) {}) {
+    std::string found;
+    for (const RuleFinding& finding : Find(bytes, set)) {
+        if (finding.place) {
+            found += std::to_string(finding.place->line + 1) + ':' +
+                     std::to_string(finding.place->column + 1) + ' ';
+        }
+        found += finding.severity == Severity::kError ? "error " : "warning ";
+        found += TextOf(finding.rule).name;
+        found += '\n';
+    }
+    return found;
+}
+
+// The findings in a line within a section.
+std::string CheckLine(const std::string& line) {
+    return Check("QVLANG=en\n" + line + '\n');
+}
+
+// The sentence of the only finding.
+std::string Sentence(
+    std::string_view bytes, const Set& set = [](CheckOptions&) {}) {
+    const RuleFindings findings = Find(bytes, set);
+    return findings.size() == 1 ? findings[0].text : std::to_string(findings.size()) + " findings";
+}
+
+void Ship(CheckOptions& options) {
+    options.isShipped = true;
+}
+
+Set Enable(Rule rule) {
+    return [rule](CheckOptions& options) {
+        options.severities[static_cast<std::size_t>(rule)] = Severity::kWarning;
+    };
+}
+
+const Bytes kKey = DevelopmentKey();
+
+TEST(CheckStrings, FindsNothingInARightFile) {
+    EXPECT_EQ(
+        Check("Notes: see x = y\nQVLANG=en\n\n# comment\n// comment\n; comment\n/* c */\n-- c\n"
+              "MENU_OPEN=\"Open\"\nASK_SAVE=\"Save?\\nReally?\"\nIDE_TITLE=\"Title\"\n"
+              "QVLANG=de\nMENU_OPEN=\"Öffnen\"\nASK_SAVE=\"Sichern?\\nWirklich?\"\n"
+              "IDE_TITLE=\"Title\"\n"),
+        "");
+    EXPECT_EQ(Check("QVLANG=en\r\nMENU_OPEN=\"Open\"\r\n"), "");
+    EXPECT_EQ(Check("QVLANG=en\nMENU_OPEN=\"Open\""), "");
+    EXPECT_EQ(Check("QVLANG=en\r"), "") << "one line, whose ending is a carriage return";
+}
+
+TEST(CheckStrings, FindsFilesWithoutASection) {
+    EXPECT_EQ(Check(""), "error no-section\n");
+    EXPECT_EQ(Check("MENU_OPEN=\"Open\"\n"), "error no-section\n");
+    EXPECT_EQ(Check("QVLAND=\"Open\"\n"), "error no-section\n1:1 error near-header\n");
+}
+
+TEST(CheckStrings, FindsUtf16) {
+    EXPECT_EQ(Check("\xFF\xFEQ\0"s), "error utf-16\n");
+    EXPECT_EQ(Check("\xFE\xFF\0Q"s), "error utf-16\n");
+    EXPECT_EQ(Check("Q\0V\0"s), "error utf-16\n");
+    EXPECT_EQ(Check("\0Q\0V"s), "error utf-16\n");
+    EXPECT_EQ(Check("QVLANG=en\nAAAA=\"\0\0\"\n"s), "2:7 error nul-byte\n");
+    EXPECT_EQ(Check("\0"s), "error no-section\n1:1 error nul-byte\n");
+    EXPECT_EQ(Check("\0\0\0\0"s), "error no-section\n1:1 error nul-byte\n");
+    EXPECT_EQ(Check("Q"), "error no-section\n");
+}
+
+TEST(CheckStrings, FindsCarriageReturnsAsLineEnds) {
+    EXPECT_EQ(Check("QVLANG=en\rMENU_OPEN=\"Open\"\r"), "error carriage-return\n");
+    EXPECT_EQ(Check("\rMENU_OPEN=\"Open\""), "error carriage-return\n");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"Open\rFile\"\n"), "2:11 warning control-byte\n");
+    EXPECT_EQ(Check("\r"), "error no-section\n");
+}
+
+TEST(CheckStrings, FindsByteOrderMarks) {
+    EXPECT_EQ(Check("\xEF\xBB\xBFQVLANG=en\nMENU=\"Open\"\n"), "1:1 error byte-order-mark\n");
+    EXPECT_EQ(Check("QVLANG=en\n\xEF\xBB\xBFMENU=\"Open\"\n"), "2:1 error byte-order-mark\n");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"\xEF\xBB\xBFOpen\"\n"), "") << "not at a line's start";
+}
+
+TEST(CheckStrings, FindsBytesThatAreNoText) {
+    EXPECT_EQ(CheckLine("MENU=\"Op\x1B"
+                        "en\""),
+              "2:9 warning control-byte\n");
+    EXPECT_EQ(CheckLine("MENU=\"Op\x7F"
+                        "en\""),
+              "2:9 warning control-byte\n");
+    EXPECT_EQ(CheckLine("MENU=\"Op\ten\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"\xD6"
+                        "ffnen\""),
+              "2:7 warning not-utf-8\n");
+    EXPECT_EQ(CheckLine("MENU=\"\xC3\""), "2:7 warning not-utf-8\n");
+    EXPECT_EQ(CheckLine("MENU=\"ÖÖ\xED\xA0\x80\""), "2:9 warning not-utf-8\n");
+    EXPECT_EQ(Sentence("QVLANG=en\nMENU=\"\x1B\"\n"),
+              "the control character 1B is part of what the library reads; remove it");
+    EXPECT_EQ(Sentence("QVLANG=en\nMENU=\"\xD6\"\n"),
+              "the byte D6 is not UTF-8, and a host gets it as it is; save the file in UTF-8");
+}
+
+TEST(CheckStrings, CountsColumnsInCharacters) {
+    EXPECT_EQ(CheckLine("ÄÖÜß=\"\xFF\xFF\x01\""),
+              "2:7 warning not-utf-8\n2:9 warning control-byte\n");
+}
+
+TEST(CheckStrings, FindsConflicts) {
+    EXPECT_EQ(Check("QVLANG=en\n<<<<<<< HEAD\nMENU=\"a\"\n||||||| base\nMENU=\"b\"\n=======\n"
+                    "MENU=\"c\"\n>>>>>>> other\n"),
+              "2:1 error conflict-marker\n4:1 error conflict-marker\n5:1 error duplicate-key\n"
+              "6:1 error conflict-marker\n7:1 error duplicate-key\n8:1 error conflict-marker\n");
+    EXPECT_EQ(CheckLine("======="), "2:1 error conflict-marker\n");
+    EXPECT_EQ(CheckLine("========"), "2:1 warning unread-line\n");
+    EXPECT_EQ(CheckLine(">>>>>>>"), "2:1 warning unread-line\n");
+}
+
+TEST(CheckStrings, FindsLinesThatAreNearlyHeaders) {
+    for (const char* const header : {" QVLANG=de", "QVLANG =de", "qvlang=de", "Qvlang=de",
+                                     "QVLAN=de", "QVLNAG=de", "\tQVLANG = de"}) {
+        EXPECT_EQ(Check("QVLANG=en\nMENU=\"Open\"\n"s + header + "\nMENU=\"Öffnen\"\n"),
+                  "3:1 error near-header\n")
+            << header;
+    }
+    EXPECT_EQ(Sentence("QVLANG=en\n QVLANG=\"de\"\n"),
+              "this is nearly a header, but opens no section, so the entries below belong to the "
+              "section above; write QVLANG=de");
+    EXPECT_EQ(CheckLine("QVLAND=\"text\""), "2:1 error near-header\n") << "it may be an entry";
+    EXPECT_EQ(CheckLine("# QVLANG"), "");
+}
+
+TEST(CheckStrings, FindsSectionNamesThatNobodyAsksFor) {
+    EXPECT_EQ(Check("QVLANG=\n"), "1:1 error section-name\n");
+    EXPECT_EQ(Check("QVLANG= en\n"), "1:8 error section-name\n");
+    EXPECT_EQ(Check("QVLANG=en \n"), "1:8 error section-name\n");
+    EXPECT_EQ(Check("QVLANG=\"en\"\n"), "1:8 error section-name\n");
+    EXPECT_EQ(Check("QVLANG=e n\n"), "");
+    EXPECT_EQ(Check("QVLANG=  \n"), "1:8 error section-name\n");
+}
+
+TEST(CheckStrings, FindsSectionsThatCannotBeLoaded) {
+    EXPECT_EQ(Check("QVLANG=en\nQVLANG=EN\nQVLANG=de\nQVLANG=En\n"),
+              "2:1 error repeated-section\n4:1 error repeated-section\n");
+    EXPECT_EQ(Check("QVLANG=é\nQVLANG=É\n"), "") << "only ASCII letters have cases here";
+    EXPECT_EQ(Check("QVLANG=en\0x\nQVLANG=en\n"s),
+              "1:10 error nul-byte\n2:1 error repeated-section\n")
+        << "the library compares names up to a NUL byte";
+    EXPECT_EQ(Sentence("QVLANG=en\nQVLANG=EN\n"),
+              "this section can never be loaded, since the one on line 1 has the same name; move "
+              "its entries there");
+}
+
+TEST(CheckStrings, FindsMissingSections) {
+    const auto require = [](CheckOptions& options) { options.required = {"de", "EN", "fr"}; };
+    EXPECT_EQ(Check("QVLANG=en\nQVLANG=fr\n", require), "error missing-section\n");
+    EXPECT_EQ(Check("QVLANG=en\nQVLANG=DE\nQVLANG=FR\n", require), "");
+    EXPECT_EQ(Check("QVLANG=en\n", [](CheckOptions& options) { options.reference = "de"; }),
+              "error missing-section\n");
+    const RuleFindings findings = Find("QVLANG=en\nQVLANG=fr\n", require);
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].section, "de");
+    EXPECT_EQ(findings[0].text,
+              "there is no section de, so a host that asks for it gets the first one; add it");
+}
+
+TEST(CheckStrings, FindsLinesThatAreNotRead) {
+    EXPECT_EQ(CheckLine("some words"), "2:1 warning unread-line\n");
+    EXPECT_EQ(CheckLine("=value"), "2:1 warning unread-line\n");
+    EXPECT_EQ(CheckLine(" \t"), "");
+    EXPECT_EQ(Check("some words\nQVLANG=en\n"), "") << "notes before the first section";
+    EXPECT_EQ(Check("MENU=\"Open\"\nQVLANG=en\n"), "1:1 warning before-first-section\n");
+    EXPECT_EQ(Check("a note = b\nQVLANG=en\n"), "");
+    EXPECT_EQ(Check("OK=\"OK\"\nQVLANG=en\n"), "");
+}
+
+TEST(CheckStrings, FindsKeysThatCannotBeLookedUp) {
+    EXPECT_EQ(CheckLine("OK=\"OK\""), "2:1 error short-key\n");
+    EXPECT_EQ(CheckLine(" A =\"x\""), "2:2 error short-key\n");
+    EXPECT_EQ(CheckLine("MENU =\"x\""), "2:1 error key-blanks\n");
+    EXPECT_EQ(CheckLine("\tMENU=\"x\""), "2:1 error key-blanks\n");
+    EXPECT_EQ(CheckLine("ME NU=\"x\""), "") << "a blank within";
+    EXPECT_EQ(CheckLine("// MENU=\"x\""), "2:1 warning commented-entry\n");
+    EXPECT_EQ(CheckLine("#a=b"), "");
+}
+
+TEST(CheckStrings, FindsRepeatedKeys) {
+    EXPECT_EQ(CheckLine("MENU=\"a\"\nMENU=\"a\""), "3:1 warning duplicate-entry\n");
+    EXPECT_EQ(CheckLine("MENU=\"a\"\nMENU=a"), "3:1 warning duplicate-entry\n") << "the same text";
+    EXPECT_EQ(CheckLine("MENU=\"a\"\nMENU=\"b\"\nMENU=\"a\""),
+              "3:1 error duplicate-key\n4:1 warning duplicate-entry\n");
+    EXPECT_EQ(CheckLine("MENU=\"a\"\nMenu=\"a\"\nmenu=\"b\""),
+              "3:1 warning key-case\n4:1 warning key-case\n");
+    EXPECT_EQ(CheckLine("MENÜ=\"a\"\nMENü=\"a\""), "");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"a\"\nQVLANG=de\nMENU=\"b\"\n"), "");
+    EXPECT_EQ(Sentence("QVLANG=en\nMENU=\"a\"\nMENU=\"b\"\n"),
+              "MENU: lookups answer the text of line 2, which has this key, too; remove one of "
+              "them, or rename its key");
+    EXPECT_EQ(Sentence("QVLANG=en\nMENU=\"a\"\nMenu=\"b\"\n"),
+              "Menu: the key differs from MENU on line 2 only by case; they are two entries");
+}
+
+TEST(CheckStrings, FindsQuotesThatAreMissing) {
+    EXPECT_EQ(CheckLine("MENU=\"Open"), "2:6 error one-quote\n");
+    EXPECT_EQ(CheckLine("MENU=Open\""), "2:10 error one-quote\n");
+    EXPECT_EQ(CheckLine("MENU=Op \"en\" file"),
+              "2:6 error text-before-quote\n2:14 warning text-after-quote\n");
+    EXPECT_EQ(CheckLine("MENU= \"Open\" "), "");
+    EXPECT_EQ(CheckLine("MENU=\"Open\" ; note"), "2:13 warning text-after-quote\n");
+    EXPECT_NE(Sentence("QVLANG=en\nMENU=\"Open\n"), Sentence("QVLANG=en\nMENU=Open\"\n"));
+}
+
+TEST(CheckStrings, FindsTextThatAQuoteSwallows) {
+    EXPECT_EQ(CheckLine("MENU=\"Open\" ; \"note\""), "2:11 error swallowed-text\n");
+    EXPECT_EQ(CheckLine("MENU=\"Open\"# \"note\""), "2:11 error swallowed-text\n");
+    EXPECT_EQ(CheckLine("MENU=\"Open\" // \"note\""), "2:11 error swallowed-text\n");
+    EXPECT_EQ(CheckLine("MENU=\"Open\" / \"note\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"Open\" FILE_OPEN=\"note\""), "2:11 warning swallowed-text\n");
+    EXPECT_EQ(CheckLine("MENU=\"Say \"hi\" now\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"a 5\" disk\""), "");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"Open\" ; \"note\"\n",
+                    [](CheckOptions& options) {
+                        options.severities[static_cast<std::size_t>(Rule::kSwallowedText)] =
+                            std::nullopt;
+                    }),
+              "");
+}
+
+TEST(CheckStrings, FindsEscapesThatAreNone) {
+    for (const char* const escape : {"\\t", "\\\"", "\\\\", "\\r", "\\u00e4"}) {
+        EXPECT_EQ(CheckLine("MENU=\"a"s + escape + " b\""), "2:8 warning unknown-escape\n")
+            << escape;
+    }
+    EXPECT_EQ(CheckLine("MENU=\"a\\n\\N\\x\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"a\\\""), "2:8 warning unknown-escape\n") << "the closing quote";
+    EXPECT_EQ(CheckLine("MENU=a\\tb"), "") << "no escapes without quotes";
+    EXPECT_EQ(CheckLine("MENU=a\\nb"), "2:7 warning unquoted-newline\n");
+}
+
+TEST(CheckStrings, FindsTypographicQuotes) {
+    for (const char* const value : {"“Open”", "„Open“", "«Open»", "‘Open’", " ‹Open› "}) {
+        EXPECT_EQ(CheckLine("MENU="s + value), value[0] == ' ' ? "2:7 warning typographic-quotes\n"
+                                                               : "2:6 warning typographic-quotes\n")
+            << value;
+    }
+    EXPECT_EQ(CheckLine("MENU=\"“Open”\""), "");
+    EXPECT_EQ(CheckLine("MENU=“Open” it"), "");
+    EXPECT_EQ(CheckLine("MENU=“"), "");
+}
+
+TEST(CheckStrings, KnowsProtectedKeys) {
+    EXPECT_EQ(CheckLine("IDEA=\"x\""), "2:1 warning protected-by-chance\n");
+    EXPECT_EQ(CheckLine("IDE1=\"x\"\nIDE_=\"x\"\nIDE x=\"x\"\nIDE =\"x\""),
+              "5:1 error key-blanks\n");
+    EXPECT_EQ(CheckLine("ide_x=\"x\""), "2:1 warning near-protected\n");
+    EXPECT_EQ(CheckLine("ideal=\"x\""), "");
+    EXPECT_EQ(CheckLine("ide_x=\" \""), "") << "nothing to read";
+    EXPECT_EQ(CheckLine("// IDE_X=\"x\""), "2:1 warning commented-entry\n");
+}
+
+TEST(CheckStrings, FindsStoredTextsInASource) {
+    const std::string stored = Stored("text", kKey);
+    EXPECT_EQ(CheckLine("IDE_X=\"" + stored + '"'), "2:8 warning stored-text\n");
+    EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"text\"\nQVLANG=de\nIDE_X=\"" + stored + "\"\n"),
+              "4:8 warning mixed-protection\n");
+    EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"" + stored + "\"\nQVLANG=de\nIDE_X=\"text\"\n"),
+              "2:8 warning stored-text\n4:8 warning mixed-protection\n");
+    EXPECT_EQ(CheckLine("MENU=\"" + stored + '"'), "");
+}
+
+TEST(CheckStrings, FindsTextsThatDoNotDecode) {
+    std::string stored = Stored("text", kKey);
+    for (const bool isShipped : {false, true}) {
+        const auto check = [&](const std::string& value) {
+            return Check("QVLANG=en\nIDE_X=\"" + value + "\"\n",
+                         [&](CheckOptions& options) { options.isShipped = isShipped; });
+        };
+        EXPECT_EQ(check(stored.substr(1)), "2:8 error damaged-text\n");
+        EXPECT_EQ(check(stored.substr(2)), "2:8 error damaged-text\n");
+        EXPECT_EQ(check('0' + stored), "2:8 error damaged-text\n");
+        EXPECT_EQ(check("00" + stored), "2:8 error damaged-text\n");
+        EXPECT_EQ(check("00" + stored.substr(2)), "2:8 error damaged-text\n");
+        EXPECT_EQ(check(std::string(64, 'a')), "2:8 error damaged-text\n") << "small digits";
+        EXPECT_EQ(check(std::string(94, '0')), "2:8 error damaged-text\n");
+        const char* const readable = isShipped ? "2:8 error readable-text\n" : "";
+        EXPECT_EQ(check(stored.substr(3)), readable) << "too short to be meant";
+        EXPECT_EQ(check("000" + stored), readable);
+        EXPECT_EQ(check(std::string(32, '0')), readable);
+        EXPECT_EQ(check('x' + stored), readable);
+    }
+}
+
+TEST(CheckStrings, FindsProtectedTextsThatDiffer) {
+    EXPECT_EQ(Check("QVLANG=a\nIDE_X=\"x\"\nQVLANG=b\nIDE_X=\"y\"\nQVLANG=c\nIDE_X=\"z\"\n"),
+              "4:8 warning protected-texts-differ\n")
+        << "once for each key";
+    EXPECT_EQ(Check("QVLANG=a\nIDE_X=\"" + Stored("x", kKey) + "\"\nQVLANG=b\nIDE_X=\"" +
+                        Stored("y", kKey) + "\"\n",
+                    Ship),
+              "4:8 warning protected-texts-differ\n");
+}
+
+TEST(CheckStrings, HoldsWhatIsShippedToItsKey) {
+    const std::string file = "QVLANG=en\nIDE_X=\"" + Stored("x", kKey) + "\"\n";
+    EXPECT_EQ(Check(file, Ship), "");
+    EXPECT_EQ(Check(file,
+                    [](CheckOptions& options) {
+                        options.isShipped = true;
+                        options.rejectsKey = true;
+                    }),
+              "error development-key\n");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"x\"\n",
+                    [](CheckOptions& options) {
+                        options.isShipped = true;
+                        options.rejectsKey = true;
+                    }),
+              "")
+        << "nothing is protected";
+    EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"x\"\nQVLANG=de\nIDE_X=\"\"\n", Ship),
+              "2:8 error readable-text\n4:8 error readable-text\n"
+              "4:8 warning protected-texts-differ\n4:8 warning empty-text\n");
+}
+
+TEST(CheckStrings, FindsProtectedTextsThatAreReadableElsewhere) {
+    const std::string stored = "IDE_X=\"" + Stored("A secret", kKey) + '"';
+    for (const char* const line :
+         {"# A secret", "# was: A secret", "/* A secret */", "// IDE_X=\"A secret\"",
+          "ide_x=\"A secret\"", "A secret", "# see \"A secret\" here"}) {
+        const std::string found = Check("QVLANG=en\n" + stored + '\n' + line + '\n', Ship);
+        EXPECT_NE(found.find("error leaked-text\n"), std::string::npos) << line << '\n' << found;
+        const std::string before = Check(line + ("\nQVLANG=en\n" + stored + '\n'), Ship);
+        EXPECT_NE(before.find("error leaked-text\n"), std::string::npos) << line << '\n' << before;
+    }
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\nMENU=\"A secret\"\n", Ship),
+              "3:7 error leaked-text\n");
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + " ; A secret\n", Ship),
+              "2:74 warning text-after-quote\n2:76 error leaked-text\n");
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\nMENU=\"Not a secret\"\n", Ship), "");
+    EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"" + Stored("", kKey) + "\"\nMENU=\"\"\n", Ship), "");
+    EXPECT_EQ(Check("QVLANG=en\n# IDE_Y=\"other\"\n", Ship),
+              "2:1 warning commented-entry\n2:3 error leaked-text\n")
+        << "probably meant as a protected entry";
+    EXPECT_EQ(Check("QVLANG=en\n# see IDE_Y=\"" + Stored("other", kKey) + "\"\n", Ship),
+              "2:1 warning commented-entry\n");
+}
+
+TEST(CheckStrings, ComparesPlaceholders) {
+    const auto check = [](const char* reference, const char* text) {
+        return Sentence("QVLANG=en\nMENU=\""s + reference + "\"\nQVLANG=de\nMENU=\"" + text +
+                        "\"\n");
+    };
+    EXPECT_EQ(check("%d of %d", "%d von %d"), "0 findings");
+    EXPECT_EQ(check("%d files", "Dateien"), "MENU: a host fills in %d, which is missing here");
+    EXPECT_EQ(check("%d files", "%s Dateien"), "MENU: a host fills in %d, but here is %s");
+    EXPECT_EQ(check("files", "{0} Dateien"), "MENU: a host fills in no {0}");
+    EXPECT_EQ(check("%H:%M %s", "%H.%M"), "0 findings") << "a time";
+}
+
+TEST(CheckStrings, ComparesWithTheReference) {
+    EXPECT_EQ(Check("QVLANG=en\nAAAA=\"a\"\nBBBB=\"b\"\nQVLANG=de\nBBBB=\"x\"\nCCCC=\"c\"\n"),
+              "4:1 warning missing-key\n6:1 warning extra-key\n");
+    EXPECT_EQ(Check("QVLANG=en\nAAAA=\"a\"\nBBBB=\"b\"\nQVLANG=de\nBBBB=\"x\"\nCCCC=\"c\"\n",
+                    [](CheckOptions& options) { options.reference = "DE"; }),
+              "1:1 warning missing-key\n2:1 warning extra-key\n");
+    EXPECT_EQ(Check("QVLANG=en\nAAAA=\"a\"\nQVLANG=de\nBBBB=\"x\"\n",
+                    [](CheckOptions& options) { options.required = {"DE"}; }),
+              "3:1 error missing-key\n4:1 warning extra-key\n");
+    EXPECT_EQ(Check("QVLANG=en\nAAAA=\"a\"\nQVLANG=de\nAAAA=\"x\"\nQVLANG=DE\nBBBB=\"x\"\n"),
+              "5:1 error repeated-section\n")
+        << "a section that is never loaded is compared with nothing";
+    const RuleFindings findings = Find("QVLANG=en\nAAAA=\"a\"\nQVLANG=de\n");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].section, "de");
+    EXPECT_EQ(findings[0].key, "AAAA");
+}
+
+TEST(CheckStrings, ComparesTexts) {
+    const auto check = [](const std::string& reference, const std::string& text, const Set& set) {
+        return Check("QVLANG=en\nMENU=\"" + reference + "\"\nQVLANG=de\nMENU=\"" + text + "\"\n",
+                     set);
+    };
+    const Set none = [](CheckOptions&) {};
+    EXPECT_EQ(check("a", "", none), "4:7 warning empty-text\n");
+    EXPECT_EQ(check("", "", none), "");
+    EXPECT_EQ(check("a ", "b", none), "4:7 warning outer-blanks\n");
+    EXPECT_EQ(check(" a", "b", none), "4:7 warning outer-blanks\n");
+    EXPECT_EQ(check("a\\n", "b", none), "4:7 warning outer-blanks\n");
+    EXPECT_EQ(check(" a\\n", " b\\n", none), "");
+    EXPECT_EQ(check("a.", "b", none), "");
+    EXPECT_EQ(check("a.", "b", Enable(Rule::kEndPunctuation)), "4:7 warning end-punctuation\n");
+    EXPECT_EQ(check("a.", "b。", Enable(Rule::kEndPunctuation)), "");
+    EXPECT_EQ(check("a...", "b…", Enable(Rule::kEndPunctuation)), "");
+    EXPECT_EQ(check("a...", "b.", Enable(Rule::kEndPunctuation)), "4:7 warning end-punctuation\n");
+    EXPECT_EQ(check("a\\nb", "c", Enable(Rule::kLineCount)), "4:7 warning line-count\n");
+    EXPECT_EQ(check("a\\nb", "c\\nd", Enable(Rule::kLineCount)), "");
+    EXPECT_EQ(check("a", "a", Enable(Rule::kSameText)), "4:7 warning same-text\n");
+    EXPECT_EQ(check("a", "b", Enable(Rule::kSameText)), "");
+}
+
+TEST(CheckStrings, ComparesProtectedTextsDecoded) {
+    const auto entry = [](const char* text) { return "IDE_X=\"" + Stored(text, kKey) + "\"\n"; };
+    EXPECT_EQ(Check("QVLANG=en\n" + entry("%d") + "QVLANG=de\n" + entry("%s"), Ship),
+              "4:8 warning protected-texts-differ\n4:8 error placeholder\n");
+}
+
+TEST(CheckStrings, FindsStaleTranslations) {
+    const std::string earlier =
+        "QVLANG=en\nAAAA=\"a\"\nBBBB=\"b\"\nQVLANG=de\nAAAA=\"x\"\nBBBB=\"y\"\n"
+        "QVLANG=fr\nAAAA=\"x\"\n";
+    const auto check = [&](const char* file) {
+        return Check(file, [&](CheckOptions& options) { options.base = earlier; });
+    };
+    EXPECT_EQ(check("QVLANG=en\nAAAA=\"new\"\nQVLANG=de\nAAAA=\"x\"\nQVLANG=FR\nAAAA=\"x\"\n"),
+              "4:7 warning stale\n6:7 warning stale\n");
+    EXPECT_EQ(check("QVLANG=en\nAAAA=\"new\"\nQVLANG=de\nAAAA=\"neu\"\n"), "");
+    EXPECT_EQ(check("QVLANG=en\nAAAA=\"a\"\nQVLANG=de\nAAAA=\"x\"\n"), "");
+    EXPECT_EQ(check("QVLANG=en\nCCCC=\"c\"\nQVLANG=de\nCCCC=\"x\"\nQVLANG=it\nCCCC=\"x\"\n"), "");
+}
+
+TEST(CheckStrings, FollowsDirectives) {
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks\nMENU =\"x\"\n"), "");
+    EXPECT_EQ(Check("QVLANG=en\n// orva: disable-next-line one-quote key-blanks\nMENU =\"x\n"), "");
+    EXPECT_EQ(Check("QVLANG=en\n/* orva: disable-next-line key-blanks */\n"
+                    "; orva: max-length 5\nMENU =\"x\"\n"),
+              "")
+        << "one directive after another";
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks\n\nMENU =\"x\"\n"),
+              "2:27 warning unused-directive\n4:1 error key-blanks\n");
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks short-key\nMENU =\"x\"\n"),
+              "2:38 warning unused-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks key-blanks\nMENU =\"x\"\n"),
+              "2:38 warning unused-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line same-text\nMENU=\"x\"\n"), "")
+        << "that rule is off";
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks\n"),
+              "2:27 warning unused-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\nAAAA=\"a\"\n# orva: disable-next-line missing-key\nQVLANG=de\n"),
+              "");
+}
+
+TEST(CheckStrings, FindsDirectivesThatCannotBeFollowed) {
+    EXPECT_EQ(CheckLine("# orva: max-length"), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: max-length -1"), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: max-length 1 2"), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: disable-next-line"), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: disable-next-line nothing"), "2:27 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: "), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: max-length=5"),
+              "2:1 warning bad-directive\n2:1 warning commented-entry\n"
+              "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orvaline: nothing"), "");
+}
+
+TEST(CheckStrings, LimitsLengths) {
+    const std::string limit = "# orva: max-length 4\n";
+    EXPECT_EQ(Check("QVLANG=en\n" + limit +
+                    "MENU=\"Open\"\nFILE=\"Opened\"\nQVLANG=de\n"
+                    "MENU=\"Öff…n\"\nFILE=\"Geöffnet\"\n"),
+              "6:7 error max-length\n");
+    EXPECT_EQ(Check("QVLANG=en\n" + limit + "\nMENU=\"Opened\"\n"), "") << "not before the entry";
+    EXPECT_EQ(Check("QVLANG=en\n" + limit + "IDE_=\"" + Stored("fives", kKey) + "\"\n", Ship),
+              "3:7 error max-length\n");
+    EXPECT_EQ(Sentence("QVLANG=en\n" + limit + "MENU=\"Opened\"\n"),
+              "MENU: the text has 6 characters; the limit is 4");
+}
+
+}  // namespace

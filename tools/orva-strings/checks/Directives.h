@@ -1,0 +1,51 @@
+#ifndef ORVALANGUAGE_TOOLS_CHECKS_DIRECTIVES_H
+#define ORVALANGUAGE_TOOLS_CHECKS_DIRECTIVES_H
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tools/orva-strings/checks/FindingCollector.h"
+#include "tools/orva-strings/checks/MeantReader.h"
+
+// The directives in a file: comments that say "orva:" first, and then
+//
+//     disable-next-line RULE…    no findings of these rules about the next line
+//     max-length NUMBER          limits the texts of the next line's key
+//
+// The next line is the first one after it that is no directive itself.
+class Directives {
+public:
+    static constexpr auto kNoLimit = static_cast<std::size_t>(-1);
+
+    // Takes each line of the file, in order. Adds findings about directives that can't be followed.
+    void Read(const MeantReader& line, FindingCollector& findings);
+
+    // The greatest number of characters that a key's text may have, or kNoLimit.
+    std::size_t MaxLength(std::string_view key) const;
+
+    // Removes the findings that are not wanted, and adds one for each directive that silenced
+    // nothing.
+    void Apply(FindingCollector& findings);
+
+private:
+    struct Silence {
+        StringsLine directive;
+        std::string_view section;
+        std::string_view name;  // of the rule, in the directive
+        Rule rule;
+        std::size_t line;  // whose findings it silences
+        bool isUsed;
+    };
+
+    void ReadDirective(std::string_view text, const MeantReader& line, FindingCollector& findings);
+    void AddSilences(std::string_view names, const StringsLine& line, FindingCollector& findings);
+
+    std::vector<Silence> m_silences;
+    std::size_t m_pending = 0;  // the first silence whose line is not known yet
+    std::size_t m_nextLimit = kNoLimit;
+    std::unordered_map<std::string_view, std::size_t> m_limits;
+};
+
+#endif
