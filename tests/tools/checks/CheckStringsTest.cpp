@@ -242,6 +242,11 @@ TEST(CheckStrings, FindsTextThatAQuoteSwallows) {
     EXPECT_EQ(CheckLine("MENU=\"Open\" FILE_OPEN=\"note\""), "2:11 warning swallowed-text\n");
     EXPECT_EQ(CheckLine("MENU=\"Say \"hi\" now\""), "");
     EXPECT_EQ(CheckLine("MENU=\"a 5\" disk\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"no \"%s\"; try \"a\" or \"b\"\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"expected \";\" or \"#\" here\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"a \"b\" c\" ; \"note\""), "2:14 error swallowed-text\n");
+    EXPECT_EQ(CheckLine("MENU=\"set \"name=value\" here\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"say \"hi\" NAME=\"x\"\""), "");
     EXPECT_EQ(Check("QVLANG=en\nMENU=\"Open\" ; \"note\"\n",
                     [](CheckOptions& options) {
                         options.severities[static_cast<std::size_t>(Rule::kSwallowedText)] =
@@ -409,7 +414,12 @@ TEST(CheckStrings, ComparesTexts) {
     EXPECT_EQ(check("a ", "b", none), "4:7 warning outer-blanks\n");
     EXPECT_EQ(check(" a", "b", none), "4:7 warning outer-blanks\n");
     EXPECT_EQ(check("a\\n", "b", none), "4:7 warning outer-blanks\n");
+    EXPECT_EQ(check("a\\n", "b\\n\\n", none), "4:7 warning outer-blanks\n");
     EXPECT_EQ(check(" a\\n", " b\\n", none), "");
+    EXPECT_EQ(check("  a  ", " b ", none), "") << "alignment";
+    EXPECT_EQ(check("a\\n", "b \\n", none), "") << "a blank that nobody sees";
+    EXPECT_EQ(check("Name: ", "名前：", none), "") << "a wide colon needs no blank";
+    EXPECT_EQ(check("Name: ", "Имя:", none), "4:7 warning outer-blanks\n");
     EXPECT_EQ(check("a.", "b", none), "");
     EXPECT_EQ(check("a.", "b", Enable(Rule::kEndPunctuation)), "4:7 warning end-punctuation\n");
     EXPECT_EQ(check("a.", "b。", Enable(Rule::kEndPunctuation)), "");

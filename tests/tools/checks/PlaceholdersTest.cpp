@@ -23,7 +23,10 @@ std::string Written(const char* text) {
 TEST(Placeholders, AreThoseOfPrintf) {
     EXPECT_EQ(Meanings("%d of %s"), "%1$d %2$s");
     EXPECT_EQ(Meanings("%i"), "%1$d") << "the same conversion as %d";
-    EXPECT_EQ(Meanings("%x %X %o %u"), "%1$x %2$X %3$o %4$u");
+    EXPECT_EQ(Meanings("%x %X %o %u"), "%1$x %2$x %3$o %4$u");
+    EXPECT_EQ(Meanings("%e %E %f %F %g %G %a %A"), "%1$e %2$e %3$f %4$f %5$g %6$g %7$a %8$a");
+    EXPECT_EQ(Meanings("%c %C %s %S"), "%1$c %2$C %3$s %4$S") << "of other types";
+    EXPECT_EQ(Meanings("%8ldK"), "%1$ld");
     EXPECT_EQ(Meanings("%lu %lld %zu %hhd %jd %td %Lf %qd"),
               "%1$lu %2$lld %3$zu %4$hhd %5$jd %6$td %7$Lf %8$qd");
     EXPECT_EQ(Meanings("%-5.2f %+d %05d %#x %'d"), "%1$f %2$d %3$d %4$x %5$d");
@@ -47,6 +50,8 @@ TEST(Placeholders, AreNotPercentSigns) {
     EXPECT_EQ(Meanings("100%%d"), "");
     EXPECT_EQ(Meanings("100%iges"), "") << "part of a word after a number";
     EXPECT_EQ(Meanings("%"), "");
+    EXPECT_EQ(Meanings("%-encoding"), "");
+    EXPECT_EQ(Meanings("%-5ds"), "%1$d");
     EXPECT_EQ(Meanings("%5"), "%5");
     EXPECT_EQ(Meanings("% d"), "");
     EXPECT_EQ(Meanings("%-"), "");

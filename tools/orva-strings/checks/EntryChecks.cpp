@@ -22,6 +22,16 @@ bool IsControl(char c) {
     return (static_cast<unsigned char>(c) < ' ' && c != '\0' && c != '\t') || c == '\x7F';
 }
 
+// Whether a line is ASCII without control characters but tabs, as most are.
+bool IsPlain(std::string_view text) {
+    bool isPlain = true;
+    for (const char c : text) {  // without an exit, so that the compiler can take many at a time
+        const auto byte = static_cast<unsigned char>(c);
+        isPlain &= (byte >= ' ' && byte < 0x7F) || byte == '\t';
+    }
+    return isPlain;
+}
+
 void CheckKey(const MeantReader& line, FindingCollector& findings) {
     const std::string_view key = line.Entry()->key;
     if (key.size() != line.Key().size()) {
@@ -31,29 +41,34 @@ void CheckKey(const MeantReader& line, FindingCollector& findings) {
     }
 }
 
-bool IsNoteMark(std::string_view text) {
-    return text.substr(0, 1) == ";" || text.substr(0, 1) == "#" || text.substr(0, 2) == "//";
+// Whether a text begins with a note: a comment's mark that is not quoted itself.
+bool BeginsWithNote(std::string_view text) {
+    const std::size_t mark = text.substr(0, 2) == "//" ? 2 : 1;
+    return (mark == 2 || text.substr(0, 1) == ";" || text.substr(0, 1) == "#") &&
+           text.substr(mark, 1) != "\"";
 }
 
-// Whether a text begins with an entry: a word and an equals sign.
+// Whether a text begins with an entry: a word, an equals sign and a quote.
 bool BeginsWithEntry(std::string_view text) {
-    const std::size_t equals = text.find_first_of("= \t\"");
-    return equals != std::string_view::npos && equals >= 4 && text[equals] == '=';
+    const std::size_t equals = std::min(text.find_first_of("= \t\""), text.size());
+    return equals >= 4 && text.substr(equals, 2) == "=\"";
 }
 
-// Looks for what a later quote has made part of a quoted value.
+// Looks for what a later quote has made part of a quoted value. Only each second quote in it may be
+// the closing one: those between are the ends of quoted words.
 void CheckInnerQuotes(const MeantReader& line, FindingCollector& findings) {
     const std::string_view value = line.Entry()->value;
+    bool mayClose = true;
     for (std::size_t quote = value.find('"'); quote != std::string_view::npos;
-         quote = value.find('"', quote + 1)) {
+         quote = value.find('"', quote + 1), mayClose = !mayClose) {
         const std::string_view rest = TrimBlanks(value.substr(quote + 1));
-        if (IsNoteMark(rest)) {
+        if (mayClose && BeginsWithNote(rest)) {
             findings.AddError(Rule::kSwallowedText, line.Line(), value.substr(quote), line.Key(),
                               "the value reaches to the last quote of the line, so the note after "
                               "this quote is part of the text; remove the quotes in the note");
             return;
         }
-        if (BeginsWithEntry(rest)) {
+        if (mayClose && BeginsWithEntry(rest)) {
             findings.Add(Rule::kSwallowedText, line.Line(), value.substr(quote), line.Key(),
                          "the value reaches to the last quote of the line, so what looks like a "
                          "second entry is part of the text; begin a new line for it");
@@ -135,6 +150,9 @@ void CheckBytes(const StringsLine& line, FindingCollector& findings) {
         findings.Add(Rule::kByteOrderMark, line, text, {},
                      "a byte-order mark is part of this line, so the library does not read it as "
                      "it was meant; remove the mark");
+    }
+    if (IsPlain(text)) {
+        return;
     }
     if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
         findings.Add(Rule::kNulByte, line, text.substr(nul), {},

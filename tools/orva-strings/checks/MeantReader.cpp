@@ -8,6 +8,7 @@ bool MeantReader::Next() {
     m_nearHeader.reset();
     m_entry.reset();
     m_kind = Classify();
+    m_key = m_entry ? TrimBlanks(m_entry->key) : std::string_view();
     m_isInSection = m_isInSection || m_kind == LineKind::kHeader;
     return true;
 }

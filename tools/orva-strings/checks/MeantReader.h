@@ -58,7 +58,7 @@ public:
     const std::optional<LineEntry>& Entry() const { return m_entry; }
 
     // That entry's key.
-    std::string_view Key() const { return TrimBlanks(m_entry->key); }
+    std::string_view Key() const { return m_key; }
 
 private:
     LineKind Classify();
@@ -69,6 +69,7 @@ private:
     bool m_isInSection = false;
     std::optional<NearHeader> m_nearHeader;
     std::optional<LineEntry> m_entry;
+    std::string_view m_key;
 };
 
 #endif

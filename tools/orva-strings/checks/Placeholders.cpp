@@ -18,6 +18,16 @@ bool IsIn(char c, std::string_view set) {
     return set.find(c) != std::string_view::npos;
 }
 
+constexpr std::string_view kConversions = "diouxXeEfFgGaAcCsSpn@";
+
+// A conversion's letter, or that of another one that differs only in how it looks.
+char Kind(char conversion) {
+    if (conversion == 'i') {
+        return 'd';
+    }
+    return IsIn(conversion, "XEFGA") ? static_cast<char>(conversion - 'A' + 'a') : conversion;
+}
+
 bool IsBefore(const Placeholder& a, const Placeholder& b) {
     return a.meaning < b.meaning;
 }
@@ -121,25 +131,24 @@ std::size_t Scanner::Conversion(std::size_t percent) {
     const std::size_t begin = hasPosition ? i + 1 : percent + 1;
     const std::size_t flags = Skip(begin, [](char c) { return IsIn(c, "-+#0'"); });
     i = Size(flags);
-    const bool hasOnlyWidth = !hasPosition && flags == begin && i > begin;
+    const bool hasSize = i > flags;
     if (At(i) == '.') {
         i = Size(i + 1);
     }
     const std::size_t length = i;
     i = Skip(i, [](char c) { return IsIn(c, "hlqLjzt"); });
     const char letter = At(i);
-    const bool isWord = IsLetter(At(i + 1));
-    const bool isConversion =
-        letter != '\0' && IsIn(letter, "diouxXeEfFgGaAcCsSpn@") &&
-        // "%1days" begins with %1, and "100%ig" has a percent sign
-        !(isWord && (hasOnlyWidth || (percent > 0 && IsDigit(At(percent - 1)))));
-    if (!isConversion) {
+    // "%1days" begins with %1; "100%ig" and "%-encoding" have a percent sign.
+    const bool isNumber = !hasPosition && flags == begin && hasSize && i == flags + 1;
+    const bool isAfterNumber = percent > 0 && IsDigit(At(percent - 1));
+    const bool isSign = flags > begin && At(begin) == '-' && !hasSize;
+    const bool isPartOfWord = IsLetter(At(i + 1)) && (isNumber || isAfterNumber || isSign);
+    if (letter == '\0' || !IsIn(letter, kConversions) || isPartOfWord) {
         m_found.list.resize(found);  // without the arguments of its stars
         m_arguments = arguments;
         return Numbered(percent);
     }
-    const std::string kind =
-        std::string(m_text.substr(length, i - length)) + (letter == 'i' ? 'd' : letter);
+    const std::string kind = std::string(m_text.substr(length, i - length)) + Kind(letter);
     Add((hasPosition ? std::string(m_text.substr(percent, begin - percent)) : NextArgument()) +
             kind,
         percent, i + 1);

@@ -10,15 +10,31 @@
 
 namespace {
 
-constexpr char kOuterBlanks[] = " \t\r\n";
+constexpr char kBlanks[] = " \t\r\n";
 
-// The blanks and line breaks at a text's start and end, if it has anything else.
-std::pair<std::string_view, std::string_view> OuterBlanks(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(kOuterBlanks);
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return {text.substr(0, begin), text.substr(text.find_last_not_of(kOuterBlanks) + 1)};
+// What is at one end of a text: so many line breaks or, without any, whether there are blanks. How
+// many blanks there are may be a matter of alignment.
+std::size_t End(std::string_view blanks) {
+    const auto lines = static_cast<std::size_t>(std::count(blanks.begin(), blanks.end(), '\n'));
+    return lines > 0 ? lines + 1 : blanks.empty() ? 0 : 1;
+}
+
+// Whether a text ends with a character of East Asian scripts, whose punctuation needs no blank.
+bool EndsWide(std::string_view text) {
+    return text.size() >= 3 && text[text.size() - 3] >= '\xE3' && text[text.size() - 3] <= '\xEF';
+}
+
+// Whether the blanks or line breaks at the ends of a text differ from those of the reference.
+bool HasOtherEnds(std::string_view reference, std::string_view text) {
+    const auto start = [](std::string_view of) {
+        return of.substr(0, std::min(of.find_first_not_of(kBlanks), of.size()));
+    };
+    const auto rest = [](std::string_view of) {
+        return of.substr(of.find_last_not_of(kBlanks) + 1);
+    };
+    const std::size_t end = End(rest(text));
+    return End(start(reference)) != End(start(text)) ||
+           (End(rest(reference)) != end && !(end == 0 && EndsWide(text)));
 }
 
 // The kind of punctuation with which a text ends, or 0.
@@ -38,7 +54,7 @@ char EndPunctuation(std::string_view text) {
                                                                            {":", ':'},
                                                                            {"：", ':'},
                                                                            {";", ';'}}};
-    text = text.substr(0, text.find_last_not_of(kOuterBlanks) + 1);
+    text = text.substr(0, text.find_last_not_of(kBlanks) + 1);
     const auto* const found = std::find_if(kMarks.begin(), kMarks.end(), [&](const auto& mark) {
         return text.size() >= mark.first.size() &&
                text.substr(text.size() - mark.first.size()) == mark.first;
@@ -156,11 +172,12 @@ void TranslationChecks::Compare(const MeantReader& line, std::string_view refere
     if (m_earlier != nullptr && m_earlier->IsStale(line.Key(), reference, text, m_keys)) {
         add(Rule::kStale, "the reference's text has changed since, but not this translation");
     }
-    if (OuterBlanks(reference) != OuterBlanks(text)) {
+    if (HasOtherEnds(reference, text)) {
         add(Rule::kOuterBlanks,
             "the blanks or line breaks at the text's ends are not those of the reference");
     }
-    if (EndPunctuation(reference) != EndPunctuation(text)) {
+    if (m_findings.IsOn(Rule::kEndPunctuation) &&
+        EndPunctuation(reference) != EndPunctuation(text)) {
         add(Rule::kEndPunctuation, "the text does not end with the reference's punctuation");
     }
     if (std::count(reference.begin(), reference.end(), '\n') !=

@@ -36,7 +36,8 @@ std::string_view WithoutByteOrderMarks(std::string_view text) {
 
 bool IsCommentLike(std::string_view text) {
     constexpr std::string_view kMarks[] = {"#", ";", "//", "/*", "*", "--"};
-    return BeginsWithAny(TrimBlanks(text), kMarks);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    return BeginsWithAny(text, kMarks);
 }
 
 bool IsConflictMarker(std::string_view text) {

@@ -30,11 +30,14 @@ bool CanBeginKey(char c) {
     return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '\r';
 }
 
-// Whether a key was probably meant as a protected one.
+bool BeginsWithIde(std::string_view text) {
+    const auto isLetterOfIde = [&](std::size_t i) { return (text[i] | 0x20) == "ide"[i]; };
+    return text.size() >= 3 && isLetterOfIde(0) && isLetterOfIde(1) && isLetterOfIde(2);
+}
+
+// Whether a key that begins with "ide" in any case was probably meant as a protected one.
 bool IsNearProtectedKey(std::string_view key) {
-    const auto isLetterOfIde = [&](std::size_t i) { return (key[i] | 0x20) == "ide"[i]; };
-    if (key.size() < 3 || !isLetterOfIde(0) || !isLetterOfIde(1) || !isLetterOfIde(2) ||
-        key.find_first_of(" \t") != std::string_view::npos) {
+    if (key.size() < 3 || key.find_first_of(" \t") != std::string_view::npos) {
         return false;
     }
     // "Ideal" is a different word.
@@ -50,6 +53,9 @@ struct NearProtected {
 std::optional<NearProtected> SplitNearProtected(std::string_view text) {
     const auto* const begin = std::find_if(text.begin(), text.end(), CanBeginKey);
     text.remove_prefix(static_cast<std::size_t>(begin - text.begin()));
+    if (!BeginsWithIde(text)) {  // most lines
+        return std::nullopt;
+    }
     // A colon or blanks before a quote may be meant as the equals sign.
     const std::size_t quote = text.find('"');
     std::size_t separator = std::min(text.find('='), text.find_first_of(": \t"));
