@@ -25,9 +25,9 @@ int Run(std::vector<std::string> arguments, const Console& console) {
 }  // namespace
 
 int RunTool(std::vector<std::string> arguments, const std::function<std::string()>& readInput,
-            std::ostream& out, std::ostream& err) {
+            std::ostream& out, std::ostream& err, Terminals terminals) {
     try {
-        const Console console(readInput, out, err);
+        const Console console(readInput, out, err, terminals);
         try {
             return Run(std::move(arguments), console);
         } catch (const std::bad_alloc&) {

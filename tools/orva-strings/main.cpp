@@ -2,6 +2,7 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -18,5 +19,6 @@ int main(int argc, char** argv) {
         std::cerr << "orva-strings: error: out of memory\n";
         return 2;
     }
-    return RunTool(std::move(arguments), ReadStandardInput, std::cout, std::cerr);
+    const Terminals terminals = {isatty(STDOUT_FILENO) != 0, isatty(STDERR_FILENO) != 0};
+    return RunTool(std::move(arguments), ReadStandardInput, std::cout, std::cerr, terminals);
 }

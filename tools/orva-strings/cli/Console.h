@@ -11,14 +11,26 @@
 
 enum ExitStatus { kDone = 0, kFindings = 1, kUsageOrSystem = 2 };
 
+// Which of a command's outputs are terminals.
+struct Terminals {
+    bool isOut = false;
+    bool isErr = false;
+};
+
 // A command's input and output.
 class Console {
 public:
-    // readInput returns standard input's bytes and may throw. All three must outlive the object.
-    Console(const std::function<std::string()>& readInput, std::ostream& out, std::ostream& err)
-        : m_readInput(readInput), m_out(out), m_err(err) {}
+    // readInput returns standard input's bytes and may throw. It and the streams must outlive the
+    // object.
+    Console(const std::function<std::string()>& readInput, std::ostream& out, std::ostream& err,
+            Terminals terminals)
+        : m_readInput(readInput), m_out(out), m_err(err), m_terminals(terminals) {}
 
     std::ostream& Out() const { return m_out; }
+    bool IsOutTerminal() const { return m_terminals.isOut; }
+
+    // Standard error for what only a terminal should get; null if it is none.
+    std::ostream* ErrTerminal() const { return m_terminals.isErr ? &m_err : nullptr; }
 
     // Reads a file, or standard input for "-".
     FileSnapshot Read(const std::string& file) const;
@@ -37,6 +49,7 @@ private:
     const std::function<std::string()>& m_readInput;
     std::ostream& m_out;
     std::ostream& m_err;
+    Terminals m_terminals;
 };
 
 #endif
