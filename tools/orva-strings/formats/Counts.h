@@ -1,0 +1,24 @@
+// What every format says alike.
+#ifndef ORVALANGUAGE_TOOLS_FORMATS_COUNTS_H
+#define ORVALANGUAGE_TOOLS_FORMATS_COUNTS_H
+
+#include <cstddef>
+#include <string>
+
+#include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/formats/Report.h"
+
+// "error" or "warning": check finds nothing else.
+const char* NameOf(Severity severity);
+
+struct Counts {
+    std::size_t errors = 0;
+    std::size_t warnings = 0;
+};
+
+Counts CountsIn(const Report& report);
+
+// Such as "3 errors and 1 warning in 2 files".
+std::string Summary(const Report& report);
+
+#endif
