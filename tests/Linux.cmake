@@ -54,6 +54,14 @@ add_test(NAME interrupted COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/interrupted
     "$<TARGET_FILE:interrupted_orva_strings>")
 set_tests_properties(interrupted PROPERTIES TIMEOUT 300)
 
+# SARIF, validated by its schema with Debian's packages.
+add_executable(print_sarif tools/formats/PrintSarif.cpp)
+target_link_libraries(print_sarif PRIVATE orva_strings_tool)
+orva_set_warnings(print_sarif)
+add_test(NAME sarif_schema COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/formats/sarif_schema_test.sh"
+    "$<TARGET_FILE:print_sarif>")
+set_tests_properties(sarif_schema PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+
 # The tests read in /proc how much memory the process has, and what is in it.
 orva_add_test(hostile_files_memory_tests strings/HostileFilesMemoryTest.cpp)
 target_link_libraries(hostile_files_memory_tests PRIVATE OrvaLanguage)
