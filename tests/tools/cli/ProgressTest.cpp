@@ -7,7 +7,7 @@
 
 #include "tools/orva-strings/cli/Progress.h"
 
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;
 
 namespace {
 

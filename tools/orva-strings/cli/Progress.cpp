@@ -20,6 +20,5 @@ void Progress::Show(std::string_view text) {
 void Progress::Erase() {
     if (m_length > 0) {
         *m_terminal << '\r' << std::string(m_length, ' ') << '\r' << std::flush;
-        m_length = 0;
     }
 }
