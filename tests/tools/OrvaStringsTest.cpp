@@ -1006,6 +1006,7 @@ TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
         {{"protekt"}, "unknown command 'protekt'; did you mean 'protect'?"},
         {{"protekt", "--in-place", "x"}, "unknown command 'protekt'; did you mean 'protect'?"},
         {{"section", "-"}, "unknown command 'section'; did you mean 'sections'?"},
+        {{"SHOW", "-"}, "unknown command 'SHOW'; did you mean 'show'?"},
         {{"Show", "-"}, "unknown command 'Show'; did you mean 'show'?"},
         {{"hsow", "-"}, "unknown command 'hsow'; did you mean 'show'?"},
         {{"otect"}, "unknown command 'otect'; did you mean 'protect'?"},

@@ -4,31 +4,16 @@
 #include <algorithm>
 #include <deque>
 #include <map>
-#include <numeric>
 #include <string_view>
 #include <utility>
 
 #include "tools/orva-strings/cli/Arguments.h"
+#include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/cli/UsageError.h"
 
 namespace {
 
 constexpr char kHeading[] = "Commands";  // of the list of them in the help
-
-// The Levenshtein distance of two words.
-std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);  // from a's prefix so far to each prefix of b
-    std::iota(row.begin(), row.end(), 0U);
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
 
 // An empty name (an unset variable) is an error, not the built-in key.
 std::string NamesAFile(std::string name) {
@@ -124,8 +109,7 @@ void Parser::Add(Command& command) {
     });
 }
 
-// Names an unknown command, and the one that was probably meant: at most two changes away, and
-// fewer than the word has letters.
+// Names an unknown command, and the one that was probably meant.
 std::string Parser::UnknownCommand(const Group& group) {
     const std::vector<std::string> unknown = group.app->remaining();
     if (unknown.empty() || unknown.front().compare(0, 1, "-") == 0) {  // an option
@@ -133,16 +117,11 @@ std::string Parser::UnknownCommand(const Group& group) {
     }
     std::string word = unknown.front();
     Unmark(word);
-    std::size_t least = std::min<std::size_t>(3, word.size());
-    std::string meant;
+    Nearest nearest(word);
     for (const CLI::App* const command : group.app->get_subcommands({})) {
-        const std::size_t distance = Distance(command->get_name(), word);
-        if (distance < least) {
-            least = distance;
-            meant = "; did you mean '" + group.prefix + command->get_name() + "'?";
-        }
+        nearest.Offer(command->get_name());
     }
-    return "unknown command '" + group.prefix + word + '\'' + meant;
+    return "unknown command '" + group.prefix + word + '\'' + nearest.DidYouMean(group.prefix);
 }
 
 // Names the first option that its command does not have. Nothing after -- is an option.
