@@ -33,7 +33,9 @@ compare key show
 for file in native other; do
     compare reveal "$work/$file"
     compare show --reveal --language Deutsch "$work/$file"
+    compare show --all-languages --format json "$work/$file"
     compare sections "$work/$file"
+    compare sections --format json "$work/$file"
 done
 compare show "$work/missing"
 compare protect --key-file "$sample" "$sample"

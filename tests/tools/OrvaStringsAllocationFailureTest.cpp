@@ -179,6 +179,7 @@ TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheResultIsWritten) {
     FailAtEach({"protect", "--key-file", Path("key"), "-"});
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
     FailAtEach({"sections", Path("protected")});
+    FailAtEach({"sections", "--format", "json", Path("protected"), Path("readable")});
     FailAtEach({"key", "show", "--key-file", Path("key")});
     m_folder.Write("library", std::string(100000, ' ') +
                                   "libOrvaLanguage key fingerprint: 0123456789ABCDEF" + '\0');
@@ -245,6 +246,10 @@ TEST_F(OrvaStringsAllocationFailure, IsReportedByShow) {
     FailAtEach(
         {"show", "--language", "Deutsch", "--reveal", Path("shipped"), "IDE_REGISTRATION_TITLE"},
         [] {}, check);
+    FailAtEach(
+        {"show", "--all-languages", "--format", "json", "--reveal", Path("shipped")}, [] {}, check);
+    FailAtEach(
+        {"show", "--all-languages", "--key-file", Path("key"), Path("protected")}, [] {}, check);
     unsetenv("TMPDIR");
 }
 

@@ -140,6 +140,10 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
     const std::string ofFirst = StoredFile(m_first);
     const std::string ofSecond = StoredFile(m_second);
     const std::string digits = ToHex(m_first);
+    const std::string sections =
+        ",\"sections\":[\n"
+        "{\"name\":\"English\",\"line\":2,\"entries\":3,\"protected\":1,\"reachable\":true},\n"
+        "{\"name\":\"Deutsch\",\"line\":6,\"entries\":2,\"protected\":1,\"reachable\":true}]}";
     const struct {
         std::vector<std::string> arguments;
         std::string input;
@@ -174,6 +178,15 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
          "  LINE  ENTRIES  PROTECTED  SECTION\n"
          "     2        3          1  English\n"
          "     6        2          1  Deutsch\n",
+         ""},
+        {{"sections", "--stdin-name", "Editor", "--format", "json", "-", Path("first")},
+         ofFirst,
+         "{\"version\":1,\"files\":[\n{\"file\":\"Editor\"" + sections + ",\n{\"file\":\"" +
+             Path("first") + "\"" + sections + "]}\n",
+         ""},
+        {{"show", "--all-languages", "--reveal", "--key-file", "-", Path("first"), "IDE_TITLE"},
+         digits,
+         "English: IDE_TITLE=\"Register this copy\"\nDeutsch: IDE_TITLE=\"Diese Kopie anmelden\"\n",
          ""},
         {{"key", "show", "--key-file", "-"},
          digits + "\n",

@@ -97,7 +97,10 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesTakeThreeTimesTheirSizeAtMost) {
         {"rekey", "--from", Path("development.key"), "--to", key, Path("protected")},
         {"reveal", Path("protected")},
         {"sections", Path("protected")},
+        {"sections", "--format", "json", Path("protected")},
         {"show", Path("protected")},
+        {"show", "--all-languages", Path("protected")},
+        {"show", "--all-languages", "--format", "json", "--reveal", Path("protected")},
         {"protect", "--in-place", Path("readable")},
     };
     m_folder.Write("development.key", ReadFile(DEVELOPMENT_KEY));

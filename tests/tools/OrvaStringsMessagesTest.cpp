@@ -133,6 +133,10 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
         {{"show", file, "MENU", "NOT_THERE"},
          1,
          {file + ": error: NOT_THERE: there is no such key in the section\n"}},
+        {{"show", "--all-languages", file, "menu"},
+         1,
+         {file +
+          ":1: error: menu: there is no such key in the section 'en'; did you mean 'MENU'?\n"}},
         {{"sections", "-"}, 1, {"-: error: the file has no section\n"}},
         {{"sections", file + ".missing"},
          2,

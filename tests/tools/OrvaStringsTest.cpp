@@ -963,7 +963,7 @@ TEST_F(OrvaStrings, EndsWith2OnWrongUsageAndOnSystemErrors) {
         {"protect"},
         {"protect", "a", "b"},
         {"protect", "--nonsense", "-"},
-        {"show", "--key-file", "x", "-"},
+        {"sections", "--key-file", "x", "-"},
         {"rekey", "-"},
         {"rekey", "-", "--from", "x"},
         {"key"},
@@ -1065,8 +1065,8 @@ TEST_F(OrvaStrings, NamesWhatIsWrongWithTheCommandLine) {
         {{"protect", ""}, "FILE: the name is empty"},
         {{"show", "--reveal", "--language=a", "--language=b", file},
          "--language: At Most 1 required but received 2"},
-        {{"sections", file, "-"}, "The following argument was not expected: -"},
-        {{"sections", file, "--", "--more"}, "The following argument was not expected: --more"},
+        {{"reveal", file, "-"}, "The following argument was not expected: -"},
+        {{"reveal", file, "--", "--more"}, "The following argument was not expected: --more"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Run(c.arguments), 2) << ::testing::PrintToString(c.arguments);
@@ -1083,6 +1083,7 @@ TEST_F(OrvaStrings, RefusesAValueForAnOptionWithoutOne) {
         EXPECT_EQ(Run({"protect", "--force=" + value, file}), 2) << value;
         EXPECT_EQ(Run({"show", "--reveal=" + value, file}), 2) << value;
         EXPECT_EQ(Run({"show", "--fallback=" + value, file}), 2) << value;
+        EXPECT_EQ(Run({"show", "--all-languages=" + value, file}), 2) << value;
         EXPECT_EQ(m_out, "") << value;
     }
     EXPECT_EQ(ReadFile(file), kReadable);
@@ -1635,10 +1636,10 @@ TEST_F(OrvaStrings, SendsNoControlCharactersThatTheParserRepeats) {
         std::vector<std::string> arguments;
         std::string err;
     } cases[] = {
-        {{"sections", "-", c}, "The following argument was not expected: " + shown},
-        {{"sections", "-", "--", "--" + c}, "The following argument was not expected: --" + shown},
-        {{"sections", "-", c + "\n"}, "The following argument was not expected: " + shown},
-        {{"sections", "-", c, c},
+        {{"reveal", "-", c}, "The following argument was not expected: " + shown},
+        {{"reveal", "-", "--", "--" + c}, "The following argument was not expected: --" + shown},
+        {{"reveal", "-", c + "\n"}, "The following argument was not expected: " + shown},
+        {{"reveal", "-", c, c},
          "The following arguments were not expected: " + shown + " " + shown},
         {{"key", "show", c}, "The following argument was not expected: " + shown},
     };

@@ -42,10 +42,14 @@ void Unmark(std::string& argument) {
 
 // Whether at most one input or key names standard input, which can be read only once.
 bool Arguments::HasOneInput() const {
-    return std::count_if(m_values.begin(), m_values.end(), [](const auto& value) {
-               const auto& [role, text] = value;
-               return (role == Role::kInput || role == Role::kKey) && *text == "-";
-           }) <= 1;
+    std::ptrdiff_t count = 0;
+    for (const auto& [role, text] : m_values) {
+        count += (role == Role::kInput || role == Role::kKey) && *text == "-" ? 1 : 0;
+    }
+    for (const auto& [role, list] : m_lists) {
+        count += role == Role::kInput ? std::count(list->begin(), list->end(), "-") : 0;
+    }
+    return count <= 1;
 }
 
 // The output if it would replace a key file that is used; otherwise null.
@@ -66,7 +70,7 @@ void Arguments::Finish() const {
     for (const auto& [role, text] : m_values) {
         Unmark(*text);
     }
-    for (std::vector<std::string>* const list : m_lists) {
+    for (const auto& [role, list] : m_lists) {
         std::for_each(list->begin(), list->end(), Unmark);
     }
     if (!HasOneInput()) {

@@ -27,6 +27,7 @@ struct Argument {
     Role role = Role::kText;
     bool isRequired = false;
     const char* excludes = nullptr;  // the name of an argument declared earlier
+    const char* choices = nullptr;   // the values that it can have, as in "text|json"
 };
 
 // The arguments of one command. Each is declared with the variable that it sets, which must outlive
@@ -57,7 +58,7 @@ private:
     std::map<std::string, CLI::Option*> m_options;
     std::vector<std::string> m_flags;
     std::vector<std::pair<Role, std::string*>> m_values;
-    std::vector<std::vector<std::string>*> m_lists;
+    std::vector<std::pair<Role, std::vector<std::string>*>> m_lists;
 };
 
 // CLI11 gives some arguments a meaning that they must not have here: "[…]" is a list, "++" ends a

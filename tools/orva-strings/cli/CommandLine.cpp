@@ -21,6 +21,14 @@ std::string NamesAFile(std::string name) {
     return name.empty() ? "the name is empty" : "";
 }
 
+// Whether a value is one of the choices.
+std::string IsAmong(const std::string& choices, std::string value) {
+    Unmark(value);
+    const bool isOne = value.find('|') == std::string::npos &&
+                       ('|' + choices + '|').find('|' + value + '|') != std::string::npos;
+    return isOne ? "" : "must be one of " + choices;
+}
+
 // Parses one command line and keeps the command that it found.
 class Parser {
 public:
@@ -213,7 +221,7 @@ void Arguments::Add(const Argument& argument, std::string& value) {
 
 void Arguments::Add(const Argument& argument, std::vector<std::string>& values) {
     Declare(argument, *m_command.add_option(argument.name, values, argument.help));
-    m_lists.push_back(&values);
+    m_lists.emplace_back(argument.role, &values);
 }
 
 void Arguments::AddFlag(const char* name, const char* help, bool& isSet) {
@@ -225,6 +233,11 @@ void Arguments::Declare(const Argument& argument, CLI::Option& option) {
     option.type_name(argument.value)->required(argument.isRequired);
     if (argument.role != Role::kText) {
         option.check(NamesAFile);
+    }
+    if (argument.choices != nullptr) {
+        option.check([choices = std::string(argument.choices)](const std::string& value) {
+            return IsAmong(choices, value);
+        });
     }
     if (argument.excludes != nullptr) {
         option.excludes(m_options.at(argument.excludes));

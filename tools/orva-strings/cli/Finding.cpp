@@ -25,6 +25,13 @@ bool HasError(const Findings& findings) {
                        [](const Finding& finding) { return finding.severity == Severity::kError; });
 }
 
+Findings AsWarnings(Findings findings) {
+    for (Finding& finding : findings) {
+        finding.severity = std::min(finding.severity, Severity::kWarning);
+    }
+    return findings;
+}
+
 void Print(const Finding& finding, std::string_view subject, std::ostream& err) {
     std::string line = Printable(subject);
     if (finding.line) {

@@ -20,6 +20,9 @@ using Findings = std::vector<Finding>;
 
 bool HasError(const Findings& findings);
 
+// The same findings, none of them an error.
+Findings AsWarnings(Findings findings);
+
 // Writes the line "SUBJECT:LINE: SEVERITY: TEXT" to err, with subject and text escaped by
 // Printable. Each line is one write, so that commands sharing a pipe do not mix theirs. The subject
 // is the name of the file or of the command.

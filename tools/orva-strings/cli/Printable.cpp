@@ -42,3 +42,8 @@ std::string Printable(std::string_view text) {
     }
     return printable;
 }
+
+std::string PrintableName(std::string_view name) {
+    const bool isPlain = !name.empty() && name.front() != ' ' && name.back() != ' ';
+    return isPlain ? Printable(name) : '"' + Printable(name) + '"';
+}

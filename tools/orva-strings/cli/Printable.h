@@ -10,4 +10,8 @@
 // digits. Everything else is unchanged.
 std::string Printable(std::string_view text);
 
+// The same for a section's name, between double quotes if it is empty or has blanks at its ends,
+// which would not be seen.
+std::string PrintableName(std::string_view name);
+
 #endif

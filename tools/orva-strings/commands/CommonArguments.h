@@ -2,14 +2,31 @@
 #ifndef ORVALANGUAGE_TOOLS_COMMANDS_COMMONARGUMENTS_H
 #define ORVALANGUAGE_TOOLS_COMMANDS_COMMONARGUMENTS_H
 
+#include <string>
+
 #include "tools/orva-strings/cli/Arguments.h"
 
 constexpr Argument kStringsFile = {"FILE", "", "The strings file; - is standard input",
                                    Role::kInput, true};
 
+constexpr Argument kStringsFiles = {"FILE", "", "The strings files; - is standard input",
+                                    Role::kInput, true};
+
+constexpr Argument kStdinName = {
+    "--stdin-name", "NAME", "The name of standard input in the output, instead of -", Role::kFile};
+
+constexpr Argument kTextOrJson = {"--format",  "FORMAT", "The form of the output; text by default",
+                                  Role::kText, false,    nullptr,
+                                  "text|json"};
+
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",
     "File of 64 hexadecimal digits; - is standard input; without this option, the built-in key",
     Role::kKey};
+
+// The name of a FILE in the output.
+inline const std::string& NameOf(const std::string& file, const std::string& stdinName) {
+    return file == "-" && !stdinName.empty() ? stdinName : file;
+}
 
 #endif
