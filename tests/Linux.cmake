@@ -62,6 +62,10 @@ add_test(NAME sarif_schema COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/formats/sa
     "$<TARGET_FILE:print_sarif>")
 set_tests_properties(sarif_schema PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
 
+# git starts the command, which scripts/macos could only run in its loader.
+add_test(NAME git_diff COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/git_diff_test.sh"
+    "$<TARGET_FILE:orva-strings>" "${PROJECT_SOURCE_DIR}/tools/orva-strings/orva-strings.1")
+
 # The tests read in /proc how much memory the process has, and what is in it.
 orva_add_test(hostile_files_memory_tests strings/HostileFilesMemoryTest.cpp)
 target_link_libraries(hostile_files_memory_tests PRIVATE OrvaLanguage)

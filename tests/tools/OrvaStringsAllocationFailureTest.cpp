@@ -178,6 +178,7 @@ TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
 TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheResultIsWritten) {
     FailAtEach({"protect", "--key-file", Path("key"), "-"});
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});
+    FailAtEach({"reveal", "--lenient", "--key-file", Path("other.key"), Path("protected")});
     FailAtEach({"sections", Path("protected")});
     FailAtEach({"sections", "--format", "json", Path("protected"), Path("readable")});
     FailAtEach({"key", "show", "--key-file", Path("key")});

@@ -144,6 +144,8 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
         ",\"sections\":[\n"
         "{\"name\":\"English\",\"line\":2,\"entries\":3,\"protected\":1,\"reachable\":true},\n"
         "{\"name\":\"Deutsch\",\"line\":6,\"entries\":2,\"protected\":1,\"reachable\":true}]}";
+    const std::string decode =
+        ": the value looks stored but does not decode: it was damaged or made with another key\n";
     const struct {
         std::vector<std::string> arguments;
         std::string input;
@@ -188,6 +190,10 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
          digits,
          "English: IDE_TITLE=\"Register this copy\"\nDeutsch: IDE_TITLE=\"Diese Kopie anmelden\"\n",
          ""},
+        {{"reveal", "--lenient", "--key-file", second, "-"},
+         ofFirst,
+         ofFirst,
+         "-:4: warning: IDE_TITLE" + decode + "-:7: warning: IDE_TITLE" + decode},
         {{"key", "show", "--key-file", "-"},
          digits + "\n",
          "fingerprint: 5354E832AC13176C\ndevelopment key: no\n",

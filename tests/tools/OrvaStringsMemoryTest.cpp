@@ -209,6 +209,7 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         {{"reveal", Path("built-in")}, "", 0, "readable"},
         {{"reveal", "--key-file", second, Path("first")}, "", 1, ""},
         {{"reveal", "--key-file", first, Path("bad")}, "", 1, ""},
+        {{"reveal", "--lenient", "--key-file", first, Path("bad")}, "", 0, "bad"},
         {{"rekey", "--from", first, "--to", second, Path("first")}, "", 0, "second"},
         {{"rekey", "--from", "-", "--to", second, Path("first")}, first, 0, "second"},
         {{"rekey", "--from", first, "--to", "-", Path("first")}, second, 0, "second"},

@@ -138,6 +138,10 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
          {file +
           ":1: error: menu: there is no such key in the section 'en'; did you mean 'MENU'?\n"}},
         {{"sections", "-"}, 1, {"-: error: the file has no section\n"}},
+        {{"reveal", "--lenient", file, "-o", "/dev/null/x"},
+         2,
+         {file + ":2: warning: IDE_A" + why, file + ":4: warning: IDE_B" + why,
+          "orva-strings: error: /dev/null/x: Not a directory\n"}},
         {{"sections", file + ".missing"},
          2,
          {"orva-strings: error: " + file + ".missing: No such file or directory\n"}},

@@ -1084,6 +1084,7 @@ TEST_F(OrvaStrings, RefusesAValueForAnOptionWithoutOne) {
         EXPECT_EQ(Run({"show", "--reveal=" + value, file}), 2) << value;
         EXPECT_EQ(Run({"show", "--fallback=" + value, file}), 2) << value;
         EXPECT_EQ(Run({"show", "--all-languages=" + value, file}), 2) << value;
+        EXPECT_EQ(Run({"reveal", "--lenient=" + value, file}), 2) << value;
         EXPECT_EQ(m_out, "") << value;
     }
     EXPECT_EQ(ReadFile(file), kReadable);

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "tools/orva-strings/commands/ChangingCommand.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/document/ProtectedEntries.h"
@@ -11,14 +13,22 @@ public:
     void Declare(Arguments& arguments) override {
         ChangingCommand::Declare(arguments);
         arguments.Add(kKeyFile, m_keyFile);
+        arguments.AddFlag("--lenient",
+                          "Leave what does not decode as it is, and only warn of what is wrong",
+                          m_isLenient);
     }
 
 private:
     Findings Change(StringsDocument& document, const Console& console) override {
-        return RevealEntries(document, console.ReadKey(m_keyFile).Derive());
+        Findings findings = RevealEntries(document, console.ReadKey(m_keyFile).Derive());
+        if (m_isLenient) {
+            findings = AsWarnings(std::move(findings));
+        }
+        return findings;
     }
 
     std::string m_keyFile;
+    bool m_isLenient = false;
 };
 
 }  // namespace

@@ -14,7 +14,8 @@
 // not decode is an error, or counts as readable if isForced.
 Findings ProtectEntries(StringsDocument& document, const ProtectionKeys& keys, bool isForced);
 
-// Converts stored values back to readable text; readable ones stay.
+// Converts stored values back to readable text; readable ones stay. So does what is an error, so that
+// the document may be used further.
 Findings RevealEntries(StringsDocument& document, const ProtectionKeys& keys);
 
 // Converts values stored with the key `from` to the key `to`. Readable ones and those already
