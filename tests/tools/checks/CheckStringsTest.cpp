@@ -246,6 +246,10 @@ TEST(CheckStrings, FindsTextThatAQuoteSwallows) {
     EXPECT_EQ(CheckLine("MENU=\"expected \";\" or \"#\" here\""), "");
     EXPECT_EQ(CheckLine("MENU=\"a \"b\" c\" ; \"note\""), "2:14 error swallowed-text\n");
     EXPECT_EQ(CheckLine("MENU=\"set \"name=value\" here\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"lines \"#: file\" only\""), "") << "a quoted word";
+    EXPECT_EQ(CheckLine("MENU=\"\"#if\" only\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"a\\n\"#if\" only\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"Open \" ; \"note\""), "2:12 error swallowed-text\n");
     EXPECT_EQ(CheckLine("MENU=\"say \"hi\" NAME=\"x\"\""), "");
     EXPECT_EQ(Check("QVLANG=en\nMENU=\"Open\" ; \"note\"\n",
                     [](CheckOptions& options) {
@@ -262,6 +266,13 @@ TEST(CheckStrings, FindsEscapesThatAreNone) {
     }
     EXPECT_EQ(CheckLine("MENU=\"a\\n\\N\\x\""), "");
     EXPECT_EQ(CheckLine("MENU=\"a\\\""), "2:8 warning unknown-escape\n") << "the closing quote";
+    EXPECT_EQ(CheckLine("MENU=\"a \\\""), "") << "the character itself";
+    EXPECT_EQ(CheckLine("MENU=\"in \"\\\" and \"/\"\""), "");
+    EXPECT_EQ(CheckLine("MENU=\"use \\t for tabs\""), "") << "a word of its own";
+    EXPECT_EQ(CheckLine("MENU=\"\\t text\""), "2:7 warning unknown-escape\n");
+    EXPECT_EQ(CheckLine("MENU=\"\\text\""), "2:7 warning unknown-escape\n");
+    EXPECT_EQ(CheckLine("MENU=\"\\unset and \\u{x}\""), "2:18 warning unknown-escape\n");
+    EXPECT_EQ(CheckLine("MENU=\"a\\u00e\""), "");
     EXPECT_EQ(CheckLine("MENU=a\\tb"), "") << "no escapes without quotes";
     EXPECT_EQ(CheckLine("MENU=a\\nb"), "2:7 warning unquoted-newline\n");
 }
@@ -437,6 +448,15 @@ TEST(CheckStrings, ComparesProtectedTextsDecoded) {
               "4:8 warning protected-texts-differ\n4:8 error placeholder\n");
 }
 
+TEST(CheckStrings, DoesNotCompareWhatDoesNotDecode) {
+    const std::string damaged = "IDE_X=\"" + std::string(64, '0') + "\"\n";
+    const std::string readable = "IDE_X=\"%d\"\n";
+    EXPECT_EQ(Check("QVLANG=en\n" + damaged + "QVLANG=de\n" + readable),
+              "2:8 error damaged-text\n4:8 warning mixed-protection\n");
+    EXPECT_EQ(Check("QVLANG=en\n" + readable + "QVLANG=de\n" + damaged),
+              "4:8 error damaged-text\n");
+}
+
 TEST(CheckStrings, FindsStaleTranslations) {
     const std::string earlier =
         "QVLANG=en\nAAAA=\"a\"\nBBBB=\"b\"\nQVLANG=de\nAAAA=\"x\"\nBBBB=\"y\"\n"
@@ -464,6 +484,10 @@ TEST(CheckStrings, FollowsDirectives) {
               "2:38 warning unused-directive\n");
     EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks key-blanks\nMENU =\"x\"\n"),
               "2:38 warning unused-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line missing-section\nMENU=\"x\"\n",
+                    [](CheckOptions& options) { options.required = {"de"}; }),
+              "error missing-section\n2:27 warning unused-directive\n")
+        << "it is about no line";
     EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line same-text\nMENU=\"x\"\n"), "")
         << "that rule is off";
     EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks\n"),

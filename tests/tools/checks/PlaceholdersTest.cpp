@@ -51,6 +51,8 @@ TEST(Placeholders, AreNotPercentSigns) {
     EXPECT_EQ(Meanings("100%iges"), "") << "part of a word after a number";
     EXPECT_EQ(Meanings("%"), "");
     EXPECT_EQ(Meanings("%-encoding"), "");
+    EXPECT_EQ(Meanings("%time %zdash"), "");
+    EXPECT_EQ(Meanings("From%*sLatest"), "%1$d %2$s");
     EXPECT_EQ(Meanings("%-5ds"), "%1$d");
     EXPECT_EQ(Meanings("%5"), "%5");
     EXPECT_EQ(Meanings("% d"), "");
@@ -87,6 +89,10 @@ TEST(Placeholders, AreNotBraces) {
     EXPECT_EQ(Meanings("{name:"), "");
     EXPECT_EQ(Meanings("}{name, "), "");
     EXPECT_EQ(Meanings("{:}"), "");
+    EXPECT_EQ(Meanings("{...}"), "");
+    EXPECT_EQ(Meanings("${HOME} \\x{HEX}"), "") << "a shell's and an escape";
+    EXPECT_EQ(Meanings("{ascii,ibm}"), "") << "a list";
+    EXPECT_EQ(Meanings("{a,-5} {b, number} {c,choice,0#x}"), "{a {b {c");
 }
 
 TEST(Placeholders, KnowTimes) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utf8.h>
+#include <utf8cpp/utf8.h>
 
 #include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/document/StringsReader.h"
@@ -41,6 +41,11 @@ void CheckKey(const MeantReader& line, FindingCollector& findings) {
     }
 }
 
+// Whether there is a blank or the end at this place.
+bool IsBlankAt(std::string_view text, std::size_t i) {
+    return i >= text.size() || text[i] == ' ' || text[i] == '\t';
+}
+
 // Whether a text begins with a note: a comment's mark that is not quoted itself.
 bool BeginsWithNote(std::string_view text) {
     const std::size_t mark = text.substr(0, 2) == "//" ? 2 : 1;
@@ -54,6 +59,14 @@ bool BeginsWithEntry(std::string_view text) {
     return equals >= 4 && text.substr(equals, 2) == "=\"";
 }
 
+// Whether a quote in a value begins a quoted word: it comes first, or after a blank or a line break,
+// and no blank follows.
+bool OpensWord(std::string_view value, std::size_t quote) {
+    const bool isFirst = quote == 0 || IsBlankAt(value, quote - 1) ||
+                         (quote >= 2 && value.substr(quote - 2, 2) == "\\n");
+    return isFirst && !IsBlankAt(value, quote + 1);
+}
+
 // Looks for what a later quote has made part of a quoted value. Only each second quote in it may be
 // the closing one: those between are the ends of quoted words.
 void CheckInnerQuotes(const MeantReader& line, FindingCollector& findings) {
@@ -62,13 +75,16 @@ void CheckInnerQuotes(const MeantReader& line, FindingCollector& findings) {
     for (std::size_t quote = value.find('"'); quote != std::string_view::npos;
          quote = value.find('"', quote + 1), mayClose = !mayClose) {
         const std::string_view rest = TrimBlanks(value.substr(quote + 1));
-        if (mayClose && BeginsWithNote(rest)) {
+        if (!mayClose || OpensWord(value, quote)) {
+            continue;
+        }
+        if (BeginsWithNote(rest)) {
             findings.AddError(Rule::kSwallowedText, line.Line(), value.substr(quote), line.Key(),
                               "the value reaches to the last quote of the line, so the note after "
                               "this quote is part of the text; remove the quotes in the note");
             return;
         }
-        if (mayClose && BeginsWithEntry(rest)) {
+        if (BeginsWithEntry(rest)) {
             findings.Add(Rule::kSwallowedText, line.Line(), value.substr(quote), line.Key(),
                          "the value reaches to the last quote of the line, so what looks like a "
                          "second entry is part of the text; begin a new line for it");
@@ -103,16 +119,35 @@ void CheckQuotes(const MeantReader& line, const StringsEntry& parts, FindingColl
     CheckInnerQuotes(line, findings);
 }
 
-// Looks for an escape other than \n. The closing quote may belong to one.
+// Whether the backslash at this place begins what is an escape elsewhere. One that is a word of its
+// own, or between quotes, is meant as it is written.
+bool IsEscape(std::string_view value, std::size_t at) {
+    const bool isWord = at > 0 && IsBlankAt(value, at - 1) && IsBlankAt(value, at + 2);
+    const bool isQuoted = at > 0 && value[at - 1] == '"' && value.substr(at + 1, 1) == "\"";
+    const char next = value[at + 1];
+    const bool isHex = value.size() >= at + 6 &&
+                       value.substr(at + 2, 4).find_first_not_of("0123456789ABCDEFabcdef") ==
+                           std::string_view::npos;
+    return !isWord && !isQuoted &&
+           ((next != '\0' && std::string_view("t\"\\r").find(next) != std::string_view::npos) ||
+            (next == 'u' && (isHex || value.substr(at + 2, 1) == "{")));
+}
+
+// Looks for an escape other than \n. The closing quote may have been meant as part of one.
 void CheckEscapes(const MeantReader& line, FindingCollector& findings) {
     const std::string_view value = line.Entry()->value;
+    const auto add = [&](std::size_t at, const std::string& what) {
+        findings.Add(Rule::kUnknownEscape, line.Line(), value.substr(at), line.Key(), what);
+    };
     for (std::size_t at = value.find('\\'); at != std::string_view::npos;
          at = value.find('\\', at + 1)) {
-        const char next = at + 1 < value.size() ? value[at + 1] : '"';
-        if (std::string_view("t\"\\ru").find(next) != std::string_view::npos) {
-            findings.Add(
-                Rule::kUnknownEscape, line.Line(), value.substr(at), line.Key(),
-                std::string("\\") + next + " is shown as it is written; the only escape is \\n");
+        if (at + 1 == value.size()) {
+            if (at > 0 && !IsBlankAt(value, at - 1) && value[at - 1] != '"') {
+                add(at, "the text ends with this backslash; a quote needs no escape");
+            }
+        } else if (IsEscape(value, at)) {
+            add(at, std::string("\\") + value[at + 1] +
+                        " is shown as it is written; the only escape is \\n");
             return;
         }
     }

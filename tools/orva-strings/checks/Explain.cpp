@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utf8.h>
+#include <utf8cpp/utf8.h>
 
 #include "tools/orva-strings/Hex.h"
 #include "tools/orva-strings/document/LineText.h"
@@ -20,19 +20,23 @@ const char* NameOf(const std::optional<Severity>& severity) {
 
 // A text with the bytes that can't be seen as \x and two digits.
 std::string Visible(std::string_view text) {
-    const std::size_t mark = text.size() - WithoutByteOrderMarks(text).size();
+    const std::size_t marks = text.size() - WithoutByteOrderMarks(text).size();
+    const auto nextInvalid = [&](std::size_t from) {
+        return from + std::min(utf8::find_invalid(text.substr(from)), text.size() - from);
+    };
+    std::size_t invalid = nextInvalid(0);
     std::string visible;
-    while (!text.empty()) {
-        const char c = text.front();
-        const bool isControl = static_cast<unsigned char>(c) < ' ' && c != '\n';
-        const bool isInvalid = utf8::find_invalid(text) == 0;
-        if (isControl || isInvalid || visible.size() < 4 * mark) {
-            const auto byte = static_cast<std::uint8_t>(c);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isControl = static_cast<unsigned char>(text[i]) < ' ' && text[i] != '\n';
+        if (isControl || i == invalid || i < marks) {
+            const auto byte = static_cast<std::uint8_t>(text[i]);
             visible += "\\x" + ToHexDigits(&byte, 1);
         } else {
-            visible += c;
+            visible += text[i];
         }
-        text.remove_prefix(1);
+        if (i == invalid) {
+            invalid = nextInvalid(i + 1);
+        }
     }
     return visible;
 }

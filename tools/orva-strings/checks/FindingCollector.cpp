@@ -1,7 +1,7 @@
 #include "tools/orva-strings/checks/FindingCollector.h"
 
-#include <utf8.h>
-#include <utf8/unchecked.h>
+#include <algorithm>
+#include <utf8cpp/utf8.h>
 
 std::size_t CountCharacters(std::string_view text) {
     std::size_t count = 0;

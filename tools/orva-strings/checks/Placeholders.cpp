@@ -28,6 +28,21 @@ char Kind(char conversion) {
     return IsIn(conversion, "XEFGA") ? static_cast<char>(conversion - 'A' + 'a') : conversion;
 }
 
+// Whether what follows a name in braces is how to format it: {a:x}, {a!r}, {a,-5} or {a, plural, …}.
+bool IsFormat(std::string_view rest) {
+    if (rest.front() != ',') {
+        return IsIn(rest.front(), ":!");
+    }
+    constexpr std::string_view kTypes[] = {"number",  "date",   "time",     "spellout",
+                                           "ordinal", "choice", "duration", "selectordinal",
+                                           "plural",  "select"};
+    rest.remove_prefix(1);
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    return (!rest.empty() && IsIn(rest.front(), "-0123456789")) ||
+           std::any_of(std::begin(kTypes), std::end(kTypes),
+                       [&](std::string_view type) { return rest.substr(0, type.size()) == type; });
+}
+
 bool IsBefore(const Placeholder& a, const Placeholder& b) {
     return a.meaning < b.meaning;
 }
@@ -49,12 +64,14 @@ private:
         return i;
     }
 
-    // Each returns where the text goes on after what begins at i.
+    // Each returns where the text goes on after what begins at this place.
     std::size_t Percent(std::size_t i);
     std::size_t Named(std::size_t i);
-    std::size_t Conversion(std::size_t i);
-    std::size_t Numbered(std::size_t i);
-    std::size_t Brace(std::size_t i);
+    std::size_t Conversion(std::size_t percent);
+    std::size_t Numbered(std::size_t percent);
+    std::size_t Brace(std::size_t open);
+
+    bool IsOfOtherSyntax(std::size_t open, std::string_view name) const;
 
     // A field's width or precision from i on: digits, or a star, which takes an argument.
     std::size_t Size(std::size_t i);
@@ -139,10 +156,12 @@ std::size_t Scanner::Conversion(std::size_t percent) {
     i = Skip(i, [](char c) { return IsIn(c, "hlqLjzt"); });
     const char letter = At(i);
     // "%1days" begins with %1; "100%ig" and "%-encoding" have a percent sign.
-    const bool isNumber = !hasPosition && flags == begin && hasSize && i == flags + 1;
+    const bool isNumber = !hasPosition && flags == begin && i == flags + 1 && IsDigit(At(flags));
     const bool isAfterNumber = percent > 0 && IsDigit(At(percent - 1));
     const bool isSign = flags > begin && At(begin) == '-' && !hasSize;
-    const bool isPartOfWord = IsLetter(At(i + 1)) && (isNumber || isAfterNumber || isSign);
+    const bool hasRareLength = i > length && IsIn(At(length), "tjzq");  // "%time"
+    const bool isPartOfWord =
+        IsLetter(At(i + 1)) && (isNumber || isAfterNumber || isSign || hasRareLength);
     if (letter == '\0' || !IsIn(letter, kConversions) || isPartOfWord) {
         m_found.list.resize(found);  // without the arguments of its stars
         m_arguments = arguments;
@@ -169,23 +188,35 @@ std::size_t Scanner::Numbered(std::size_t percent) {
     return percent + 1;
 }
 
+// Whether a name in braces is not a host's: ${NAME} is a shell's variable, and \x{NAME} an escape.
+bool Scanner::IsOfOtherSyntax(std::size_t open, std::string_view name) const {
+    const bool isVariable =
+        open >= 1 && At(open - 1) == '$' &&
+        std::none_of(name.begin(), name.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+    return isVariable || (open >= 2 && At(open - 2) == '\\' && IsLetter(At(open - 1)));
+}
+
 std::size_t Scanner::Brace(std::size_t open) {
     const std::size_t end =
         Skip(open + 1, [](char c) { return IsLetter(c) || IsDigit(c) || IsIn(c, "_."); });
-    const bool hasName = end > open + 1;
-    if (At(end) != '}' && (!hasName || !IsIn(At(end), ",:!") || end > m_lastClose)) {
+    const std::string name(m_text.substr(open + 1, end - open - 1));
+    const bool hasFormat = !name.empty() && end < m_lastClose && IsFormat(m_text.substr(end));
+    const bool isDots = !name.empty() && name.find_first_not_of('.') == std::string::npos;
+    if ((At(end) != '}' && !hasFormat) || isDots || IsOfOtherSyntax(open, name)) {
         return open + 1;
     }
-    const std::string name(m_text.substr(open + 1, end - open - 1));
-    Placeholder found = {'{' + (hasName ? name : ' ' + std::to_string(++m_braces)),
+    Placeholder found = {'{' + (name.empty() ? ' ' + std::to_string(++m_braces) : name),
                          '{' + name + '}'};
     m_found.list.push_back(std::move(found));
     // The alternatives after a comma have braces of their own.
     std::size_t depth = 1;
     std::size_t i = end;
     for (; i < m_text.size() && depth > 0; ++i) {
-        depth += m_text[i] == '{' ? 1 : 0;
-        depth -= m_text[i] == '}' ? 1 : 0;
+        if (m_text[i] == '{') {
+            ++depth;
+        } else if (m_text[i] == '}') {
+            --depth;
+        }
     }
     return i;
 }

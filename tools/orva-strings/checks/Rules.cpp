@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-using std::string_view_literals::operator""sv;  // for examples that hold NUL bytes
+using namespace std::string_view_literals;  // for examples that hold NUL bytes
 
 namespace {
 
@@ -152,8 +152,8 @@ const RuleText kRules[] = {
      "text between the equals sign and the first quote",
      "It is not part of the value and is lost. Put the whole text in quotes; quotes within it need "
      "no escape.",
-     {"QVLANG=en\nASK_OVERWRITE=Overwrite \"it\"?\n",
-      "QVLANG=en\nASK_OVERWRITE=\"Overwrite \"it\"?\"\n"}},
+     {"QVLANG=en\nASK_OVERWRITE=Overwrite \"it\"\n",
+      "QVLANG=en\nASK_OVERWRITE=\"Overwrite \"it\"\"\n"}},
     {"swallowed-text",
      kWarning,
      "text that a later quote makes part of the value",

@@ -143,7 +143,7 @@ void TranslationChecks::Check(const MeantReader& line) {
                        "the reference has no such key; add it there, or remove this entry");
         return;
     }
-    reference->lastSeen = m_header->number;
+    reference->lastSeen = m_header.number;
     std::string referenceBuffer;
     std::string buffer;
     const auto referenceText = DecodedText(reference->entry, m_keys, referenceBuffer);
@@ -190,19 +190,15 @@ void TranslationChecks::Compare(const MeantReader& line, std::string_view refere
 }
 
 void TranslationChecks::LeaveSection() {
-    if (!m_header) {
-        return;
-    }
     for (const SectionEntries::Entry& entry : m_reference.All()) {
-        if (entry.lastSeen != m_header->number) {
+        if (entry.lastSeen != m_header.number) {
             const std::string what =
                 "in this section, lookups answer null, not the reference's text; translate it";
             if (m_isRequired) {
-                m_findings.AddError(Rule::kMissingKey, *m_header, m_header->text, entry.key, what);
+                m_findings.AddError(Rule::kMissingKey, m_header, m_header.text, entry.key, what);
             } else {
-                m_findings.Add(Rule::kMissingKey, *m_header, m_header->text, entry.key, what);
+                m_findings.Add(Rule::kMissingKey, m_header, m_header.text, entry.key, what);
             }
         }
     }
-    m_header.reset();
 }

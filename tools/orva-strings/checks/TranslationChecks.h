@@ -2,7 +2,6 @@
 #define ORVALANGUAGE_TOOLS_CHECKS_TRANSLATIONCHECKS_H
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -73,7 +72,7 @@ public:
     // Checks an entry, the first of its key in the section.
     void Check(const MeantReader& line);
 
-    // Ends the section, if one was begun: adds findings about the keys that it lacks.
+    // Ends the section that was begun: adds findings about the keys that it lacks.
     void LeaveSection();
 
 private:
@@ -83,7 +82,7 @@ private:
     EarlierFile* m_earlier;
     const ProtectionKeys& m_keys;
     FindingCollector& m_findings;
-    std::optional<StringsLine> m_header;
+    StringsLine m_header = {};
     bool m_isRequired = false;
 };
 

@@ -37,9 +37,6 @@ bool BeginsWithIde(std::string_view text) {
 
 // Whether a key that begins with "ide" in any case was probably meant as a protected one.
 bool IsNearProtectedKey(std::string_view key) {
-    if (key.size() < 3 || key.find_first_of(" \t") != std::string_view::npos) {
-        return false;
-    }
     // "Ideal" is a different word.
     return key.substr(0, 3) == "IDE" || key.size() == 3 || !IsLetter(key[3]);
 }

@@ -33,10 +33,10 @@ void WriteJson(const Report& report, std::ostream& out) {
         }
     }
     const Counts counts = CountsIn(report);
-    WriteJsonText({{"version", 1},
-                   {"findings", std::move(findings)},
-                   {"errors", counts.errors},
-                   {"warnings", counts.warnings},
-                   {"files", report.size()}},
-                  out);
+    ordered_json document = {{"version", 1}};
+    document["findings"] = std::move(findings);
+    document["errors"] = counts.errors;
+    document["warnings"] = counts.warnings;
+    document["files"] = report.size();
+    WriteJsonText(document, out);
 }

@@ -73,13 +73,14 @@ public:
             // its own, primaryLocationLineHash, and would warn of each that it finds in its place.
             const std::string about = name + '\n' + finding.section + '\n' + finding.key;
             const std::size_t count = ++counts[about];
-            m_results.push_back({{"ruleId", name},
-                                 {"ruleIndex", IndexOf(finding.rule)},
-                                 {"level", NameOf(finding.severity)},
-                                 {"message", Message(finding.text)},
-                                 {"locations", ordered_json::array({Location(uri, finding)})},
-                                 {"partialFingerprints",
-                                  {{"ruleSectionKey/v1", about + '\n' + std::to_string(count)}}}});
+            ordered_json result = {{"ruleId", name}};
+            result["ruleIndex"] = IndexOf(finding.rule);
+            result["level"] = NameOf(finding.severity);
+            result["message"] = Message(finding.text);
+            result["locations"] = ordered_json::array({Location(uri, finding)});
+            result["partialFingerprints"]["ruleSectionKey/v1"] =
+                about + '\n' + std::to_string(count);
+            m_results.push_back(std::move(result));
         }
     }
 
