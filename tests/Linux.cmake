@@ -54,6 +54,11 @@ add_test(NAME interrupted COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/interrupted
     "$<TARGET_FILE:interrupted_orva_strings>")
 set_tests_properties(interrupted PROPERTIES TIMEOUT 300)
 
+# The programs that the recipes are for come from Debian's packages.
+add_test(NAME recipes COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/recipes_test.sh"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
+set_tests_properties(recipes PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+
 # SARIF, validated by its schema with Debian's packages.
 add_executable(print_sarif tools/formats/PrintSarif.cpp)
 target_link_libraries(print_sarif PRIVATE orva_strings_tool)

@@ -1,9 +1,11 @@
 // Large files: a command's memory is in proportion to the file, and so is its time.
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -111,6 +113,83 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesTakeThreeTimesTheirSizeAtMost) {
         EXPECT_EQ(Run(command), 0) << m_err.last;
         EXPECT_GT(peak.Bytes(), size) << "the file was not read";
         EXPECT_LE(peak.Bytes(), 3 * size);
+    }
+}
+
+// The same keys in each of 30 languages, without a finding.
+std::string Translations(std::size_t keys) {
+    std::string file;
+    for (int language = 0; language < 30; ++language) {
+        file += "QVLANG=language " + std::to_string(language) + '\n';
+        for (std::size_t key = 0; key < keys; ++key) {
+            file += "MENU_" + std::to_string(key) + "_ENTRY=\"Text " + std::to_string(language) +
+                    " of %d and {name}, with ümlauts\"\n";
+        }
+    }
+    return file;
+}
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreCheckedInThreeTimesTheirSizeAtMost) {
+    const std::string file = Translations(2000);
+    m_folder.Write("file", file);
+    for (const char* const profile : {"--fail-on=warning", "--shipped"}) {
+        const AllocationPeak peak;
+        EXPECT_EQ(Run({"check", profile, Path("file")}), 0);
+        EXPECT_EQ(m_out.first, "no findings in 1 file");
+        EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+        EXPECT_LE(peak.Bytes(), 3 * file.size());
+    }
+}
+
+// Time that grows with the square of the findings would exceed the time limit here.
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreCheckedInTimeInProportionToTheirFindings) {
+    constexpr std::size_t kFindings = 50'000;
+    const auto number = [](std::size_t i) { return std::to_string(i); };
+    const std::vector<std::pair<const char*, std::function<std::string(std::size_t)>>> lines = {
+        {"short-key", [](std::size_t) { return "OK=x"; }},
+        {"duplicate-entry", [](std::size_t) { return "MENU=x"; }},
+        {"duplicate-key", [&](std::size_t i) { return "MENU=" + number(i); }},
+        {"key-case",  // one key in so many spellings
+         [](std::size_t i) {
+             std::string key = "menumenumenumenumenu=x";
+             for (std::size_t bit = 0; bit < 20; ++bit) {
+                 key[bit] =
+                     static_cast<char>((i >> bit & 1U) != 0 ? key[bit] - 'a' + 'A' : key[bit]);
+             }
+             return key;
+         }},
+        {"repeated-section", [](std::size_t) { return "QVLANG=en"; }},
+        {"near-header", [&](std::size_t i) { return " QVLANG=" + number(i); }},
+        {"unused-directive", [](std::size_t) { return "# orva: disable-next-line stale"; }},
+        {"missing-key",
+         [&](std::size_t i) {
+             return i + 1 == kFindings ? "QVLANG=de" : "KEY_" + number(i) + "=x";
+         }},
+        {"extra-key",
+         [&](std::size_t i) { return i == 0 ? "QVLANG=de" : "KEY_" + number(i) + "=x"; }},
+    };
+    for (const auto& [rule, line] : lines) {
+        std::string file = "QVLANG=en\nMENU=x\n";
+        for (std::size_t i = 0; i < kFindings; ++i) {
+            file += line(i) + '\n';
+        }
+        m_folder.Write("file", file);
+        EXPECT_LT(Run({"check", "--base", Path("file"), Path("file")}), 2) << m_err.last;
+        EXPECT_GT(m_out.bytes, 50 * kFindings) << rule;
+    }
+}
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesInOneLineAreCheckedInTimeInProportion) {
+    constexpr std::size_t kParts = 100'000;
+    for (const char* const part : {"{", "{a,", "{a}", "%", "%(", "%1$s", "%s", "\"", "\\t", "%*",
+                                   "\xFF", "\r", "orva: ", "="}) {
+        std::string text;
+        for (std::size_t i = 0; i < kParts; ++i) {
+            text += part;
+        }
+        m_folder.Write("file", "QVLANG=en\nMENU=\"" + text + "\"\nQVLANG=de\nMENU=\"x" + text +
+                                   "\"\n# " + text + '\n');
+        EXPECT_LT(Run({"check", "--shipped", Path("file")}), 2) << m_err.last;
     }
 }
 

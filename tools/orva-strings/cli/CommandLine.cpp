@@ -220,7 +220,9 @@ void Arguments::Add(const Argument& argument, std::string& value) {
 }
 
 void Arguments::Add(const Argument& argument, std::vector<std::string>& values) {
-    Declare(argument, *m_command.add_option(argument.name, values, argument.help));
+    CLI::Option* const option = m_command.add_option(argument.name, values, argument.help);
+    option->allow_extra_args(argument.name[0] != '-');  // one value after each option
+    Declare(argument, *option);
     m_lists.emplace_back(argument.role, &values);
 }
 

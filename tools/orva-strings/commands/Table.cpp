@@ -1,6 +1,8 @@
 #include "tools/orva-strings/commands/Table.h"
 
 // Each is defined in its command's file.
+std::unique_ptr<Command> MakeCheck();
+std::unique_ptr<Command> MakeExplain();
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
 std::unique_ptr<Command> MakeProtect();
@@ -12,7 +14,8 @@ std::unique_ptr<Command> MakeShow();
 Commands MakeCommands() {
     Commands commands;
     for (const auto make :
-         {MakeProtect, MakeReveal, MakeRekey, MakeShow, MakeSections, MakeKeyNew, MakeKeyShow}) {
+         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeExplain, MakeShow, MakeSections,
+          MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;

@@ -1,0 +1,173 @@
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tools/orva-strings/checks/Baseline.h"
+#include "tools/orva-strings/checks/CheckStrings.h"
+#include "tools/orva-strings/cli/Color.h"
+#include "tools/orva-strings/cli/Command.h"
+#include "tools/orva-strings/cli/Progress.h"
+#include "tools/orva-strings/cli/UsageError.h"
+#include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/RuleArguments.h"
+#include "tools/orva-strings/formats/Report.h"
+#include "tools/orva-strings/protection/MasterKey.h"
+#include "tools/orva-strings/system/Files.h"
+
+namespace {
+
+// Whether check fails because of a finding of this severity.
+bool Fails(Severity severity, const std::string& failOn) {
+    return severity == Severity::kError || (severity == Severity::kWarning && failOn == "warning");
+}
+
+class Check : public Command {
+public:
+    Check()
+        : Command({"check",
+                   "Find what hosts would not get as it was meant",
+                   {"check Source.strings", "check --shipped --require Deutsch Shipped.strings"}}) {
+    }
+
+    void Declare(Arguments& arguments) override {
+        arguments.Add(kStringsFiles, m_files);
+        arguments.Add(kStdinName, m_stdinName);
+        arguments.AddFlag("--shipped",
+                          "Check a file that is to be shipped as it is: every protected entry is "
+                          "stored and decodes, and its text is nowhere else",
+                          m_isShipped);
+        arguments.Add(kKeyFile, m_keyFile);
+        arguments.AddFlag("--allow-development-key",
+                          "With --shipped, accept texts stored with the development key",
+                          m_allowsDevelopmentKey);
+        arguments.Add({"--base", "OLD",
+                       "An earlier state of FILE, to find translations of texts that have changed "
+                       "since",
+                       Role::kFile},
+                      m_base);
+        arguments.Add({"--reference", "LANGUAGE",
+                       "The section that the others are compared with; the first by default"},
+                      m_reference);
+        arguments.Add({"--require", "LANGUAGE",
+                       "A section that must exist and have every key; may be given several times"},
+                      m_required);
+        arguments.Add({"--error", "RULE", "Make a rule's findings errors"}, m_errors);
+        arguments.Add({"--warn", "RULE", "Make a rule's findings warnings"}, m_warnings);
+        arguments.Add({"--disable", "RULE", "Do not check a rule"}, m_disabled);
+        arguments.Add(
+            {"--baseline", "KNOWN", "Do not report the findings in this file", Role::kFile},
+            m_baseline);
+        arguments.Add({"--write-baseline", "KNOWN",
+                       "Write the findings to this file, for --baseline, instead of reporting them",
+                       Role::kFile, false, "--baseline"},
+                      m_newBaseline);
+        arguments.Add({"--format", "FORMAT", "The form of the output; text by default", Role::kText,
+                       false, nullptr, "text|json|sarif|github"},
+                      m_format);
+        arguments.Add({"--fail-on", "SEVERITY",
+                       "The least severe findings for exit status 1; error by default", Role::kText,
+                       false, nullptr, "error|warning"},
+                      m_failOn);
+        arguments.Add({"--color", "WHEN",
+                       "Whether to colour text; auto, the default, colours it on a terminal",
+                       Role::kText, false, nullptr, "auto|always|never"},
+                      m_color);
+    }
+
+    ExitStatus Run(const Console& console) override {
+        if (!m_base.empty() && m_files.size() != 1) {
+            throw UsageError("--base can be compared with only one FILE");
+        }
+        const Report report = CheckFiles(console);
+        if (!m_newBaseline.empty()) {
+            WriteBaseline(report);
+            return kDone;
+        }
+        Write(report, console);
+        const auto fails = [&](const RuleFinding& finding) {
+            return Fails(finding.severity, m_failOn);
+        };
+        return std::any_of(report.begin(), report.end(),
+                           [&](const FileReport& file) {
+                               return std::any_of(file.findings.begin(), file.findings.end(),
+                                                  fails);
+                           })
+                   ? kFindings
+                   : kDone;
+    }
+
+private:
+    Report CheckFiles(const Console& console) const {
+        const MasterKey key = console.ReadKey(m_keyFile);
+        const ProtectionKeys keys = key.Derive();
+        CheckOptions options(keys);
+        options.rejectsKey =
+            !m_allowsDevelopmentKey && MasterKey::IsOfDevelopmentKey(key.Fingerprint());
+        options.isShipped = m_isShipped;
+        options.reference = m_reference;
+        options.required = m_required;
+        options.severities = SeveritiesWith(m_errors, m_warnings, m_disabled);
+        const std::optional<std::string> base =
+            m_base.empty() ? std::nullopt : std::optional(ReadFile(m_base));
+        options.base = base;
+        Baseline baseline =
+            m_baseline.empty() ? Baseline() : Baseline(ReadFile(m_baseline), m_baseline);
+        Progress progress(console.ErrTerminal());
+        Report report;
+        for (const std::string& file : m_files) {
+            progress.Show("checking file " + std::to_string(report.size() + 1) + " of " +
+                          std::to_string(m_files.size()));
+            RuleFindings findings = CheckStrings(console.Read(file).bytes, options);
+            baseline.RemoveKnown(findings);
+            report.push_back({NameOf(file, m_stdinName), std::move(findings)});
+        }
+        return report;
+    }
+
+    void WriteBaseline(const Report& report) const {
+        Baseline baseline;
+        for (const FileReport& file : report) {
+            baseline.Add(file.findings);
+        }
+        const std::string text = baseline.Text();
+        WriteFile(m_newBaseline, [&](const TakePiece& take) { take(text); });
+    }
+
+    void Write(const Report& report, const Console& console) const {
+        if (m_format == "json") {
+            WriteJson(report, console.Out());
+        } else if (m_format == "sarif") {
+            WriteSarif(report, console.Out());
+        } else if (m_format == "github") {
+            WriteGitHub(report, console.Out());
+        } else {
+            WriteText(report, UsesColor(m_color, console.IsOutTerminal()), console.Out());
+        }
+    }
+
+    std::vector<std::string> m_files;
+    std::string m_stdinName;
+    bool m_isShipped = false;
+    std::string m_keyFile;
+    bool m_allowsDevelopmentKey = false;
+    std::string m_base;
+    std::string m_reference;
+    std::vector<std::string> m_required;
+    std::vector<std::string> m_errors;
+    std::vector<std::string> m_warnings;
+    std::vector<std::string> m_disabled;
+    std::string m_baseline;
+    std::string m_newBaseline;
+    std::string m_format = "text";
+    std::string m_failOn = "error";
+    std::string m_color = "auto";
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeCheck() {
+    return std::make_unique<Check>();
+}

@@ -1,0 +1,33 @@
+#include "tools/orva-strings/commands/RuleArguments.h"
+
+#include <optional>
+
+#include "tools/orva-strings/cli/Nearest.h"
+#include "tools/orva-strings/cli/UsageError.h"
+
+Rule RuleOfName(const std::string& name) {
+    if (const auto rule = FindRule(name)) {
+        return *rule;
+    }
+    Nearest nearest(name);
+    for (std::size_t i = 0; i < kRuleCount; ++i) {
+        nearest.Offer(TextOf(static_cast<Rule>(i)).name);
+    }
+    throw UsageError("unknown rule '" + name + '\'' + nearest.DidYouMean() +
+                     " ('orva-strings explain' lists the rules)");
+}
+
+RuleSeverities SeveritiesWith(const std::vector<std::string>& errors,
+                              const std::vector<std::string>& warnings,
+                              const std::vector<std::string>& disabled) {
+    RuleSeverities severities = DefaultSeverities();
+    const auto set = [&](const std::vector<std::string>& names, std::optional<Severity> severity) {
+        for (const std::string& name : names) {
+            severities[static_cast<std::size_t>(RuleOfName(name))] = severity;
+        }
+    };
+    set(warnings, Severity::kWarning);
+    set(errors, Severity::kError);
+    set(disabled, std::nullopt);
+    return severities;
+}
