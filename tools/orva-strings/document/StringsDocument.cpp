@@ -3,10 +3,9 @@
 #include <algorithm>
 
 #include "strings/Line.h"
+#include "tools/orva-strings/document/PieceWriter.h"
 
 namespace {
-
-constexpr std::size_t kPiece = 65536;
 
 // Writes each line feed as a backslash and an n. Returns text itself if it has none, otherwise a view
 // of buffer, which is overwritten.
@@ -49,27 +48,16 @@ std::optional<std::string_view> StringsDocument::SetValue(const StringsLine& lin
 }
 
 void StringsDocument::WriteInPieces(const std::function<void(std::string_view)>& take) const {
-    std::string piece;
-    piece.reserve(kPiece);
-    const auto write = [&](std::string_view bytes) {
-        while (bytes.size() > kPiece - piece.size()) {
-            const std::size_t room = kPiece - piece.size();
-            piece += bytes.substr(0, room);
-            bytes.remove_prefix(room);
-            take(piece);
-            piece.clear();
-        }
-        piece += bytes;
-    };
+    PieceWriter writer(take);
     std::string_view rest = m_bytes;
     for (const Change& change : m_changes) {
         const auto length = static_cast<std::size_t>(change.before.data() - rest.data());
-        write(rest.substr(0, length));
-        write(change.after);
+        writer.Write(rest.substr(0, length));
+        writer.Write(change.after);
         rest.remove_prefix(length + change.before.size());
     }
-    write(rest);
-    take(piece);
+    writer.Write(rest);
+    writer.Finish();
 }
 
 std::string StringsDocument::Bytes() const {
@@ -94,7 +82,7 @@ bool StringsDocument::ReadsBack(const StringsLine& line, std::string_view before
 
 std::string_view StringsDocument::Keep(std::string_view text) {
     if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < text.size()) {
-        m_blocks.emplace_back().reserve(std::max(text.size(), kPiece));
+        m_blocks.emplace_back().reserve(std::max(text.size(), PieceWriter::kPiece));
     }
     std::string& block = m_blocks.back();
     block += text;
