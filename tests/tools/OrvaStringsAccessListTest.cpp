@@ -76,6 +76,18 @@ TEST_F(OrvaStringsAccessList, IsKeptInPlace) {
     EXPECT_EQ(ListOf(listed), list);
     EXPECT_NE(ReadFile(listed), kReadable);
 
+    // Nor does mending lose it.
+    const std::string broken = Write("broken", std::string(" ") + kReadable);
+    ASSERT_TRUE(SetList(broken, kAccess, list));
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunTool(
+                  {"fix", broken}, [] { return ""; }, out, err),
+              0)
+        << err.str();
+    EXPECT_EQ(ListOf(broken), list);
+    EXPECT_EQ(ReadFile(broken), kReadable);
+
     // Nor does a new file keep the folder's default list.
     const std::string plain = Write("plain", kReadable);
     ASSERT_EQ(chmod(plain.c_str(), 0640), 0);

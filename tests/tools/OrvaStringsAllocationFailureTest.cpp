@@ -156,6 +156,23 @@ TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
     fail({"rekey", "--from", Path("key"), "--to", Path("other.key")}, stored, other);
 }
 
+TEST_F(OrvaStringsAllocationFailure, LeavesAFileToMendWhole) {
+    const std::string whole = std::string(kReadable) + kReadable;  // its names are there twice
+    const std::string broken = "\xEF\xBB\xBF" + whole + "IDE_REGISTRATION_TITLE =\"one more\"\n" +
+                               " qvlang=Espa\xC3\xB1ol \nMENU_OPEN_RECENT_DOCUMENTS=\"x\"\n" +
+                               "MENU_OPEN_RECENT_DOCUMENTS=\"x\"\n";
+    const std::string fixed = whole + "IDE_REGISTRATION_TITLE =\"one more\"\n" +
+                              "QVLANG=Espa\xC3\xB1ol\nMENU_OPEN_RECENT_DOCUMENTS=\"x\"\n";
+    FailAtEach(
+        {"fix", Path("file")}, [&] { m_folder.Write("file", broken); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("file")), status == 0 ? fixed : broken);
+            EXPECT_EQ(FilesInFolder(), 5U) << "nothing but the file";
+        });
+    m_input = broken;
+    FailAtEach({"fix", "-"});
+}
+
 TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
     const std::vector<std::string> arguments = {"protect",        "--key-file", Path("key"),
                                                 Path("readable"), "-o",         Path("out")};

@@ -167,6 +167,10 @@ TEST_F(OrvaStringsInput, IsAFileOrAKey) {
         {{"rekey", "--from", "-", "--to", second, Path("first")}, digits + "\n", ofSecond, ""},
         {{"rekey", "--from", second, "--to", "-", Path("first")}, digits + "\n", ofFirst, ""},
         {{"rekey", "--to", "-", "--from", first, Path("first")}, ToHex(m_second), ofSecond, ""},
+        {{"fix", "-"},
+         "\xEF\xBB\xBFQVLANG=en\r\nMENU=\"x\"\r\nMENU=\"x\"\r\n",
+         "QVLANG=en\r\nMENU=\"x\"\r\n",
+         ""},
         {{"show", "--reveal", "-"},
          StoredFile(DevelopmentKey()),
          "IDE_TITLE=\"Register this copy\"\nMENU_OPEN=\"Open\"\nQVLANG=\"English\"\n",
@@ -293,14 +297,16 @@ TEST_F(OrvaStringsInput, IsTheKeyForAFileChangedInPlace) {
                       {"rekey", "--from", Path("first.key"), "--to", "-", "--in-place", Path("x")}),
                   0)
             << m_err;
-        EXPECT_EQ(m_out + m_err, "");
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(m_err, Path("x") + ": rekeyed 2 entries\n");
         EXPECT_EQ(BytesOf("x"), StoredFile(m_second));
         EXPECT_EQ(
             Run(source, ToHex(m_second) + "\n",
                 {"rekey", "--from", "-", "--to", Path("first.key"), "-o", Path("out"), Path("x")}),
             0)
             << m_err;
-        EXPECT_EQ(m_out + m_err, "");
+        EXPECT_EQ(m_out, "");
+        EXPECT_EQ(m_err, Path("out") + ": rekeyed 2 entries\n");
         EXPECT_EQ(BytesOf("out"), StoredFile(m_first));
     }
 }

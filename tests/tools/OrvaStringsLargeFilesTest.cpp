@@ -1,4 +1,5 @@
 // Large files: a command's memory is in proportion to the file, and so is its time.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -24,16 +25,16 @@ class Digest : public std::streambuf {
 public:
     std::size_t writes = 0;
     std::size_t bytes = 0;
-    std::string first;  // what was written first and last
+    std::string first;  // what was written first and last, up to 1 KiB of each
     std::string last;
 
 protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
-        last.assign(text, static_cast<std::size_t>(size));
+        last.assign(text, std::min(static_cast<std::size_t>(size), std::size_t{1024}));
         if (writes++ == 0) {
             first = last;
         }
-        bytes += last.size();
+        bytes += static_cast<std::size_t>(size);
         return size;
     }
     int_type overflow(int_type c) override {
@@ -193,7 +194,74 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesInOneLineAreCheckedInTimeInProportion) 
     }
 }
 
-// Time that grows with the square of the file would exceed the time limit here.
+// The file with one byte replaced by others wherever it is.
+std::string With(char byte, const std::string& others, const std::string& file) {
+    std::string result;
+    for (const char c : file) {
+        result += c == byte ? others : std::string(1, c);
+    }
+    return result;
+}
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreMendedInThreeTimesTheirSize) {
+    // One more byte in each line leaves little room to spare.
+    constexpr std::size_t kSize = (std::size_t{2} << 20U) - (std::size_t{40} << 10U);
+    const std::string sections = Entries(kSize, 30, 10);
+    const std::string section = Entries(kSize, 1, 10);
+    const std::string files[] = {
+        "\xEF\xBB\xBF" + sections, With('\n', "\n ", section),  // something to mend in every line
+        With('\n', "\r", section),                              // and at every end
+        section + section.substr(section.find('\n') + 1),       // each entry twice
+    };
+    for (const std::string& file : files) {
+        for (const char* const option : {"--check", "--diff", ""}) {
+            SCOPED_TRACE(option);
+            m_folder.Write("broken", file);
+            std::vector<std::string> command = {"fix", Path("broken")};
+            if (*option != '\0') {
+                command.emplace_back(option);
+            }
+            const AllocationPeak peak;
+            EXPECT_EQ(Run(command), *option != '\0' ? 1 : 0) << m_err.last;
+            EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+            EXPECT_LE(peak.Bytes(), 3 * file.size());
+        }
+    }
+}
+
+// Time that grows with the square of the file would exceed the time limit here and below.
+TEST_F(OrvaStringsLargeFiles, MayHaveSomethingToMendInEveryLine) {
+    constexpr int kLines = 100'000;
+    const auto numbered = [](int i) { return std::to_string(i); };
+    const struct {
+        const char* what;
+        std::function<std::string(int)> line;
+        const char* said;
+    } cases[] = {
+        {"one entry", [](int) { return "ABCD=1\n"; }, ": removed 99999 duplicates\n"},
+        {"one key", [&](int i) { return " ABCD=" + numbered(i) + "\n"; },
+         ": mended 100000 lines\n"},
+        {"keys", [&](int i) { return " KEY_" + numbered(i) + "=1\n"; }, ": mended 100000 lines\n"},
+        {"headers", [&](int i) { return " QVLANG=" + numbered(i) + "\n"; },
+         ": mended 100000 lines\n"},
+        {"one header and a mark", [](int) { return "\xEF\xBB\xBF QVLANG=a\n"; },
+         ": mended 100000 lines\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::string file = "QVLANG=en\n";
+        for (int i = 0; i < kLines; ++i) {
+            file += c.line(i);
+        }
+        m_folder.Write("file", file);
+        EXPECT_EQ(Run({"fix", "--diff", Path("file")}), 1);
+        EXPECT_GT(m_out.bytes, file.size());
+        EXPECT_EQ(Run({"fix", Path("file")}), 0);
+        EXPECT_EQ(m_err.last, Path("file") + c.said);
+        EXPECT_EQ(Run({"fix", "--check", Path("file")}), 0);
+    }
+}
+
 TEST_F(OrvaStringsLargeFiles, MayHaveAFindingInEveryHundredBytes) {
     constexpr std::size_t kFindings = 200'000;
     const struct {

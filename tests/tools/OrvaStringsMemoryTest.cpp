@@ -222,6 +222,7 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         {{"show", "--all-languages", "--key-file", "-", Path("second")}, second, 0, ""},
         {{"show", "--key-file", first, "--format", "json", Path("second")}, "", 1, ""},
         {{"sections", Path("first")}, "", 0, ""},
+        {{"fix", "-"}, Path("first"), 0, "first"},
         {{"key", "show"}, "", 0, ""},
         {{"key", "show", "--key-file", first}, "", 0, ""},
         {{"key", "show", "--key-file", "-"}, second, 0, ""},

@@ -114,6 +114,8 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
         Write("file", "QVLANG=en\nIDE_A=\"" + bad + "\"\nMENU=\"x\"\nIDE_B=\"" + bad + "\"\n");
     const std::string longKey = "IDE_" + std::string(100'000, 'K');
     const std::string longLine = Write("long", "QVLANG=en\n" + longKey + "=\"" + bad + "\"\n");
+    const std::string broken = Write("broken", " QVLANG=en\nIDE_A=\"x\"\n");
+    const std::string key = Write("key", std::string(64, '1'));
     const std::string why =
         ": the value looks stored but does not decode: it was damaged or made with another key\n";
     const std::string note =
@@ -148,6 +150,13 @@ TEST_F(OrvaStringsMessages, AreOneWriteEach) {
         {{"protect", "--in-place", "-"},
          2,
          {"orva-strings: error: --in-place needs a file, not -\n"}},
+        {{"fix", "--check", broken, broken},
+         1,
+         {broken + ": would mend 1 line\n", broken + ": would mend 1 line\n"}},
+        {{"fix", broken}, 0, {broken + ": mended 1 line\n"}},
+        {{"protect", "--key-file", key, "--in-place", broken},
+         0,
+         {broken + ": protected 1 entry\n"}},
         {{"protect"}, 2, {"orva-strings: error: FILE is required (see --help)\n"}},
     };
     for (const auto& c : cases) {

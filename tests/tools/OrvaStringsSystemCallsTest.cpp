@@ -104,6 +104,7 @@ protected:
              const std::vector<std::uint8_t>& random = SystemCalls::Counting()) {
         std::ostringstream out;
         std::ostringstream err;
+        m_arguments = arguments;
         m_calls.clear();
         const SystemCalls calls(
             [&](const std::string& call) {
@@ -129,11 +130,19 @@ protected:
                   std::count(m_calls.begin(), m_calls.end(), "release signals"));
     }
 
+    // What a command says of a file that it has written.
+    std::string Said() const {
+        if (m_arguments[0] == "fix") {
+            return m_arguments[1] + ": mended 1 line\n";
+        }
+        return m_arguments[0] == "reveal" ? m_arguments[2] + ": revealed 1 entry\n" : "";
+    }
+
     // Checks how a failed call is reported.
     void ExpectReported(const char* reason) const {
         if (reason == kGoesOn) {
             EXPECT_EQ(m_status, 0);
-            EXPECT_EQ(m_err, "");
+            EXPECT_EQ(m_err, Said());
             return;
         }
         EXPECT_EQ(m_status, 2);
@@ -203,6 +212,7 @@ protected:
     int m_status = 0;
     std::string m_out;
     std::string m_err;
+    Texts m_arguments;
     Texts m_calls;
 };
 
@@ -240,6 +250,7 @@ TEST_F(OrvaStringsSystemCalls, ReplaceAFileInPlace) {
     };
     ExpectSteps({"reveal", "--in-place", "file"}, steps, m_stored, kPlain,
                 "rename file.A1A2A3 file");
+    ExpectSteps({"fix", "file"}, steps, "\xEF\xBB\xBF" + kPlain, kPlain, "rename file.A1A2A3 file");
 }
 
 TEST_F(OrvaStringsSystemCalls, ReplaceAnOutputFile) {

@@ -1300,17 +1300,17 @@ TEST_F(OrvaStrings, WritesTheResultToAFile) {
     } cases[] = {
         {{"protect", file, "-o", Path("out"), "--key-file", Path("first")},
          ProtectedFile(first),
-         NearEntriesOf(file)},
+         NearEntriesOf(file) + Path("out") + ": protected 4 entries\n"},
         {{"rekey", "--from", Path("first"), "--to", Path("second"), Path("out"), "--output",
           Path("out")},
          ProtectedFile(second),
-         ""},
+         Path("out") + ": rekeyed 4 entries\n"},
         {{"reveal", "--key-file", Path("second"), "--output=" + Path("out"), Path("out")},
          kReadable,
-         ""},
+         Path("out") + ": revealed 4 entries\n"},
         {{"protect", "-o" + Path("out"), "-", "--key-file", Path("first")},
          ProtectedFile(first),
-         NearEntriesOf("-")},
+         NearEntriesOf("-") + Path("out") + ": protected 4 entries\n"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Run(c.arguments, kReadable), 0) << m_err;

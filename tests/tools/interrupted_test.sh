@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Stops `orva-strings protect --in-place` and `-o` at each call by which they write the file:
-# killed, and by signals. The file keeps its old bytes until the rename and has its new ones after
+# Stops `orva-strings protect --in-place` and `-o`, and `fix`, at each call by which they write the
+# file: killed, and by signals. The file keeps its old bytes until the rename and has its new ones after
 # it. Then does the same with show's copy and a new key, and lets another program change the file.
 #
 # Usage: interrupted_test.sh TOOL, the tool linked with KillAtCall.cpp
@@ -88,6 +88,8 @@ in_place="close lstat write fchmod fsync close close lstat rename fsync close"
 stop_at_each_call "" 644 "$into_new" protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/other" 640 "$into_old" protect -o "$work/folder/file" "$work/old"
 stop_at_each_call "$work/old" 640 "$in_place" protect --in-place "$work/folder/file"
+{ printf '\xEF\xBB\xBF' && cat "$work/new"; } >"$work/marked"
+stop_at_each_call "$work/marked" 640 "$in_place" fix "$work/folder/file"
 
 # A change that another program makes before the last check stays, and nothing is left beside the file.
 cat >"$work/look" <<'END'

@@ -54,7 +54,8 @@ private:
     std::string WhatIsWrong(const CLI::ParseError& error,
                             const std::vector<std::string>& arguments) const;
 
-    CLI::App m_app{"Inspects strings files and manages their protected entries.", "orva-strings"};
+    CLI::App m_app{"Inspects and mends strings files and manages their protected entries.",
+                   "orva-strings"};
     std::deque<Group> m_groups;  // the tool itself, then the groups of commands
     std::deque<Arguments> m_arguments;
     Command* m_command = nullptr;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "tools/orva-strings/cli/Printable.h"
+
 FileSnapshot Console::Read(const std::string& file) const {
     return file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(file);
 }
@@ -17,6 +19,13 @@ MasterKey Console::ReadKey(const std::string& keyFile) const {
 
 void Console::Say(Severity severity, const std::string& text) const {
     Print({severity, std::nullopt, text}, "orva-strings", m_err);
+}
+
+void Console::SayDone(const std::string& file, const std::string& text,
+                      const std::function<void()>& change) const {
+    const std::string line = Printable(file) + ": " + Printable(text) + '\n';
+    change();
+    m_err.write(line.data(), static_cast<std::streamsize>(line.size()));
 }
 
 ExitStatus Console::Report(Findings findings, const std::string& file) const {

@@ -41,6 +41,11 @@ public:
     // Prints a message about the command itself.
     void Say(Severity severity, const std::string& text) const;
 
+    // Makes a change to a file, then prints what it did: the line "FILE: TEXT". If change throws,
+    // nothing is printed; afterwards, nothing can fail.
+    void SayDone(const std::string& file, const std::string& text,
+                 const std::function<void()>& change) const;
+
     // Prints findings about a file in line order, after those about the whole file. Returns the
     // resulting exit status.
     ExitStatus Report(Findings findings, const std::string& file) const;

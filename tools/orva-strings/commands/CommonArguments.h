@@ -19,6 +19,10 @@ constexpr Argument kTextOrJson = {"--format",  "FORMAT", "The form of the output
                                   Role::kText, false,    nullptr,
                                   "text|json"};
 
+constexpr char kCheckFlag[] = "--check";
+constexpr char kCheckHelp[] =
+    "Change nothing; say what would change, and end with exit status 1 if anything would";
+
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",
     "File of 64 hexadecimal digits; - is standard input; without this option, the built-in key",

@@ -10,7 +10,8 @@ public:
         : ChangingCommand({"protect",
                            "Encrypt every readable entry whose key begins with IDE",
                            {"protect -o Shipped.strings Source.strings",
-                            "protect --in-place --key-file release.key Sample.strings"}}) {}
+                            "protect --in-place --key-file release.key Sample.strings"}},
+                          {"protected", "would protect", "was already", "were already"}) {}
 
     void Declare(Arguments& arguments) override {
         ChangingCommand::Declare(arguments);

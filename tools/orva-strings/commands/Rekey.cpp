@@ -8,7 +8,9 @@ public:
     Rekey()
         : ChangingCommand({"rekey",
                            "Re-encrypt protected entries with another key",
-                           {"rekey --from old.key --to new.key --in-place Sample.strings"}}) {}
+                           {"rekey --from old.key --to new.key --in-place Sample.strings"}},
+                          {"rekeyed", "would rekey", "was not stored with the old key",
+                           "were not stored with the old key"}) {}
 
     void Declare(Arguments& arguments) override {
         ChangingCommand::Declare(arguments);

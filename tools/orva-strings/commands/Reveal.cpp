@@ -8,7 +8,10 @@ namespace {
 
 class Reveal : public ChangingCommand {
 public:
-    Reveal() : ChangingCommand({"reveal", "Write protected entries as readable text again", {}}) {}
+    Reveal()
+        : ChangingCommand(
+              {"reveal", "Write protected entries as readable text again", {}},
+              {"revealed", "would reveal", "was already readable", "were already readable"}) {}
 
     void Declare(Arguments& arguments) override {
         ChangingCommand::Declare(arguments);

@@ -3,6 +3,7 @@
 // Each is defined in its command's file.
 std::unique_ptr<Command> MakeCheck();
 std::unique_ptr<Command> MakeExplain();
+std::unique_ptr<Command> MakeFix();
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
 std::unique_ptr<Command> MakeProtect();
@@ -14,8 +15,8 @@ std::unique_ptr<Command> MakeShow();
 Commands MakeCommands() {
     Commands commands;
     for (const auto make :
-         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeExplain, MakeShow, MakeSections,
-          MakeKeyNew, MakeKeyShow}) {
+         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain, MakeShow,
+          MakeSections, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;

@@ -1,6 +1,7 @@
 #ifndef ORVALANGUAGE_TOOLS_DOCUMENT_STRINGSDOCUMENT_H
 #define ORVALANGUAGE_TOOLS_DOCUMENT_STRINGSDOCUMENT_H
 
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -32,6 +33,9 @@ public:
     std::optional<std::string_view> SetValue(const StringsLine& line, std::string_view value);
 
     bool IsChanged() const { return !m_changes.empty(); }
+
+    // The number of lines whose value has changed.
+    std::size_t ChangeCount() const { return m_changes.size(); }
 
     // Calls take with the bytes of the changed file, in pieces of at most 64 KiB.
     void WriteInPieces(const std::function<void(std::string_view)>& take) const;
