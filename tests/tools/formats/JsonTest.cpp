@@ -8,7 +8,7 @@
 namespace {
 
 TEST(JsonFormat, HasTheFindingsAndTheCounts) {
-    EXPECT_EQ(Written(WriteJson, OrdinaryReport()), R"({
+    ExpectJson(WriteJson, OrdinaryReport(), R"({
   "version": 1,
   "findings": [
     {
@@ -58,7 +58,7 @@ TEST(JsonFormat, HasTheFindingsAndTheCounts) {
 }
 
 TEST(JsonFormat, HasAnEmptyListWithoutFindings) {
-    EXPECT_EQ(Written(WriteJson, {{"clean.strings", {}}}), R"({
+    ExpectJson(WriteJson, {{"clean.strings", {}}}, R"({
   "version": 1,
   "findings": [],
   "errors": 0,
@@ -83,7 +83,7 @@ TEST(JsonFormat, IsAsciiAndShowsWhereBytesAreNotUtf8) {
         {std::string("a\0b", 3), R"("a\u0000b")"},
     };
     for (const auto& [text, json] : cases) {
-        EXPECT_EQ(Written(WriteJson, ReportOf(text)), R"({
+        ExpectJson(WriteJson, ReportOf(text), R"({
   "version": 1,
   "findings": [
     {

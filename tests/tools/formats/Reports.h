@@ -2,8 +2,12 @@
 #ifndef ORVALANGUAGE_TESTS_TOOLS_FORMATS_REPORTS_H
 #define ORVALANGUAGE_TESTS_TOOLS_FORMATS_REPORTS_H
 
+#include <algorithm>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "tools/orva-strings/formats/Report.h"
 
@@ -29,6 +33,16 @@ std::string Written(Write write, const Report& report) {
     std::ostringstream out;
     write(report, out);
     return out.str();
+}
+
+// Expects a report to be this document, with its members in this order, in ASCII lines.
+template <typename Write>
+void ExpectJson(Write write, const Report& report, const std::string& expected) {
+    const std::string written = Written(write, report);
+    EXPECT_EQ(nlohmann::ordered_json::parse(written), nlohmann::ordered_json::parse(expected));
+    EXPECT_EQ(written.back(), '\n');
+    EXPECT_TRUE(std::all_of(written.begin(), written.end(),
+                            [](char c) { return (c >= ' ' && c <= '~') || c == '\n'; }));
 }
 
 #endif

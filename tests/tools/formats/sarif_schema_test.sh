@@ -42,8 +42,8 @@ if ! is_valid report.json; then
     cat log
     exit 1
 fi
-for fault in 's/"level": "error"/"level": "fatal"/' 's/"startLine": 2,/"startLine": 0,/' \
-    's/"uri": "stdin"/"uri": "a b"/' 's/"ruleIndex"/"ruleNumber"/' '/"name": "orva-strings"/d'; do
+for fault in 's/"level":"error"/"level":"fatal"/' 's/"startLine":2,/"startLine":0,/' \
+    's/"uri":"stdin"/"uri":"a b"/' 's/"ruleIndex"/"ruleNumber"/' 's/"name":"orva-strings",//'; do
     sed "$fault" report.json >faulty.json
     if cmp -s report.json faulty.json; then
         echo "the report has nothing for '$fault' to change"

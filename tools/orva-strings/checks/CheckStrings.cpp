@@ -13,23 +13,11 @@
 #include "tools/orva-strings/checks/ProtectedChecks.h"
 #include "tools/orva-strings/checks/SectionKeys.h"
 #include "tools/orva-strings/checks/TranslationChecks.h"
+#include "tools/orva-strings/document/Encoding.h"
 
 namespace {
 
 constexpr auto kNoLine = static_cast<std::size_t>(-1);
-
-bool IsUtf16(std::string_view bytes) {
-    const std::string_view mark = bytes.substr(0, 2);
-    const auto isNul = [&](std::size_t i) { return i < bytes.size() && bytes[i] == '\0'; };
-    return mark == "\xFF\xFE" || mark == "\xFE\xFF" || (isNul(1) && isNul(3) && !isNul(0)) ||
-           (isNul(0) && isNul(2) && bytes.size() > 1 && !isNul(1));
-}
-
-// Whether carriage returns end lines, and nothing else does.
-bool EndsLinesWithCarriageReturns(std::string_view bytes) {
-    return bytes.find('\n') == std::string_view::npos &&
-           bytes.find('\r') < bytes.size() - std::min<std::size_t>(bytes.size(), 1);
-}
 
 // Checks one file.
 class FileCheck {
@@ -71,7 +59,7 @@ RuleFindings FileCheck::Run() {
         m_findings.AddForFile(Rule::kUtf16,
                               "no load finds a section, since the file is in UTF-16; save it in "
                               "UTF-8");
-    } else if (EndsLinesWithCarriageReturns(m_bytes)) {
+    } else if (HasOnlyCarriageReturns(m_bytes)) {
         m_findings.AddForFile(Rule::kCarriageReturn,
                               "the file is a single line to the library, since a carriage return "
                               "ends no line; end lines with a line feed");

@@ -10,7 +10,7 @@ namespace {
 std::size_t CountProtected(StringsReader lines) {
     std::size_t count = 0;
     while (lines.Next()) {
-        count += lines.IsInSection() && IsProtectedEntry(lines.Line().text) ? 1 : 0;
+        count += lines.IsInSection() && IsProtectedEntry(lines.Line().text) ? 1U : 0U;
     }
     return count;
 }

@@ -19,7 +19,7 @@ std::string Changes(const FixedStrings& fixed, bool isOnlyPlanned) {
     std::size_t removed = 0;
     fixed.VisitLines([&](const FixedLine& line) {
         removed += line.isDuplicate ? 1 : 0;
-        mended += line.IsChanged() && !line.isDuplicate ? 1 : 0;
+        mended += line.IsChanged() && !line.isDuplicate ? 1U : 0U;
     });
     std::vector<std::string> parts;
     const auto add = [&](const char* planned, const char* done, const std::string& what) {

@@ -14,9 +14,8 @@ std::unique_ptr<Command> MakeShow();
 
 Commands MakeCommands() {
     Commands commands;
-    for (const auto make :
-         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain, MakeShow,
-          MakeSections, MakeKeyNew, MakeKeyShow}) {
+    for (const auto make : {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain,
+                            MakeShow, MakeSections, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;

@@ -36,7 +36,7 @@ std::vector<Hunk> HunksOf(const FixedStrings& fixed) {
             hunks.push_back({begin, 0, 0});
         }
         hunks.back().end = count + kContext;
-        hunks.back().lost += IsLost(line) ? 1 : 0;
+        hunks.back().lost += IsLost(line) ? 1U : 0U;
     });
     if (!hunks.empty()) {
         hunks.back().end = std::min(hunks.back().end, count);
@@ -91,7 +91,7 @@ void WriteHunks(const FixedStrings& fixed, const std::vector<Hunk>& hunks, std::
 // To a diff, a file without line feeds is a single line.
 void WriteWhole(const std::string& bytes, const FixedStrings& fixed, std::ostream& out) {
     std::size_t count = 0;
-    fixed.VisitLines([&](const FixedLine& line) { count += IsLost(line) ? 0 : 1; });
+    fixed.VisitLines([&](const FixedLine& line) { count += IsLost(line) ? 0U : 1U; });
     out << "@@ -1,1 +1," << count << " @@\n";
     WriteLine('-', bytes, "", out);
     fixed.VisitLines([&](const FixedLine& line) {
