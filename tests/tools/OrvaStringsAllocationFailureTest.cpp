@@ -56,6 +56,7 @@ protected:
         m_folder.Write("readable", kReadable);
         Run({"protect", "--key-file", Path("key"), Path("readable")});
         m_folder.Write("protected", m_out);
+        m_first = AllocationsOf({"--version"}) / 10 * 9;
     }
 
     std::string Path(const std::string& name) const { return m_folder.Path() / name; }
@@ -90,7 +91,19 @@ protected:
         return status;
     }
 
-    // Fails each allocation of a command in turn, each time from the state that prepare makes.
+    std::size_t AllocationsOf(const std::vector<std::string>& arguments) {
+        std::size_t failing = 0;
+        std::size_t tooMany = std::size_t{1} << 20U;
+        while (tooMany - failing > 1) {
+            const std::size_t n = failing + (tooMany - failing) / 2;
+            Run(arguments, n);
+            (m_hasFailed ? failing : tooMany) = n;
+        }
+        return failing;
+    }
+
+    // Fails each allocation of a command in turn, each time from the state that prepare makes. The
+    // first ones are left out, which declare all commands, whichever is run.
     // check then sees the state that the run leaves, and its exit status. A failure must be
     // reported and leave nothing behind, or make no difference.
     void FailAtEach(
@@ -102,7 +115,7 @@ protected:
         const std::string err = m_err;
         std::size_t points = 0;
         m_hasFailed = true;
-        for (std::size_t n = 1; m_hasFailed; ++n) {
+        for (std::size_t n = m_first; m_hasFailed; ++n) {
             SCOPED_TRACE("allocation " + std::to_string(n));
             prepare();
             const int status = Run(arguments, n);
@@ -132,7 +145,14 @@ protected:
     std::string m_err;
     std::size_t m_left = 0;
     bool m_hasFailed = false;
+    std::size_t m_first = 1;
 };
+
+TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheCommandsAreDeclared) {
+    m_first = 1;
+    FailAtEach({"protect", "--key-file", Path("key"), Path("readable")});
+    FailAtEach({"key", "show", "--key-file", Path("key")});
+}
 
 TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
     const std::string source = ReadFile(Path("readable"));

@@ -190,6 +190,19 @@ TEST_F(OrvaStringsCheck, ReportsOnlyWhatIsNotInTheBaseline) {
     EXPECT_EQ(Run({"check", "--baseline", Write("empty", ""), file}), 2);
 }
 
+TEST_F(OrvaStringsCheck, ReplacesNoFileButABaseline) {
+    const std::string file = Write("wrong", kWrong);
+    EXPECT_EQ(Run({"check", "--write-baseline", file, file}), 2);
+    EXPECT_EQ(ReadFile(file), kWrong);
+    EXPECT_EQ(Run({"check", "--write-baseline", Path("known"), file}), 0);
+    EXPECT_EQ(Run({"check", "--write-baseline", Path("known"), Write("clean", kClean)}), 0);
+    EXPECT_EQ(ReadFile(Path("known")), "orva-strings baseline, version 1: rule, section, key\n");
+    EXPECT_EQ(Run({"check", "--write-baseline", "-", file}), 0);
+    EXPECT_EQ(m_out,
+              "orva-strings baseline, version 1: rule, section, key\n"
+              "short-key\ten\tOK\ntext-after-quote\ten\tMENU_OPEN\n");
+}
+
 TEST_F(OrvaStringsCheck, KeepsTabsAndLineFeedsOfNamesApartInABaseline) {
     const std::string file = Write("wrong", "QVLANG=a\tb\nO\tK=\"\"\n");
     EXPECT_EQ(Run({"check", "--write-baseline", Path("known"), file}), 0);

@@ -229,7 +229,7 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesAreMendedInThreeTimesTheirSize) {
     }
 }
 
-TEST_F(OrvaStringsLargeFiles, MayHaveSomethingToMendInEveryLine) {
+TEST_F(OrvaStringsLargeFiles, OfMegabytesMayHaveSomethingToMendInEveryLine) {
     constexpr int kLines = 20'000;
     const auto numbered = [](int i) { return std::to_string(i); };
     const struct {

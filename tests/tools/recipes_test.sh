@@ -62,7 +62,7 @@ cd ..
 # Vim, in which :make lists the findings.
 block vim makeprg >recipe.vim
 [ -s recipe.vim ] || fail "no recipe for Vim"
-vim -es -u NONE -c 'set nocompatible' -c 'edit wrong.strings' -c 'source recipe.vim' -c 'silent make!' \
+vim -es -u NONE -c 'set nocompatible' -c 'source recipe.vim' -c 'edit wrong.strings' -c 'silent make!' \
     -c 'call writefile(map(getqflist(), {_, f -> bufname(f.bufnr) . ":" . f.lnum . ":" . f.col . ":" . f.type}), "quickfix")' \
     -c 'qall!' || true
 printf '%s\n' wrong.strings:3:1:e wrong.strings:4:1:e >expected

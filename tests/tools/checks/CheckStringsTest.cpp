@@ -147,9 +147,10 @@ TEST(CheckStrings, FindsLinesThatAreNearlyHeaders) {
                   "3:1 error near-header\n")
             << header;
     }
-    EXPECT_EQ(Sentence("QVLANG=en\n QVLANG=\"de\"\n"),
-              "this is nearly a header, but opens no section, so the entries below belong to the "
-              "section above; write QVLANG=de");
+    EXPECT_EQ(
+        Sentence("QVLANG=en\n QVLANG=\"de\"\n"),
+        "this is nearly a header, but opens no section, so no host can load the entries below "
+        "as one; write QVLANG=de");
     EXPECT_EQ(CheckLine("QVLAND=\"text\""), "2:1 error near-header\n") << "it may be an entry";
     EXPECT_EQ(CheckLine("# QVLANG"), "");
 }
@@ -204,6 +205,8 @@ TEST(CheckStrings, FindsKeysThatCannotBeLookedUp) {
     EXPECT_EQ(CheckLine("MENU =\"x\""), "2:1 error key-blanks\n");
     EXPECT_EQ(CheckLine("\tMENU=\"x\""), "2:1 error key-blanks\n");
     EXPECT_EQ(CheckLine("ME NU=\"x\""), "") << "a blank within";
+    EXPECT_EQ(CheckLine("\"MENU\"=\"x\""), "2:1 error quoted-key\n");
+    EXPECT_EQ(CheckLine("\"MENU=\"x\""), "");
     EXPECT_EQ(CheckLine("// MENU=\"x\""), "2:1 warning commented-entry\n");
     EXPECT_EQ(CheckLine("#a=b"), "");
 }
@@ -326,7 +329,9 @@ TEST(CheckStrings, FindsTextsThatDoNotDecode) {
         EXPECT_EQ(check(stored.substr(3)), readable) << "too short to be meant";
         EXPECT_EQ(check("000" + stored), readable);
         EXPECT_EQ(check(std::string(32, '0')), readable);
-        EXPECT_EQ(check('x' + stored), readable);
+        EXPECT_EQ(check('x' + stored), "2:8 error damaged-text\n") << "a slip";
+        EXPECT_EQ(check("xx" + stored.substr(2)), "2:8 error damaged-text\n");
+        EXPECT_EQ(check("xxx" + stored.substr(3)), readable) << "a text of this length";
     }
 }
 
@@ -375,7 +380,16 @@ TEST(CheckStrings, FindsProtectedTextsThatAreReadableElsewhere) {
               "3:7 error leaked-text\n");
     EXPECT_EQ(Check("QVLANG=en\n" + stored + " ; A secret\n", Ship),
               "2:74 warning text-after-quote\n2:76 error leaked-text\n");
-    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\nMENU=\"Not a secret\"\n", Ship), "");
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\nMENU=\"Not A secret\"\n", Ship), "")
+        << "another text";
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\n# it was A secret once\n", Ship),
+              "3:3 error leaked-text\n");
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\n# it was A secre\n", Ship), "");
+    EXPECT_EQ(
+        Check("QVLANG=en\nIDE_X=\"" + Stored("A secr", kKey) + "\"\n# it was A secret\n", Ship), "")
+        << "too short to be meant";
+    EXPECT_EQ(Check("QVLANG=en\n" + stored + "\nMENU=\"Open\" the A secret\n", Ship),
+              "3:13 warning text-after-quote\n3:13 error leaked-text\n");
     EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"" + Stored("", kKey) + "\"\nMENU=\"\"\n", Ship), "");
     EXPECT_EQ(Check("QVLANG=en\n# IDE_Y=\"other\"\n", Ship),
               "2:1 warning commented-entry\n2:3 error leaked-text\n")
@@ -390,9 +404,9 @@ TEST(CheckStrings, ComparesPlaceholders) {
                         "\"\n");
     };
     EXPECT_EQ(check("%d of %d", "%d von %d"), "0 findings");
-    EXPECT_EQ(check("%d files", "Dateien"), "MENU: a host fills in %d, which is missing here");
-    EXPECT_EQ(check("%d files", "%s Dateien"), "MENU: a host fills in %d, but here is %s");
-    EXPECT_EQ(check("files", "{0} Dateien"), "MENU: a host fills in no {0}");
+    EXPECT_EQ(check("%d files", "Dateien"), "MENU: the reference has %d, which is missing here");
+    EXPECT_EQ(check("%d files", "%s Dateien"), "MENU: the reference has %d, but this text has %s");
+    EXPECT_EQ(check("files", "{0} Dateien"), "MENU: the reference has no {0}");
     EXPECT_EQ(check("%H:%M %s", "%H.%M"), "0 findings") << "a time";
 }
 
@@ -515,7 +529,9 @@ TEST(CheckStrings, LimitsLengths) {
                     "MENU=\"Open\"\nFILE=\"Opened\"\nQVLANG=de\n"
                     "MENU=\"Öff…n\"\nFILE=\"Geöffnet\"\n"),
               "6:7 error max-length\n");
-    EXPECT_EQ(Check("QVLANG=en\n" + limit + "\nMENU=\"Opened\"\n"), "") << "not before the entry";
+    EXPECT_EQ(Check("QVLANG=en\n" + limit + "\nMENU=\"Opened\"\n"),
+              "2:1 warning unused-directive\n")
+        << "not before the entry";
     EXPECT_EQ(Check("QVLANG=en\n" + limit + "IDE_=\"" + Stored("fives", kKey) + "\"\n", Ship),
               "3:7 error max-length\n");
     EXPECT_EQ(Sentence("QVLANG=en\n" + limit + "MENU=\"Opened\"\n"),

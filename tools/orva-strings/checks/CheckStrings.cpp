@@ -176,8 +176,8 @@ void FileCheck::CheckLine(const MeantReader& line) {
         case LineKind::kOther:
             if (line.IsInSection()) {
                 m_findings.Add(Rule::kUnreadLine, line.Line(), line.Text(), {},
-                               "the library ignores this line; write it as KEY=\"text\", or mark "
-                               "it as a comment with #");
+                               "the library ignores this line; an entry has an equals sign after "
+                               "its key, and a comment begins with #");
             }
             break;
         case LineKind::kBlank:
@@ -195,8 +195,8 @@ void FileCheck::CheckHeader(const MeantReader& line) {
     m_findings.EnterSection(name);
     if (line.NearlyHeader()) {
         m_findings.Add(Rule::kNearHeader, line.Line(), line.Text(), {},
-                       "this is nearly a header, but opens no section, so the entries below belong "
-                       "to the section above; write QVLANG=" +
+                       "this is nearly a header, but opens no section, so no host can load the "
+                       "entries below as one; write QVLANG=" +
                            std::string(meantName));
     } else if (name.empty()) {
         m_findings.Add(Rule::kSectionName, line.Line(), line.Text(), {},

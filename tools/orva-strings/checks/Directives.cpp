@@ -56,6 +56,9 @@ void Directives::Read(const MeantReader& line, FindingCollector& findings) {
     }
     if (m_nextLimit != kNoLimit && line.Entry()) {
         m_limits[line.Key()] = m_nextLimit;
+    } else if (m_nextLimit != kNoLimit) {
+        findings.Add(Rule::kUnusedDirective, m_limitLine, m_limitLine.text, {},
+                     "the next line is no entry whose length it could limit");
     }
     m_nextLimit = kNoLimit;
 }
@@ -70,6 +73,7 @@ void Directives::ReadDirective(std::string_view text, const MeantReader& line,
     const std::optional<std::size_t> number = ReadNumber(TrimBlanks(text));
     if (name == "max-length" && number) {
         m_nextLimit = *number;
+        m_limitLine = line.Line();
         return;
     }
     findings.Add(Rule::kBadDirective, line.Line(), name, {},

@@ -45,6 +45,7 @@ private:
     std::vector<Silence> m_silences;
     std::size_t m_pending = 0;  // the first silence whose line is not known yet
     std::size_t m_nextLimit = kNoLimit;
+    StringsLine m_limitLine = {};  // which sets it
     std::unordered_map<std::string_view, std::size_t> m_limits;
 };
 

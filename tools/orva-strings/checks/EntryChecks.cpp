@@ -39,6 +39,11 @@ void CheckKey(const MeantReader& line, FindingCollector& findings) {
                      "the key has blanks at its ends, so lookups without them answer null; remove "
                      "them");
     }
+    if (line.Key().size() >= 2 && line.Key().front() == '"' && line.Key().back() == '"') {
+        findings.Add(Rule::kQuotedKey, line.Line(), line.Key(), line.Key(),
+                     "the quotes are part of the key, so lookups without them answer null; remove "
+                     "them");
+    }
 }
 
 // Whether there is a blank or the end at this place.
@@ -146,8 +151,9 @@ void CheckEscapes(const MeantReader& line, FindingCollector& findings) {
                 add(at, "the text ends with this backslash; a quote needs no escape");
             }
         } else if (IsEscape(value, at)) {
-            add(at, std::string("\\") + value[at + 1] +
-                        " is shown as it is written; the only escape is \\n");
+            add(at,
+                "this backslash and what follows it are shown as they are written; the only "
+                "escape is a backslash and n");
             return;
         }
     }
@@ -157,8 +163,8 @@ void CheckUnquoted(const MeantReader& line, FindingCollector& findings) {
     const std::string_view value = line.Entry()->value;
     if (const std::size_t escape = value.find("\\n"); escape != std::string_view::npos) {
         findings.Add(Rule::kUnquotedNewLine, line.Line(), value.substr(escape), line.Key(),
-                     "\\n is shown as these two characters, since the value has no quotes; add "
-                     "them if a line break is meant");
+                     "this backslash and n are shown as they are written, since the value has no "
+                     "quotes; add them if a line break is meant");
     }
     constexpr std::array<std::string_view, 11> kQuotes = {"“", "”", "„", "‟", "‘", "’",
                                                           "‚", "«", "»", "‹", "›"};
@@ -173,7 +179,7 @@ void CheckUnquoted(const MeantReader& line, FindingCollector& findings) {
     });
     if (begins && ends) {
         findings.Add(Rule::kTypographicQuotes, line.Line(), text, line.Key(),
-                     "these quotes are part of the text; only straight ones (\") enclose a value");
+                     "these quotes are part of the text; only straight ones enclose a value");
     }
 }
 

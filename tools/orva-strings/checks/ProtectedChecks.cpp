@@ -12,12 +12,17 @@ bool IsLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// Whether a value consists of digits, but is up to two of them too long or too short.
+// Whether a value nearly looks stored: at most two of its characters are wrong, missing or too many.
 bool IsNearlyStored(std::string_view value) {
     constexpr std::size_t kShortest = 4 * kProtectedBlock;
     const std::size_t excess = (value.size() + 2) % (2 * kProtectedBlock);  // over two too few
+    const auto isDigit = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+    };
     return value.size() + 2 >= kShortest && excess <= 4 &&
-           value.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
+           value.size() -
+                   static_cast<std::size_t>(std::count_if(value.begin(), value.end(), isDigit)) <=
+               2;
 }
 
 // What a comment says, without its marks.
@@ -131,8 +136,8 @@ void ProtectedChecks::CheckReadable(const MeantReader& line, const LineEntry* re
 }
 
 void ProtectedChecks::CompareText(const MeantReader& line, std::string_view text) {
-    if (m_options.isShipped && !TrimBlanks(text).empty()) {
-        m_texts.emplace(text);
+    if (m_options.isShipped) {
+        m_texts.Add(text);
     }
     const std::size_t hash = std::hash<std::string_view>()(text);
     const auto [found, isFirst] = m_firstTexts.try_emplace(line.Key(), Text{hash, false});
@@ -162,24 +167,24 @@ bool ProtectedChecks::FindNear(const MeantReader& line, Rule rule, const char* e
 void ProtectedChecks::FindLeak(const MeantReader& line) {
     bool isFound = false;
     std::string buffer;
-    const auto find = [&](std::string_view part) {
+    const auto find = [&](std::string_view part, bool isWhole) {
         const std::string text(Unescape(part, buffer));
-        if (!isFound && m_texts.count(text) != 0) {
+        if (!isFound && (m_texts.Has(text) || (!isWhole && m_texts.AreIn(text)))) {
             isFound = true;
             m_findings.Add(Rule::kLeakedText, line.Line(), part, {},
-                           "this is the text of a protected entry, and everyone can read it here; "
-                           "remove it");
+                           "here, everyone can read the text of a protected entry; remove it");
         }
     };
     if (!IsEntry(line)) {
-        ForEachPart(line.Text(), find);
-    } else if (IsProtected(line.Key())) {
-        const StringsEntry entry = *ReadEntry(line.Text(), buffer);
-        find(WithoutMarks(entry.beforeQuote));
-        find(WithoutMarks(entry.afterQuote));
-    } else {
-        find(line.Entry()->value);
+        ForEachPart(line.Text(), [&](std::string_view part) { find(part, false); });
+        return;
     }
+    if (!IsProtected(line.Key())) {
+        find(line.Entry()->value, true);
+    }
+    const StringsEntry entry = *ReadEntry(line.Text(), buffer);
+    find(WithoutMarks(entry.beforeQuote), false);
+    find(WithoutMarks(entry.afterQuote), false);
 }
 
 void ProtectedChecks::CheckRest(std::string_view bytes) {
@@ -196,7 +201,7 @@ void ProtectedChecks::CheckRest(std::string_view bytes) {
         const bool isNear =
             !isProtected &&
             FindNear(line, Rule::kLeakedText, "so everyone can read its text; remove the line");
-        if (!isNear && !m_texts.empty()) {
+        if (!isNear && !m_texts.IsEmpty()) {
             FindLeak(line);
         }
     }

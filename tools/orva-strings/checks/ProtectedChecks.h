@@ -6,12 +6,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "protection/ProtectedForm.h"
 #include "tools/orva-strings/checks/CheckStrings.h"
 #include "tools/orva-strings/checks/FindingCollector.h"
 #include "tools/orva-strings/checks/MeantReader.h"
+#include "tools/orva-strings/checks/SecretTexts.h"
 
 // Whether a key is a protected entry's.
 bool IsProtected(std::string_view key);
@@ -50,7 +50,7 @@ private:
     const CheckOptions& m_options;
     FindingCollector& m_findings;
     std::unordered_map<std::string_view, Text> m_firstTexts;  // by key
-    std::unordered_set<std::string> m_texts;                  // of all entries, for --shipped
+    SecretTexts m_texts;                                      // of all entries, for --shipped
     bool m_hasStored = false;
 };
 

@@ -115,6 +115,11 @@ const RuleText kRules[] = {
      "They are part of the key, so lookups of the key without them answer null. Write the equals "
      "sign right after the key; 'orva-strings fix' does.",
      {"QVLANG=en\nMENU_OPEN = \"Open\"\n", "QVLANG=en\nMENU_OPEN=\"Open\"\n"}},
+    {"quoted-key",
+     kError,
+     "a key in quotes",
+     "The quotes are part of the key, so lookups of the key without them answer null.",
+     {"QVLANG=en\n\"MENU_OPEN\"=\"Open\"\n", "QVLANG=en\nMENU_OPEN=\"Open\"\n"}},
     {"commented-entry",
      kWarning,
      "a comment that is an entry",
@@ -225,8 +230,9 @@ const RuleText kRules[] = {
     {"leaked-text",
      kError,
      "with --shipped, a protected text that is readable elsewhere in the file",
-     "Everyone who has the file can read it: in a comment, in a line that is nearly a protected "
-     "entry, before the first section, or as the text of another key. Remove it.",
+     "Everyone who has the file can read it: in a comment or another line that is no entry, in a "
+     "line that is nearly a protected entry, before the first section, or as the whole text of "
+     "another key. Remove it. Within longer lines, only texts of eight bytes or more are found.",
      {"QVLANG=en\n# was: Secret\nIDE_TITLE=\"" ORVA_SECRET "\"\n",
       "QVLANG=en\nIDE_TITLE=\"" ORVA_SECRET "\"\n", "--shipped --allow-development-key"}},
     {"development-key",
@@ -318,8 +324,8 @@ const RuleText kRules[] = {
       "QVLANG=en\n# orva: max-length 12\nMENU_OPEN=\"Open\"\n"}},
     {"unused-directive",
      kWarning,
-     "a directive that silences nothing",
-     "What it was for is gone. Remove it, before it hides something else.",
+     "a directive that has no effect on the next line",
+     "What it was for is gone, or on another line. Remove it, before it hides something else.",
      {"QVLANG=en\n# orva: disable-next-line key-blanks\nMENU_OPEN=\"Open\"\n",
       "QVLANG=en\nMENU_OPEN=\"Open\"\n"}},
 };

@@ -30,6 +30,7 @@ enum class Rule {
     // Keys.
     kShortKey,
     kKeyBlanks,
+    kQuotedKey,
     kCommentedEntry,
     kDuplicateKey,
     kDuplicateEntry,

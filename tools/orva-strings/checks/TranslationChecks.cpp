@@ -74,10 +74,10 @@ std::string PlaceholderDifference(std::string_view reference, std::string_view t
     if (missing.empty() && added.empty()) {
         return "";
     }
-    return "a host fills in " + (missing.empty() ? "no " + added : missing) +
+    return "the reference has " + (missing.empty() ? "no " + added : missing) +
            (missing.empty() ? ""
             : added.empty() ? ", which is missing here"
-                            : ", but here is " + added);
+                            : ", but this text has " + added);
 }
 
 }  // namespace

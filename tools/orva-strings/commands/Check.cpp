@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -83,7 +85,7 @@ public:
         }
         const Report report = CheckFiles(console);
         if (!m_newBaseline.empty()) {
-            WriteBaseline(report);
+            WriteBaseline(report, console.Out());
             return kDone;
         }
         Write(report, console);
@@ -127,13 +129,21 @@ private:
         return report;
     }
 
-    void WriteBaseline(const Report& report) const {
+    // Replaces no file but a baseline, so that a slip costs no strings file.
+    void WriteBaseline(const Report& report, std::ostream& out) const {
+        if (std::filesystem::exists(m_newBaseline)) {
+            Baseline(ReadFile(m_newBaseline), m_newBaseline);
+        }
         Baseline baseline;
         for (const FileReport& file : report) {
             baseline.Add(file.findings);
         }
         const std::string text = baseline.Text();
-        WriteFile(m_newBaseline, [&](const TakePiece& take) { take(text); });
+        if (m_newBaseline == "-") {
+            out << text;
+        } else {
+            WriteFile(m_newBaseline, [&](const TakePiece& take) { take(text); });
+        }
     }
 
     void Write(const Report& report, const Console& console) const {
