@@ -169,6 +169,16 @@ TEST_F(OrvaStringsCheck, SetsWhatFails) {
     EXPECT_EQ(Run({"check", "--fail-on", "error", Write("clean", kClean)}), 0);
 }
 
+TEST_F(OrvaStringsCheck, LowersWhatIsAnErrorOnlySometimes) {
+    const std::string file = Write("file", "QVLANG=en\nMENU=\"Open\" ; as in \"x\"\nQVLANG=de\n");
+    EXPECT_EQ(Run({"check", "--require", "de", file}), 1);
+    EXPECT_EQ(Count(m_out, ": error: "), 2U) << m_out;
+    EXPECT_EQ(Run({"check", "--require", "de", "--warn", "swallowed-text", "--warn", "missing-key",
+                   file}),
+              0);
+    EXPECT_EQ(Count(m_out, ": warning: "), 2U) << m_out;
+}
+
 TEST_F(OrvaStringsCheck, ReportsOnlyWhatIsNotInTheBaseline) {
     const std::string file = Write("wrong", kWrong);
     const std::string known = Path("known");

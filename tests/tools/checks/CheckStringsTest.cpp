@@ -162,6 +162,12 @@ TEST(CheckStrings, FindsSectionNamesThatNobodyAsksFor) {
     EXPECT_EQ(Check("QVLANG=\"en\"\n"), "1:8 error section-name\n");
     EXPECT_EQ(Check("QVLANG=e n\n"), "");
     EXPECT_EQ(Check("QVLANG=  \n"), "1:8 error section-name\n");
+    for (const char* const name :
+         {"'en'", "\"en\";", "“en”", "en # x", "en // x", "=en", "en;", "en\r\r"}) {
+        EXPECT_NE(Check("QVLANG="s + name + '\n').find("1:8 error section-name\n"),
+                  std::string::npos)
+            << name;
+    }
 }
 
 TEST(CheckStrings, FindsSectionsThatCannotBeLoaded) {
@@ -174,6 +180,21 @@ TEST(CheckStrings, FindsSectionsThatCannotBeLoaded) {
     EXPECT_EQ(Sentence("QVLANG=en\nQVLANG=EN\n"),
               "this section can never be loaded, since the one on line 1 has the same name; move "
               "its entries there");
+}
+
+TEST(CheckStrings, KnowsWhatTheLibraryReads) {
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"a\"\n QVLANG=de\nMENU=\"a\"\nQVLANG=de\nMENU=\"b\"\n",
+                    [](CheckOptions& options) { options.reference = "de"; }),
+              "3:1 error near-header\n")
+        << "what is no header hides no section";
+    EXPECT_EQ(CheckLine("MENU =\"%s\"\nMENU=\"%d\"\nQVLANG=de\nMENU=\"%d\""),
+              "2:1 error key-blanks\n")
+        << "lookups find the key without blanks";
+    EXPECT_EQ(CheckLine("MENU =\"a\"\nMENU =\"b\""),
+              "2:1 error key-blanks\n3:1 error key-blanks\n3:1 error duplicate-key\n");
+    EXPECT_EQ(CheckLine("MENU=a\rQVLANG=de"), "2:7 error control-byte\n");
+    EXPECT_EQ(CheckLine("MENU=a\rIDE_X=b"), "2:7 error control-byte\n");
+    EXPECT_EQ(CheckLine("QLANG=7"), "2:1 error near-header\n") << "maybe an entry";
 }
 
 TEST(CheckStrings, FindsMissingSections) {
@@ -339,6 +360,8 @@ TEST(CheckStrings, FindsProtectedTextsThatDiffer) {
     EXPECT_EQ(Check("QVLANG=a\nIDE_X=\"x\"\nQVLANG=b\nIDE_X=\"y\"\nQVLANG=c\nIDE_X=\"z\"\n"),
               "4:8 warning protected-texts-differ\n")
         << "once for each key";
+    EXPECT_EQ(Check("QVLANG=a\nIDE_X=\"x\"\nIDE_X=\"y\"\n"), "3:1 error duplicate-key\n")
+        << "the second is never loaded";
     EXPECT_EQ(Check("QVLANG=a\nIDE_X=\"" + Stored("x", kKey) + "\"\nQVLANG=b\nIDE_X=\"" +
                         Stored("y", kKey) + "\"\n",
                     Ship),
@@ -364,6 +387,22 @@ TEST(CheckStrings, HoldsWhatIsShippedToItsKey) {
     EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"x\"\nQVLANG=de\nIDE_X=\"\"\n", Ship),
               "2:8 error readable-text\n4:8 error readable-text\n"
               "4:8 warning protected-texts-differ\n4:8 warning empty-text\n");
+}
+
+TEST(CheckStrings, FindsTextsThatWereProtectedTwice) {
+    const std::string once = Stored("x", kKey);
+    for (const std::string& text : {once, once.substr(1), 'x' + once.substr(1)}) {
+        EXPECT_EQ(Check("QVLANG=en\nIDE_X=\"" + Stored(text, kKey) + "\"\n", Ship),
+                  "2:8 error damaged-text\n")
+            << text;
+    }
+}
+
+TEST(CheckStrings, FindsProtectedEntriesThatAreNeverRead) {
+    EXPECT_EQ(Check("IDE_X=\"x\"\nQVLANG=en\n", Ship),
+              "1:1 warning before-first-section\n1:1 error leaked-text\n");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=a\rIDE_X=x\n", Ship),
+              "2:7 error control-byte\n2:8 error leaked-text\n");
 }
 
 TEST(CheckStrings, FindsProtectedTextsThatAreReadableElsewhere) {
@@ -404,6 +443,7 @@ TEST(CheckStrings, ComparesPlaceholders) {
                         "\"\n");
     };
     EXPECT_EQ(check("%d of %d", "%d von %d"), "0 findings");
+    EXPECT_EQ(check("%s", "%s%s"), "MENU: the reference has no %s (argument 2)");
     EXPECT_EQ(check("%d files", "Dateien"), "MENU: the reference has %d, which is missing here");
     EXPECT_EQ(check("%d files", "%s Dateien"), "MENU: the reference has %d, but this text has %s");
     EXPECT_EQ(check("files", "{0} Dateien"), "MENU: the reference has no {0}");
@@ -485,6 +525,11 @@ TEST(CheckStrings, FindsStaleTranslations) {
     EXPECT_EQ(check("QVLANG=en\nCCCC=\"c\"\nQVLANG=de\nCCCC=\"x\"\nQVLANG=it\nCCCC=\"x\"\n"), "");
 }
 
+TEST(CheckStrings, WantsAnEarlierFileWithTheReference) {
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"x\"\n", [](CheckOptions& options) { options.base = ""; }),
+              "error missing-section\n");
+}
+
 TEST(CheckStrings, FollowsDirectives) {
     EXPECT_EQ(Check("QVLANG=en\n# orva: disable-next-line key-blanks\nMENU =\"x\"\n"), "");
     EXPECT_EQ(Check("QVLANG=en\n// orva: disable-next-line one-quote key-blanks\nMENU =\"x\n"), "");
@@ -534,6 +579,8 @@ TEST(CheckStrings, LimitsLengths) {
         << "not before the entry";
     EXPECT_EQ(Check("QVLANG=en\n" + limit + "IDE_=\"" + Stored("fives", kKey) + "\"\n", Ship),
               "3:7 error max-length\n");
+    EXPECT_EQ(Check("QVLANG=en\n#orva:max-length 4\nMENU=\"Opened\"\n"), "3:7 error max-length\n");
+    EXPECT_EQ(Check("QVLANG=en\n" + limit), "2:1 warning unused-directive\n") << "no next line";
     EXPECT_EQ(Sentence("QVLANG=en\n" + limit + "MENU=\"Opened\"\n"),
               "MENU: the text has 6 characters; the limit is 4");
 }

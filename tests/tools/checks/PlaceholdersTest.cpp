@@ -113,7 +113,7 @@ TEST(Placeholders, AreComparedByMeaning) {
         return Missing(FindPlaceholders(a), FindPlaceholders(b));
     };
     EXPECT_EQ(missing("%s %d", "%2$i %1$s"), "");
-    EXPECT_EQ(missing("%s %d", "%d %s"), "%s %d");
+    EXPECT_EQ(missing("%s %d", "%d %s"), "%s %d (argument 2)");
     EXPECT_EQ(missing("%ld", "%d"), "%ld");
     EXPECT_EQ(missing("{a}", "{b}"), "{a}");
     EXPECT_EQ(missing("%1 %2", "%2"), "%1");

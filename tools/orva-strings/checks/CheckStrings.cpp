@@ -14,16 +14,26 @@
 #include "tools/orva-strings/checks/SectionKeys.h"
 #include "tools/orva-strings/checks/TranslationChecks.h"
 #include "tools/orva-strings/document/Encoding.h"
+#include "tools/orva-strings/document/NearMisses.h"
 
 namespace {
 
 constexpr auto kNoLine = static_cast<std::size_t>(-1);
 
+// Whether a section's name probably has something in it that was not meant as a part of it.
+bool HasMoreThanAName(std::string_view name) {
+    return std::string_view("\"'=").find(name.front()) != std::string_view::npos ||
+           name.back() == ';' || name.find_first_of("\"\r") != std::string_view::npos ||
+           name.find(" #") != std::string_view::npos ||
+           name.find(" //") != std::string_view::npos ||
+           name.substr(0, std::string_view("“").size()) == "“";
+}
+
 // Checks one file.
 class FileCheck {
 public:
     FileCheck(std::string_view bytes, const CheckOptions& options)
-        : m_bytes(bytes), m_options(options), m_findings(options.severities) {}
+        : m_bytes(bytes), m_options(options), m_findings(options.severities, options.areChosen) {}
 
     RuleFindings Run();
 
@@ -120,6 +130,12 @@ void FileCheck::ReadOutline() {
     }
     if (m_options.base) {
         m_earlier.emplace(*m_options.base, referenceName);
+        if (!m_earlier->HasReference()) {
+            m_findings.AddForFile(Rule::kMissingSection,
+                                  "the earlier file has no section " + std::string(referenceName) +
+                                      ", so there is nothing to compare with; name another file",
+                                  referenceName);
+        }
     }
     m_translations.emplace(m_reference, m_earlier ? &*m_earlier : nullptr, m_options.keys,
                            m_findings);
@@ -148,7 +164,11 @@ void FileCheck::CheckLine(const MeantReader& line) {
                        "this is nearly a header, but opens no section; write QVLANG=NAME, or "
                        "choose another key");
     }
-    CheckBytes(line.Line(), m_findings);
+    bool isLost = false;
+    FindMisplaced(line.Lines(), [&](std::string_view /*key*/, Obstacle obstacle) {
+        isLost = isLost || obstacle == Obstacle::kCarriageReturn;
+    });
+    CheckBytes(line.Line(), isLost, m_findings);
     switch (line.Kind()) {
         case LineKind::kConflictMarker:
             m_findings.Add(Rule::kConflictMarker, line.Line(), line.Text(), {},
@@ -205,10 +225,19 @@ void FileCheck::CheckHeader(const MeantReader& line) {
         m_findings.Add(Rule::kSectionName, line.Line(), name, {},
                        "quotes and blanks around it are part of the section's name; write QVLANG=" +
                            std::string(meantName));
+    } else if (HasMoreThanAName(name)) {
+        m_findings.Add(Rule::kSectionName, line.Line(), name, {},
+                       "everything up to the end of the line is part of the section's name; write "
+                       "only the name");
     }
     const std::string_view compared = name.substr(0, name.find('\0'));
-    const auto [first, isNew] = m_sectionLines.try_emplace(compared, line.Line().number);
-    if (!isNew) {
+    // Only what the library reads as a header can hide another.
+    const bool isRead = IsHeader(line.Line().text);
+    const auto first = m_sectionLines.find(compared);
+    const bool isNew = first == m_sectionLines.end();
+    if (isNew && isRead) {
+        m_sectionLines.emplace(compared, line.Line().number);
+    } else if (!isNew && isRead) {
         m_findings.Add(Rule::kRepeatedSection, line.Line(), line.Text(), {},
                        "this section can never be loaded, since the one on line " +
                            std::to_string(first->second + 1) +
@@ -235,7 +264,7 @@ void FileCheck::CheckEntryOfSection(const MeantReader& line) {
     const bool isFirst = m_keys.Check(line, m_findings);
     const SectionEntries::Entry* const reference =
         m_isTranslation ? m_reference.Find(line.Key()) : nullptr;
-    m_protected.Check(line, reference != nullptr ? &reference->entry : nullptr);
+    m_protected.Check(line, isFirst, reference != nullptr ? &reference->entry : nullptr);
     if (m_isTranslation && isFirst) {
         m_translations->Check(line);
     }

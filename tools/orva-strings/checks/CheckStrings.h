@@ -19,6 +19,7 @@ struct CheckOptions {
     std::vector<std::string> required;     // the sections that must exist and have every key
     std::optional<std::string_view> base;  // the bytes of an earlier state of the file
     RuleSeverities severities = DefaultSeverities();
+    RuleFlags areChosen = {};  // whose severity is the same for all findings
 };
 
 // Finds what breaks the rules in the bytes of a strings file. Findings about the whole file come

@@ -21,10 +21,11 @@ std::string_view TakeWord(std::string_view& text) {
 // What a comment says after "orva:", if it does.
 std::optional<std::string_view> DirectiveText(std::string_view comment) {
     comment.remove_prefix(std::min(comment.find_first_not_of(" \t/#;*-"), comment.size()));
-    if (TakeWord(comment) != "orva:") {
+    constexpr std::string_view kMark = "orva:";
+    if (comment.substr(0, kMark.size()) != kMark) {
         return std::nullopt;
     }
-    comment = TrimBlanks(comment);
+    comment = TrimBlanks(comment.substr(kMark.size()));
     if (comment.size() >= 2 && comment.substr(comment.size() - 2) == "*/") {
         comment.remove_suffix(2);
     }
@@ -56,9 +57,8 @@ void Directives::Read(const MeantReader& line, FindingCollector& findings) {
     }
     if (m_nextLimit != kNoLimit && line.Entry()) {
         m_limits[line.Key()] = m_nextLimit;
-    } else if (m_nextLimit != kNoLimit) {
-        findings.Add(Rule::kUnusedDirective, m_limitLine, m_limitLine.text, {},
-                     "the next line is no entry whose length it could limit");
+    } else {
+        CheckLimit(findings);
     }
     m_nextLimit = kNoLimit;
 }
@@ -98,7 +98,15 @@ std::size_t Directives::MaxLength(std::string_view key) const {
     return found != m_limits.end() ? found->second : kNoLimit;
 }
 
+void Directives::CheckLimit(FindingCollector& findings) const {
+    if (m_nextLimit != kNoLimit) {
+        findings.Add(Rule::kUnusedDirective, m_limitLine, m_limitLine.text, {},
+                     "the next line is no entry whose length it could limit");
+    }
+}
+
 void Directives::Apply(FindingCollector& findings) {
+    CheckLimit(findings);
     if (m_silences.empty()) {
         return;
     }

@@ -40,6 +40,7 @@ private:
     };
 
     void ReadDirective(std::string_view text, const MeantReader& line, FindingCollector& findings);
+    void CheckLimit(FindingCollector& findings) const;
     void AddSilences(std::string_view names, const StringsLine& line, FindingCollector& findings);
 
     std::vector<Silence> m_silences;

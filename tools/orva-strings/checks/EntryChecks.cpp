@@ -60,8 +60,10 @@ bool BeginsWithNote(std::string_view text) {
 
 // Whether a text begins with an entry: a word, an equals sign and a quote.
 bool BeginsWithEntry(std::string_view text) {
-    const std::size_t equals = std::min(text.find_first_of("= \t\""), text.size());
-    return equals >= 4 && text.substr(equals, 2) == "=\"";
+    const std::size_t length = std::min(text.find_first_of("= \t\""), text.size());
+    const std::string_view rest = TrimBlanks(text.substr(length));
+    return length >= 4 && !rest.empty() && rest.front() == '=' &&
+           TrimBlanks(rest.substr(1)).substr(0, 1) == "\"";
 }
 
 // Whether a quote in a value begins a quoted word: it comes first, or after a blank or a line break,
@@ -185,7 +187,7 @@ void CheckUnquoted(const MeantReader& line, FindingCollector& findings) {
 
 }  // namespace
 
-void CheckBytes(const StringsLine& line, FindingCollector& findings) {
+void CheckBytes(const StringsLine& line, bool isLost, FindingCollector& findings) {
     const std::string_view text = line.text;
     if (text.substr(0, 3) == "\xEF\xBB\xBF") {
         findings.Add(Rule::kByteOrderMark, line, text, {},
@@ -202,10 +204,16 @@ void CheckBytes(const StringsLine& line, FindingCollector& findings) {
     const auto* const control = std::find_if(text.begin(), text.end(), IsControl);
     if (control != text.end()) {
         const auto at = static_cast<std::size_t>(control - text.begin());
-        findings.Add(Rule::kControlByte, line, text.substr(at), {},
-                     "the control character " + Hex(*control) +
-                         (*control == '\r' ? " ends no line; remove it, or add a line feed"
-                                           : " is part of what the library reads; remove it"));
+        if (isLost) {
+            findings.AddError(Rule::kControlByte, line, text.substr(at), {},
+                              "a carriage return ends no line, so the library does not read what "
+                              "follows it as it was meant; add a line feed");
+        } else {
+            findings.Add(Rule::kControlByte, line, text.substr(at), {},
+                         "the control character " + Hex(*control) +
+                             (*control == '\r' ? " ends no line; remove it, or add a line feed"
+                                               : " is part of what the library reads; remove it"));
+        }
     }
     const std::size_t invalid = utf8::find_invalid(text);
     if (invalid < text.size()) {

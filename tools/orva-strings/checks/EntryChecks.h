@@ -5,8 +5,9 @@
 #include "tools/orva-strings/checks/FindingCollector.h"
 #include "tools/orva-strings/checks/MeantReader.h"
 
-// Checks the bytes of a line of any kind.
-void CheckBytes(const StringsLine& line, FindingCollector& findings);
+// Checks the bytes of a line of any kind. isLost says whether a header or a protected entry is lost
+// in it, after a carriage return.
+void CheckBytes(const StringsLine& line, bool isLost, FindingCollector& findings);
 
 // Checks the key and the value of an entry in a section.
 void CheckEntry(const MeantReader& line, FindingCollector& findings);

@@ -34,16 +34,26 @@ void FindingCollector::Add(Rule rule, const StringsLine& line, std::string_view 
 void FindingCollector::AddError(Rule rule, const StringsLine& line, std::string_view at,
                                 std::string_view key, const std::string& text) {
     if (const auto severity = SeverityOf(rule)) {
-        Add(rule, severity == TextOf(rule).severity ? Severity::kError : *severity, line, at, key,
-            text);
+        Add(rule, m_areChosen[static_cast<std::size_t>(rule)] ? *severity : Severity::kError, line,
+            at, key, text);
     }
 }
 
 void FindingCollector::Add(Rule rule, Severity severity, const StringsLine& line,
                            std::string_view at, std::string_view key, const std::string& text) {
-    const auto column = static_cast<std::size_t>(at.data() - line.text.data());
-    m_findings.push_back({rule, severity,
-                          Place{line.number, CountCharacters(line.text.substr(0, column))},
+    const auto offset = static_cast<std::size_t>(at.data() - line.text.data());
+    m_findings.push_back({rule, severity, Place{line.number, Column(line, offset)},
                           std::string(m_section), std::string(key),
                           key.empty() ? text : std::string(key) + ": " + text});
+}
+
+std::size_t FindingCollector::Column(const StringsLine& line, std::size_t offset) {
+    if (m_line != line.number || m_offset > offset) {
+        m_line = line.number;
+        m_offset = 0;
+        m_column = 0;
+    }
+    m_column += CountCharacters(line.text.substr(m_offset, offset - m_offset));
+    m_offset = offset;
+    return m_column;
 }

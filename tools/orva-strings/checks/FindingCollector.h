@@ -13,7 +13,8 @@ std::size_t CountCharacters(std::string_view text);
 // Collects the findings of the rules that are on.
 class FindingCollector {
 public:
-    explicit FindingCollector(const RuleSeverities& severities) : m_severities(severities) {}
+    FindingCollector(const RuleSeverities& severities, const RuleFlags& areChosen)
+        : m_severities(severities), m_areChosen(areChosen) {}
 
     bool IsOn(Rule rule) const { return SeverityOf(rule).has_value(); }
 
@@ -29,8 +30,7 @@ public:
     void Add(Rule rule, const StringsLine& line, std::string_view at, std::string_view key,
              const std::string& text);
 
-    // Adds a finding that is an error, unless its rule was given another severity than it has by
-    // default.
+    // Adds a finding that is an error, unless the severity of its rule was chosen.
     void AddError(Rule rule, const StringsLine& line, std::string_view at, std::string_view key,
                   const std::string& text);
 
@@ -44,9 +44,17 @@ private:
     void Add(Rule rule, Severity severity, const StringsLine& line, std::string_view at,
              std::string_view key, const std::string& text);
 
+    // The number of characters in a line before a byte.
+    std::size_t Column(const StringsLine& line, std::size_t offset);
+
     RuleSeverities m_severities;
+    RuleFlags m_areChosen;
     std::string_view m_section;
     RuleFindings m_findings;
+    // The place of the last finding: counting goes on from there.
+    std::size_t m_line = 0;
+    std::size_t m_offset = 0;
+    std::size_t m_column = 0;
 };
 
 #endif

@@ -13,6 +13,18 @@ bool MeantReader::Next() {
     return true;
 }
 
+namespace {
+
+// Whether a section's name begins with an ASCII letter and has no quotes, unlike most texts.
+bool IsWord(std::string_view name) {
+    name = TrimBlanks(name);
+    const char first = name.empty() ? '\0' : name.front();
+    return ((first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z')) &&
+           name.find('"') == std::string_view::npos;
+}
+
+}  // namespace
+
 LineKind MeantReader::Classify() {
     if (IsHeader(m_text)) {
         return LineKind::kHeader;
@@ -21,8 +33,7 @@ LineKind MeantReader::Classify() {
         return LineKind::kConflictMarker;
     }
     m_nearHeader = FindNearHeader(m_text);
-    const bool hasQuote = m_text.find('"') != std::string_view::npos;
-    if (m_nearHeader && (m_nearHeader->isUnmistakable || !hasQuote)) {
+    if (m_nearHeader && (m_nearHeader->isUnmistakable || IsWord(SectionName()))) {
         return LineKind::kHeader;
     }
     m_entry = SplitEntry(m_text);

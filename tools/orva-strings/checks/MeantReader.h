@@ -39,6 +39,7 @@ public:
     // The functions below are about the line that Next has gone to.
 
     const StringsLine& Line() const { return m_lines.Line(); }
+    const StringsReader& Lines() const { return m_lines; }  // as the library reads them
 
     // Its text without byte-order marks.
     std::string_view Text() const { return m_text; }

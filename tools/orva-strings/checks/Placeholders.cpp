@@ -228,13 +228,27 @@ Placeholders FindPlaceholders(std::string_view text) {
     return has('%') || has('{') ? Scanner(text).Scan() : Placeholders();  // most have neither
 }
 
+namespace {
+
+// Which argument a placeholder of printf takes, unless it is the first or is written.
+std::string ArgumentOf(const Placeholder& placeholder) {
+    const std::size_t dollar = placeholder.meaning.find('$');
+    if (dollar == std::string::npos || placeholder.written.find('$') != std::string::npos ||
+        placeholder.meaning.substr(0, dollar) == "%1") {
+        return "";
+    }
+    return " (argument " + placeholder.meaning.substr(1, dollar - 1) + ')';
+}
+
+}  // namespace
+
 std::string Missing(const Placeholders& a, const Placeholders& b) {
     std::string missing;
     for (const Placeholder& placeholder : a.list) {
         const bool isInB = std::binary_search(b.list.begin(), b.list.end(), placeholder, IsBefore);
         if (!isInB) {
             missing += missing.empty() ? "" : " ";
-            missing += placeholder.written;
+            missing += placeholder.written + ArgumentOf(placeholder);
         }
     }
     return missing;

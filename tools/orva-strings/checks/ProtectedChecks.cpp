@@ -74,7 +74,7 @@ std::optional<std::string_view> DecodedText(const LineEntry& entry, const Protec
     return buffer;
 }
 
-void ProtectedChecks::Check(const MeantReader& line, const LineEntry* reference) {
+void ProtectedChecks::Check(const MeantReader& line, bool isFirst, const LineEntry* reference) {
     if (!IsProtected(line.Key())) {
         if (!m_options.isShipped) {
             FindNear(line, Rule::kNearProtected, "so its text stays readable");
@@ -89,14 +89,14 @@ void ProtectedChecks::Check(const MeantReader& line, const LineEntry* reference)
     std::string buffer;
     const std::string_view value = ValueOf(*line.Entry(), buffer);
     if (LooksStored(value) || IsNearlyStored(value)) {
-        CheckStored(line, value, reference);
+        CheckStored(line, value, isFirst, reference);
     } else {
         CheckReadable(line, reference);
-        CompareText(line, value);
+        CompareText(line, value, isFirst);
     }
 }
 
-void ProtectedChecks::CheckStored(const MeantReader& line, std::string_view value,
+void ProtectedChecks::CheckStored(const MeantReader& line, std::string_view value, bool isFirst,
                                   const LineEntry* reference) {
     const std::string_view at = line.Entry()->value;
     const auto text = DecodeProtectedText(m_options.keys, value);
@@ -107,7 +107,13 @@ void ProtectedChecks::CheckStored(const MeantReader& line, std::string_view valu
         return;
     }
     m_hasStored = true;
-    CompareText(line, *text);
+    if (LooksStored(*text) || IsNearlyStored(*text)) {
+        m_findings.Add(Rule::kDamagedText, line.Line(), at, line.Key(),
+                       "a host shows digits, since a stored text was protected once more; protect "
+                       "the readable text");
+        return;
+    }
+    CompareText(line, *text, isFirst);
     if (m_options.isShipped) {
         return;
     }
@@ -135,13 +141,16 @@ void ProtectedChecks::CheckReadable(const MeantReader& line, const LineEntry* re
     }
 }
 
-void ProtectedChecks::CompareText(const MeantReader& line, std::string_view text) {
+void ProtectedChecks::CompareText(const MeantReader& line, std::string_view text, bool isFirst) {
     if (m_options.isShipped) {
         m_texts.Add(text);
     }
+    if (!isFirst) {
+        return;  // never loaded
+    }
     const std::size_t hash = std::hash<std::string_view>()(text);
-    const auto [found, isFirst] = m_firstTexts.try_emplace(line.Key(), Text{hash, false});
-    if (!isFirst && found->second.hash != hash && !found->second.isReported) {
+    const auto [found, isNew] = m_firstTexts.try_emplace(line.Key(), Text{hash, false});
+    if (!isNew && found->second.hash != hash && !found->second.isReported) {
         found->second.isReported = true;
         m_findings.Add(Rule::kProtectedTextsDiffer, line.Line(), line.Entry()->value, line.Key(),
                        "the text differs from that of another section, and the library keeps the "
@@ -187,6 +196,18 @@ void ProtectedChecks::FindLeak(const MeantReader& line) {
     find(WithoutMarks(entry.afterQuote), false);
 }
 
+// Looks for readable protected entries that are never read: before the first section, or after a
+// carriage return.
+void ProtectedChecks::FindMisplacedTexts(const MeantReader& line) {
+    FindMisplaced(line.Lines(), [&](std::string_view key, Obstacle obstacle) {
+        if (IsProtected(key) && obstacle != Obstacle::kByteOrderMark) {
+            m_findings.Add(Rule::kLeakedText, line.Line(), key, key,
+                           "the library never reads this protected entry, but everyone else can; "
+                           "remove it, or move it below a header");
+        }
+    });
+}
+
 void ProtectedChecks::CheckRest(std::string_view bytes) {
     if (!m_options.isShipped) {
         return;
@@ -197,6 +218,7 @@ void ProtectedChecks::CheckRest(std::string_view bytes) {
                               "build with another, or allow it");
     }
     for (MeantReader line(bytes); line.Next();) {
+        FindMisplacedTexts(line);
         const bool isProtected = IsEntry(line) && IsProtected(line.Key());
         const bool isNear =
             !isProtected &&

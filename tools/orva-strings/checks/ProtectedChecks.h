@@ -28,17 +28,19 @@ public:
     ProtectedChecks(const CheckOptions& options, FindingCollector& findings)
         : m_options(options), m_findings(findings) {}
 
-    // Checks an entry in a section. reference is that of the same key in the section that others
-    // are compared with, if there is one.
-    void Check(const MeantReader& line, const LineEntry* reference);
+    // Checks an entry in a section. isFirst says whether it is the first of its key there; reference
+    // is that of the same key in the section that others are compared with, if there is one.
+    void Check(const MeantReader& line, bool isFirst, const LineEntry* reference);
 
     // Call when all entries have been checked: looks for their texts in the rest of the file.
     void CheckRest(std::string_view bytes);
 
 private:
-    void CheckStored(const MeantReader& line, std::string_view value, const LineEntry* reference);
+    void CheckStored(const MeantReader& line, std::string_view value, bool isFirst,
+                     const LineEntry* reference);
     void CheckReadable(const MeantReader& line, const LineEntry* reference);
-    void CompareText(const MeantReader& line, std::string_view text);
+    void CompareText(const MeantReader& line, std::string_view text, bool isFirst);
+    void FindMisplacedTexts(const MeantReader& line);
     bool FindNear(const MeantReader& line, Rule rule, const char* effect);
     void FindLeak(const MeantReader& line);
 

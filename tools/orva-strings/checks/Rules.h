@@ -98,4 +98,6 @@ using RuleSeverities = std::array<std::optional<Severity>, kRuleCount>;
 
 RuleSeverities DefaultSeverities();
 
+using RuleFlags = std::array<bool, kRuleCount>;
+
 #endif

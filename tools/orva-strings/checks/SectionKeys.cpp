@@ -30,7 +30,7 @@ void SectionKeys::Clear() {
 }
 
 bool SectionKeys::Check(const MeantReader& line, FindingCollector& findings) {
-    const std::string_view key = line.Key();
+    const std::string_view key = line.Entry()->key;
     const auto [found, isFirst] =
         m_entries.try_emplace(key, Entry{*line.Entry(), line.Line().number});
     if (!isFirst) {
@@ -39,10 +39,10 @@ bool SectionKeys::Check(const MeantReader& line, FindingCollector& findings) {
         std::string firstBuffer;
         const std::string where = "line " + std::to_string(first.line + 1);
         if (ValueOf(*line.Entry(), buffer) == ValueOf(first.entry, firstBuffer)) {
-            findings.Add(Rule::kDuplicateEntry, line.Line(), key, key,
+            findings.Add(Rule::kDuplicateEntry, line.Line(), key, line.Key(),
                          where + " has the same entry; remove one of them");
         } else {
-            findings.Add(Rule::kDuplicateKey, line.Line(), key, key,
+            findings.Add(Rule::kDuplicateKey, line.Line(), key, line.Key(),
                          "lookups answer the text of " + where +
                              ", which has this key, too; remove one of them, or rename its key");
         }
@@ -50,7 +50,7 @@ bool SectionKeys::Check(const MeantReader& line, FindingCollector& findings) {
     }
     const auto [spelling, isNew] = m_spellings.try_emplace(key, key);
     if (!isNew) {
-        findings.Add(Rule::kKeyCase, line.Line(), key, key,
+        findings.Add(Rule::kKeyCase, line.Line(), key, line.Key(),
                      "the key differs from " + std::string(spelling->second) + " on line " +
                          std::to_string(m_entries.find(spelling->second)->second.line + 1) +
                          " only by case; they are two entries");

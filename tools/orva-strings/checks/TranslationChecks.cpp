@@ -84,9 +84,16 @@ std::string PlaceholderDifference(std::string_view reference, std::string_view t
 
 SectionEntries::SectionEntries(MeantReader section) {
     while (section.Next() && section.Kind() != LineKind::kHeader) {
-        if (section.Kind() == LineKind::kEntry &&
-            m_indices.try_emplace(section.Key(), m_entries.size()).second) {
-            m_entries.push_back({section.Key(), *section.Entry()});
+        if (section.Kind() != LineKind::kEntry) {
+            continue;
+        }
+        const LineEntry& entry = *section.Entry();
+        const auto [found, isFirst] = m_indices.try_emplace(section.Key(), m_entries.size());
+        if (isFirst) {
+            m_entries.push_back({section.Key(), entry});
+        } else if (LineEntry& first = m_entries[found->second].entry;
+                   first.key != section.Key() && entry.key == section.Key()) {
+            first = entry;  // the library finds this one, not the one with blanks
         }
     }
 }

@@ -42,6 +42,8 @@ public:
     // the object.
     EarlierFile(std::string_view bytes, std::string_view reference);
 
+    bool HasReference() const { return !m_reference.All().empty(); }
+
     void EnterSection(std::string_view name) { m_section = Section(name); }
 
     // Whether the reference's text of a key was another one, and this section's is as it was.

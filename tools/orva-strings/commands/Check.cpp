@@ -111,7 +111,7 @@ private:
         options.isShipped = m_isShipped;
         options.reference = m_reference;
         options.required = m_required;
-        options.severities = SeveritiesWith(m_errors, m_warnings, m_disabled);
+        ChooseSeverities(m_errors, m_warnings, m_disabled, options);
         const std::optional<std::string> base =
             m_base.empty() ? std::nullopt : std::optional(ReadFile(m_base));
         options.base = base;

@@ -17,17 +17,17 @@ Rule RuleOfName(const std::string& name) {
                      " ('orva-strings explain' lists the rules)");
 }
 
-RuleSeverities SeveritiesWith(const std::vector<std::string>& errors,
-                              const std::vector<std::string>& warnings,
-                              const std::vector<std::string>& disabled) {
-    RuleSeverities severities = DefaultSeverities();
+void ChooseSeverities(const std::vector<std::string>& errors,
+                      const std::vector<std::string>& warnings,
+                      const std::vector<std::string>& disabled, CheckOptions& options) {
     const auto set = [&](const std::vector<std::string>& names, std::optional<Severity> severity) {
         for (const std::string& name : names) {
-            severities[static_cast<std::size_t>(RuleOfName(name))] = severity;
+            const auto rule = static_cast<std::size_t>(RuleOfName(name));
+            options.severities[rule] = severity;
+            options.areChosen[rule] = true;
         }
     };
     set(warnings, Severity::kWarning);
     set(errors, Severity::kError);
     set(disabled, std::nullopt);
-    return severities;
 }

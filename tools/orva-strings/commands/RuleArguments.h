@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "tools/orva-strings/checks/Rules.h"
+#include "tools/orva-strings/checks/CheckStrings.h"
 
 // The rule of this name. Throws UsageError if there is none.
 Rule RuleOfName(const std::string& name);
 
-// The rules' severities, with those named given another one. Throws UsageError if a name is unknown.
-RuleSeverities SeveritiesWith(const std::vector<std::string>& errors,
-                              const std::vector<std::string>& warnings,
-                              const std::vector<std::string>& disabled);
+// Gives the rules named other severities. Throws UsageError if a name is unknown.
+void ChooseSeverities(const std::vector<std::string>& errors,
+                      const std::vector<std::string>& warnings,
+                      const std::vector<std::string>& disabled, CheckOptions& options);
 
 #endif

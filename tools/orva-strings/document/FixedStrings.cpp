@@ -69,6 +69,7 @@ struct Entry {
     std::size_t hash;  // of the key without blanks at its ends
     std::string_view text;
     std::size_t line;
+    bool hasMark;  // a byte-order mark before it
 };
 
 // What tells an entry from others: the key without blanks at its ends, the key, and the value with
@@ -126,14 +127,14 @@ public:
     void Run(StringsReader lines) {
         for (bool hasLine = lines.Next(); hasLine;) {
             StringsReader section = lines;
-            m_isInSection = SectionName(TextOf(lines)).has_value();
+            m_isInSection = SectionName(lines).has_value();
             std::size_t count = 0;
             m_entries.clear();
             do {
                 AddEntry(lines);
                 ++count;
                 hasLine = lines.Next();
-            } while (hasLine && !SectionName(TextOf(lines)));
+            } while (hasLine && !SectionName(lines));
             FindChanges();
             for (; count > 0; --count) {
                 Visit(section);
@@ -147,26 +148,36 @@ private:
         return WithoutByteOrderMarks(lines.Line().text);
     }
 
+    static bool IsMarked(const StringsReader& lines) {
+        return TextOf(lines).size() != lines.Line().text.size();
+    }
+
+    bool IsRepeated(const std::optional<std::string_view>& name) const {
+        return name && std::binary_search(m_repeatedNames.begin(), m_repeatedNames.end(), *name,
+                                          IsNameBefore);
+    }
+
     // The name of the section that a line opens once it is mended, if any. A name that would hide
     // another section, or be hidden by it, is not mended, and neither is a name that would change the
     // line's end.
-    std::optional<std::string_view> SectionName(std::string_view text) const {
+    std::optional<std::string_view> SectionName(const StringsReader& lines) const {
+        const std::string_view text = TextOf(lines);
         const std::optional<std::string_view> meant = MeantName(text);
-        const bool canBeMended = meant && !meant->empty() &&
-                                 NameIn(text).find('\r') == std::string_view::npos &&
-                                 !std::binary_search(m_repeatedNames.begin(), m_repeatedNames.end(),
-                                                     *meant, IsNameBefore);
+        const bool canBeMended = meant && !meant->empty() && !IsRepeated(meant) &&
+                                 NameIn(text).find('\r') == std::string_view::npos;
         if (canBeMended) {
             return meant;
         }
-        return IsHeader(text) ? std::optional(NameIn(text)) : std::nullopt;
+        const bool keepsMark = IsMarked(lines) && IsRepeated(meant);
+        return IsHeader(text) && !keepsMark ? std::optional(NameIn(text)) : std::nullopt;
     }
 
     void AddEntry(const StringsReader& lines) {
         const std::string_view text = TextOf(lines);
         if (m_isInSection && IsMeantAsEntry(text)) {
             const std::string_view key = TrimBlanks(text.substr(0, text.find('=')));
-            m_entries.push_back({std::hash<std::string_view>()(key), text, lines.Line().number});
+            m_entries.push_back(
+                {std::hash<std::string_view>()(key), text, lines.Line().number, IsMarked(lines)});
         }
     }
 
@@ -175,6 +186,7 @@ private:
     void FindChanges() {
         m_duplicates.clear();
         m_keepingBlanks.clear();
+        m_keepingMarks.clear();
         std::sort(m_entries.begin(), m_entries.end(), IsEntryBefore);
         for (auto begin = m_entries.begin(); begin != m_entries.end();) {
             const auto end = std::find_if(begin + 1, m_entries.end(), [&](const Entry& entry) {
@@ -184,7 +196,11 @@ private:
                 std::transform(begin, end, std::back_inserter(m_keepingBlanks),
                                [](const Entry& entry) { return entry.line; });
             }
+            const bool areAlike = MeaningOf(*begin) == MeaningOf(*(end - 1));
             for (auto first = begin; begin != end; ++begin) {
+                if (begin->hasMark && !areAlike) {
+                    m_keepingMarks.push_back(begin->line);
+                }
                 if (MeaningOf(*first) != MeaningOf(*begin)) {
                     first = begin;
                 } else if (first != begin && IsRepeatedWhole(*first, *begin)) {
@@ -194,17 +210,22 @@ private:
         }
         std::sort(m_duplicates.begin(), m_duplicates.end());
         std::sort(m_keepingBlanks.begin(), m_keepingBlanks.end());
+        std::sort(m_keepingMarks.begin(), m_keepingMarks.end());
     }
 
     void Visit(const StringsReader& lines) {
         const std::size_t line = lines.Line().number;
         FixedLine fixed = {lines.Line(), TextOf(lines), false};
-        if (const auto name = SectionName(fixed.text)) {
+        if (const auto name = SectionName(lines)) {
             m_text = KorString::LANG_STATEMENT;
             fixed.text = m_text += *name;
         } else if (m_isInSection && IsMeantAsEntry(fixed.text)) {
             fixed.isDuplicate = Has(m_duplicates, line);
             fixed.text = Has(m_keepingBlanks, line) ? fixed.text : WithoutKeyBlanks(fixed.text);
+        }
+        if (Has(m_keepingMarks, line) ||
+            (IsMarked(lines) && IsRepeated(MeantName(TextOf(lines))))) {
+            fixed.text = fixed.line.text;
         }
         m_visit(fixed);
     }
@@ -229,6 +250,7 @@ private:
     std::deque<Entry> m_entries;  // unlike a vector, it grows without copies
     std::vector<std::size_t> m_duplicates;
     std::vector<std::size_t> m_keepingBlanks;
+    std::vector<std::size_t> m_keepingMarks;
     std::string m_text;
 };
 
