@@ -102,7 +102,7 @@ TEST_F(Sections, MarksWhatNoLoadCanReach) {
         ASSERT_EQ(sections.size(), names.size());
         std::size_t unreachable = 0;
         for (std::size_t i = 0; i < names.size(); ++i) {
-            const std::string requested = names[i].c_str();  // up to a NUL byte
+            const std::string requested = names[i].substr(0, names[i].find('\0'));
             EXPECT_EQ(Run({"show", "--language", requested, "-", "PLACE"}, file), 0) << m_err;
             const bool isReached = m_out == "PLACE=\"" + std::to_string(i) + "\"\n";
             EXPECT_EQ(sections[i]["reachable"], isReached) << i << ' ' << m_out;
