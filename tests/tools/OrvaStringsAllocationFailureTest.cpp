@@ -177,7 +177,8 @@ TEST_F(OrvaStringsAllocationFailure, LeavesTheFileWholeInPlace) {
 }
 
 TEST_F(OrvaStringsAllocationFailure, LeavesAFileToMendWhole) {
-    const std::string whole = std::string(kReadable) + kReadable;  // its names are there twice
+    // Its sections' names are there twice.
+    const std::string whole = "Notes\n" + std::string(kReadable) + kReadable;
     const std::string broken = "\xEF\xBB\xBF" + whole + "IDE_REGISTRATION_TITLE =\"one more\"\n" +
                                " qvlang=Espa\xC3\xB1ol \nMENU_OPEN_RECENT_DOCUMENTS=\"x\"\n" +
                                "MENU_OPEN_RECENT_DOCUMENTS=\"x\"\n";

@@ -242,7 +242,7 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesMayHaveSomethingToMendInEveryLine) {
         {"keys", [&](int i) { return " KEY_" + numbered(i) + "=1\n"; }, ": mended 20000 lines\n"},
         {"headers", [&](int i) { return " QVLANG=" + numbered(i) + "\n"; },
          ": mended 20000 lines\n"},
-        {"one header and a mark", [](int) { return "\xEF\xBB\xBF QVLANG=a\n"; },
+        {"headers and marks", [&](int i) { return "\xEF\xBB\xBF QVLANG=" + numbered(i) + "\n"; },
          ": mended 20000 lines\n"},
     };
     for (const auto& c : cases) {
