@@ -65,6 +65,7 @@ TEST(FixedStrings, KeepsByteOrderMarksThatHideOtherMeanings) {
     ExpectKept({
         "QVLANG=en\n" + kMark + "ABCD=1\nABCD=2\n",  // lookups answer 2
         "QVLANG=en\nABCD=2\n" + kMark + "ABCD=1\n",
+        "QVLANG=en\n" + kMark + "ABCD=1\nABCD=1\nABCD=2\n",  // lookups answer the second 1
         "QVLANG=en\n" + kMark + "QVLANG=de\nABCD=1\nQVLANG=de\nABCD=2\n",
     });
     ExpectFixed({{"QVLANG=en\n" + kMark + "ABCD=1\nABCD=1\n", "QVLANG=en\nABCD=1\n"}});

@@ -176,8 +176,8 @@ private:
         const std::string_view text = TextOf(lines);
         if (m_isInSection && IsMeantAsEntry(text)) {
             const std::string_view key = TrimBlanks(text.substr(0, text.find('=')));
-            m_entries.push_back(
-                {std::hash<std::string_view>()(key), text, lines.Line().number, IsMarked(lines)});
+            const std::size_t hash = std::hash<std::string_view>()(key);
+            m_entries.push_back({hash, text, lines.Line().number, IsMarked(lines)});
         }
     }
 
@@ -196,11 +196,14 @@ private:
                 std::transform(begin, end, std::back_inserter(m_keepingBlanks),
                                [](const Entry& entry) { return entry.line; });
             }
-            const bool areAlike = MeaningOf(*begin) == MeaningOf(*(end - 1));
+            // A mark that goes must not change which of several texts counts.
+            if (MeaningOf(*begin) != MeaningOf(*(end - 1)) &&
+                std::any_of(begin, end, [](const Entry& entry) { return entry.hasMark; })) {
+                std::transform(begin, end, std::back_inserter(m_keepingMarks),
+                               [](const Entry& entry) { return entry.line; });
+                begin = end;
+            }
             for (auto first = begin; begin != end; ++begin) {
-                if (begin->hasMark && !areAlike) {
-                    m_keepingMarks.push_back(begin->line);
-                }
                 if (MeaningOf(*first) != MeaningOf(*begin)) {
                     first = begin;
                 } else if (first != begin && IsRepeatedWhole(*first, *begin)) {
