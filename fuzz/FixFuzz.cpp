@@ -58,7 +58,7 @@ bool IsHeader(const std::string& text) {
 // Whether a line may have become another.
 bool MayBecome(const std::string& before, const std::string& after) {
     const std::string text = WithoutMarks(before);
-    if (after == text) {
+    if (after == text || after == before) {
         return true;
     }
     const auto [oldKey, oldRest] = Split(text);
@@ -114,7 +114,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             CheckTables(tables);
             tables = {};
             isInSection = true;
-        } else if (const auto entry = naive::Entry(WithoutMarks(oldText)); entry && isInSection) {
+        } else if (const auto entry = naive::Entry(text == oldText ? text : WithoutMarks(oldText));
+                   entry && isInSection) {
             const bool isNew = tables.entries.insert(*entry).second;
             Check(!line.isDuplicate || !isNew, "only what comes again goes");
             tables.before.insert(*entry);
