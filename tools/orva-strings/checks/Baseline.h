@@ -17,7 +17,8 @@ class Baseline {
 public:
     Baseline() = default;
 
-    // Reads a baseline's text; name is for the message. Throws std::runtime_error if it is none.
+    // Reads a baseline's text; name is for the message. Throws std::runtime_error if it is
+    // not a baseline.
     Baseline(std::string_view text, const std::string& name);
 
     // Adds findings to the baseline.

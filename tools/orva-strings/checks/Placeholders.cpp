@@ -139,7 +139,7 @@ std::size_t Scanner::Size(std::size_t i) {
     return Skip(i, IsDigit);
 }
 
-// A conversion of printf; if it is none, one of the others.
+// A conversion of printf. Anything else is left to Numbered.
 std::size_t Scanner::Conversion(std::size_t percent) {
     const std::size_t found = m_found.list.size();
     const std::size_t arguments = m_arguments;

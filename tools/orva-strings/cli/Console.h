@@ -29,7 +29,7 @@ public:
     std::ostream& Out() const { return m_out; }
     bool IsOutTerminal() const { return m_terminals.isOut; }
 
-    // Standard error for what only a terminal should get; null if it is none.
+    // Standard error, for output meant only for a terminal. Null if standard error is not a terminal.
     std::ostream* ErrTerminal() const { return m_terminals.isErr ? &m_err : nullptr; }
 
     // Reads a file, or standard input for "-".

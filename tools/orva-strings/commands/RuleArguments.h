@@ -6,7 +6,7 @@
 
 #include "tools/orva-strings/checks/CheckStrings.h"
 
-// The rule of this name. Throws UsageError if there is none.
+// The rule with this name. Throws UsageError if no rule has it.
 Rule RuleOfName(const std::string& name);
 
 // Gives the rules named other severities. Throws UsageError if a name is unknown.

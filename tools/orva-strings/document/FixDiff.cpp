@@ -16,7 +16,7 @@ struct Hunk {
     std::size_t lost;
 };
 
-// Whether a line is none in the mended file, which may also end before it.
+// Whether a line does not appear in the mended file.
 bool IsLost(const FixedLine& line) {
     return line.isDuplicate || (line.text.empty() && line.line.ending.empty());
 }
