@@ -8,9 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "support/TemporaryFolder.h"
 #include "tests/support/StoredForm.h"
-#include "tools/orva-strings/Tool.h"
+#include "tests/tools/ToolTest.h"
 #include "tools/orva-strings/checks/Rules.h"
 #include "tools/orva-strings/system/Files.h"
 
@@ -18,25 +17,8 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-class OrvaStringsCheck : public ::testing::Test {
+class OrvaStringsCheck : public ToolTest {
 protected:
-    int Run(const Words& arguments, const std::string& input = "", Terminals terminals = {}) {
-        std::ostringstream out;
-        std::ostringstream err;
-        const int status = RunTool(
-            arguments, [&] { return input; }, out, err, terminals);
-        m_out = out.str();
-        m_err = err.str();
-        return status;
-    }
-
-    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
-
-    std::string Write(const std::string& name, std::string_view bytes) const {
-        m_folder.Write(name, std::string(bytes));
-        return Path(name);
-    }
-
     // check, with the options of a rule's example, on the given bytes.
     int RunExample(const RuleExample& example, std::string_view bytes, const Words& options) {
         Words arguments = {"check"};
@@ -51,10 +33,6 @@ protected:
         arguments.push_back(Write("file", bytes));
         return Run(arguments);
     }
-
-    TemporaryFolder m_folder;
-    std::string m_out;
-    std::string m_err;
 };
 
 const char kClean[] = "QVLANG=en\nMENU_OPEN=\"Open\"\n";

@@ -6,8 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/TemporaryFolder.h"
-#include "tools/orva-strings/Tool.h"
+#include "tests/tools/ToolTest.h"
 #include "tools/orva-strings/system/Files.h"
 
 namespace {
@@ -41,29 +40,7 @@ const char kHunk[] =
 
 const char kConflict[] = "QVLANG=en\n<<<<<<< HEAD\n ABCD=1\n";
 
-class OrvaStringsFix : public ::testing::Test {
-protected:
-    int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
-        std::ostringstream out;
-        std::ostringstream err;
-        const int status = RunTool(
-            arguments, [&] { return input; }, out, err);
-        m_out = out.str();
-        m_err = err.str();
-        return status;
-    }
-
-    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
-
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        m_folder.Write(name, bytes);
-        return Path(name);
-    }
-
-    TemporaryFolder m_folder;
-    std::string m_out;
-    std::string m_err;
-};
+class OrvaStringsFix : public ToolTest {};
 
 TEST_F(OrvaStringsFix, MendsAFileInPlaceAndSaysWhatItChanged) {
     const std::string file = Write("x", kBroken);

@@ -23,11 +23,11 @@
 
 #include <gtest/gtest.h>
 
-#include "api/PlaintextCache.h"
 #include "support/TemporaryFolder.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/support/PipeWriter.h"
 #include "tests/support/StoredForm.h"
+#include "tests/tools/ToolTest.h"
 #include "tools/orva-strings/Tool.h"
 #include "tools/orva-strings/cli/Printable.h"
 #include "tools/orva-strings/system/Files.h"
@@ -72,26 +72,8 @@ std::string NearEntriesOf(const std::string& file) {
     return file + ":1: warning: IDE_COMMENT" + what + file + ":6: warning: ide_lower" + what;
 }
 
-class OrvaStrings : public ::testing::Test {
+class OrvaStrings : public ToolTest {
 protected:
-    int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
-        std::ostringstream out;
-        std::ostringstream err;
-        gMapDecodedStrings.Clear();  // since each real run is a process of its own
-        const int status = RunTool(
-            arguments, [&] { return input; }, out, err);
-        m_out = out.str();
-        m_err = err.str();
-        return status;
-    }
-
-    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
-
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        m_folder.Write(name, bytes);
-        return Path(name);
-    }
-
     // Makes a key file and returns the key.
     Bytes WriteKey(const std::string& name, unsigned first) const {
         Bytes key = CountingBytes(32, first);
@@ -102,10 +84,6 @@ protected:
     std::ptrdiff_t EntriesInFolder() const {
         return std::distance(std::filesystem::directory_iterator(m_folder.Path()), {});
     }
-
-    TemporaryFolder m_folder;
-    std::string m_out;
-    std::string m_err;
 };
 
 TEST_F(OrvaStrings, ProtectsAndRevealsByteForByte) {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/StoredForm.h"
-#include "tests/tools/commands/ToolTest.h"
+#include "tests/tools/ToolTest.h"
 #include "tools/orva-strings/system/Files.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/tools/commands/ToolTest.h"
+#include "tests/tools/ToolTest.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 
