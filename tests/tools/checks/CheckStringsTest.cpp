@@ -190,6 +190,9 @@ TEST(CheckStrings, KnowsWhatTheLibraryReads) {
     EXPECT_EQ(CheckLine("MENU =\"%s\"\nMENU=\"%d\"\nQVLANG=de\nMENU=\"%d\""),
               "2:1 error key-blanks\n")
         << "lookups find the key without blanks";
+    EXPECT_EQ(CheckLine("MENU=\"%d\"\nMENU=\"%s\"\nQVLANG=de\nMENU=\"%d\""),
+              "3:1 error duplicate-key\n")
+        << "the first entry of a key is the reference's";
     EXPECT_EQ(CheckLine("MENU =\"a\"\nMENU =\"b\""),
               "2:1 error key-blanks\n3:1 error key-blanks\n3:1 error duplicate-key\n");
     EXPECT_EQ(CheckLine("MENU=a\rQVLANG=de"), "2:7 error control-byte\n");

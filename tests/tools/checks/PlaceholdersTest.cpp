@@ -51,7 +51,7 @@ TEST(Placeholders, AreNotPercentSigns) {
     EXPECT_EQ(Meanings("100%iges"), "") << "part of a word after a number";
     EXPECT_EQ(Meanings("%"), "");
     EXPECT_EQ(Meanings("%-encoding"), "");
-    EXPECT_EQ(Meanings("%time %zdash"), "");
+    EXPECT_EQ(Meanings("%time %zdash %qdash %jdash"), "");
     EXPECT_EQ(Meanings("From%*sLatest"), "%1$d %2$s");
     EXPECT_EQ(Meanings("%-5ds"), "%1$d");
     EXPECT_EQ(Meanings("%5"), "%5");
