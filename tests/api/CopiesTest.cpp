@@ -13,6 +13,7 @@
 
 #include "support/TemporaryBundle.h"
 #include "tests/support/LibraryCopy.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/StoredForm.h"
 
 namespace {
@@ -24,7 +25,7 @@ std::string Line(const std::string& key, const std::string& text) {
 const struct {
     const char* name;
     LibraryCopy::Open open;
-    bool isForSanitizers;
+    bool isForSanitizers;  // they refuse some, since they replace malloc for the whole process
 } kWays[] = {
     {"local", [](const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); }, true},
     {"lazy", [](const char* path) { return dlopen(path, RTLD_LAZY | RTLD_LOCAL); }, true},
@@ -32,14 +33,6 @@ const struct {
     {"deepbind", [](const char* path) { return dlopen(path, RTLD_NOW | RTLD_DEEPBIND); }, false},
     {"namespace", [](const char* path) { return dlmopen(LM_ID_NEWLM, path, RTLD_NOW); }, false},
 };
-
-// The address and thread sanitizers refuse both, since they replace malloc for the whole process.
-constexpr bool kIsSanitized =
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    true;
-#else
-    false;
-#endif
 
 // A lookup in the host's copy, by a thread that stops in the cipher call, with both locks held.
 class StoppedLookup {
@@ -100,7 +93,7 @@ protected:
 
 TEST_F(Copies, HaveEachTheirOwnState) {
     for (const auto& way : kWays) {
-        if (kIsSanitized && !way.isForSanitizers) {
+        if (kHasSanitizer && !way.isForSanitizers) {
             continue;
         }
         SCOPED_TRACE(way.name);
@@ -138,7 +131,7 @@ TEST_F(Copies, HaveEachTheirOwnState) {
 
 TEST_F(Copies, HaveEachTheirOwnLocks) {
     for (const auto& way : kWays) {
-        if (kIsSanitized && !way.isForSanitizers) {
+        if (kHasSanitizer && !way.isForSanitizers) {
             continue;
         }
         SCOPED_TRACE(way.name);
@@ -175,7 +168,7 @@ TEST_F(Copies, LeaveTheProcessIntact) {
     ASSERT_EQ(LoadOwn("MENU=\"host\"\n" + Line("IDE_EXIT", "host")), 3);
     EXPECT_STREQ(ZuGetLocalizedString("IDE_EXIT"), "host");
     for (const auto& way : kWays) {
-        if (!kIsSanitized || way.isForSanitizers) {
+        if (!kHasSanitizer || way.isForSanitizers) {
             LibraryCopy copy(way.open);
             ASSERT_EQ(copy.Load(Line("IDE_EXIT", way.name)), 2);
             EXPECT_EQ(copy.Text("IDE_EXIT"), way.name);

@@ -13,6 +13,7 @@
 #include "api/DecodeProtectedString.h"
 #include "crypt/CCryptAES.h"
 #include "protection/KeyMaterial.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/Secrets.h"
 #include "tests/support/StackAfter.h"
 #include "tests/support/StoredForm.h"
@@ -301,9 +302,9 @@ TEST(KeyMaterial, IsClearedAtItsEnd) {
 }
 
 TEST(DecodeProtectedString, LeavesNeitherKeysNorTextOnTheStack) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
-#endif
+    if (kHasThreadSanitizer) {
+        GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+    }
     const Bytes material = DevelopmentKey();
     const std::string text = "a text that must not be found on the stack";
     const std::string stored = Stored(text, material);

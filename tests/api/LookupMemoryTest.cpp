@@ -9,6 +9,7 @@
 
 #include "support/TemporaryBundle.h"
 #include "tests/support/ProcessMemory.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/Secrets.h"
 #include "tests/support/StoredForm.h"
 
@@ -37,9 +38,9 @@ std::string Text() {
 class LookupMemory : public ::testing::Test {
 protected:
     void SetUp() override {
-#ifdef ORVA_MEMORY_IS_SHADOWED
-        GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
-#endif
+        if (kHasSanitizer) {
+            GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
+        }
         m_search.LookFor([this] {
             const std::string stored = Stored(Text(), DevelopmentKey());
             std::string damaged = stored;

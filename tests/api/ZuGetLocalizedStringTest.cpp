@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TemporaryBundle.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/Secrets.h"
 #include "tests/support/StackAfter.h"
 #include "tests/support/StoredForm.h"
@@ -48,9 +49,9 @@ TEST_F(ZuGetLocalizedStringTest, AnswersOrdinaryAndProtectedTexts) {
 }
 
 TEST_F(ZuGetLocalizedStringTest, LeavesNeitherKeysNorTextOnTheStack) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
-#endif
+    if (kHasThreadSanitizer) {
+        GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+    }
     const std::string text =
         "a text that must not be found on the stack of a lookup, and so long that a copy of it "
         "passes through several vector registers, however wide those of the processor are; its "

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/CommonCryptor.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/StackAfter.h"
 
 namespace {
@@ -34,9 +35,9 @@ Bytes Xored(Bytes a, const Bytes& b) {
 }
 
 TEST(CommonCryptorStack, HoldsNeitherKeyNorText) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
-#endif
+    if (kHasThreadSanitizer) {
+        GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+    }
     Bytes key(32);
     Bytes iv(16);
     Bytes text(1024);

@@ -5,6 +5,7 @@
 
 #include "platform/Sha256.h"
 #include "tests/support/Hex.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/StackAfter.h"
 
 namespace {
@@ -30,9 +31,9 @@ TEST(Sha256, GivesThePublishedDigests) {
 
 // The bytes may be those of a key.
 TEST(Sha256, LeavesNothingOnTheStack) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
-#endif
+    if (kHasThreadSanitizer) {
+        GTEST_SKIP() << "the thread sanitizer keeps copies of its own on the stack";
+    }
     std::string bytes;
     for (int i = 0; bytes.size() < 96; ++i) {  // a block and a half, like a key's
         bytes += std::to_string(i * 7919);

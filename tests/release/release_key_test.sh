@@ -68,7 +68,7 @@ printf 'QVLANG=en\nIDE_LICENSE="a licence"\nIDEA="an idea"\nIDE1="one"\nIDE ="a 
 cmp -s "$work/first.key" "$work/second.key" && fail "two keys are the same"
 cp "$work/first.key" "$work/release.key"
 
-cmake -S "$source" -B "$build" -G "$GENERATOR" -DCMAKE_BUILD_TYPE=Debug -DORVA_BUILD_TESTS=OFF \
+cmake -S "$source" -B "$build" -G "$GENERATOR" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DORVA_BUILD_TESTS=OFF \
     -DCMAKE_C_COMPILER="$CC" -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_COMPILER="$CXX" \
     -DCMAKE_CXX_FLAGS="$CXXFLAGS" -DORVA_KEY_FILE="$work/release.key" >"$work/configure.log" 2>&1 ||
     fail "$(cat "$work/configure.log")"

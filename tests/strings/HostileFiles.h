@@ -12,21 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TemporaryBundle.h"
-
-#if defined(__has_feature)  // clang++'s counterpart of g++'s macros
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define WITH_SANITIZER 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define WITH_SANITIZER 1
-#endif
-
-#ifdef WITH_SANITIZER
-constexpr bool kHasSanitizer = true;
-#else
-constexpr bool kHasSanitizer = false;
-#endif
+#include "tests/support/Sanitizers.h"
 
 // Sanitizers take about ten times as long, as does libc++, which reads a line byte by byte. Sizes
 // are scaled down there.

@@ -12,15 +12,6 @@
 
 #include "tests/support/Hex.h"
 
-#ifdef __has_feature
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ORVA_MEMORY_IS_SHADOWED 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ORVA_MEMORY_IS_SHADOWED 1
-#endif
-
 // Searches all writable memory of the process for secrets: static objects, the heap with its freed
 // blocks, and what returned calls left on stacks.
 //

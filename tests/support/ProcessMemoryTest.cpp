@@ -13,6 +13,7 @@
 
 #include "clearing/ClearMemory.h"
 #include "tests/support/ProcessMemory.h"
+#include "tests/support/Sanitizers.h"
 
 namespace {
 
@@ -35,20 +36,15 @@ void Plant(volatile std::uint8_t* place) {
 
 class ProcessMemory : public ::testing::Test {
 protected:
-    ProcessMemory() {
-#ifndef ORVA_MEMORY_IS_SHADOWED
+    void SetUp() override {
+        if (kHasSanitizer) {
+            GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
+        }
         m_search.LookFor([] {
             Bytes secret(kSize);
             Plant(secret.data());
             return MemorySearch::Secrets{{"the secret", secret}};
         });
-#endif
-    }
-
-    void SetUp() override {
-#ifdef ORVA_MEMORY_IS_SHADOWED
-        GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
-#endif
         ASSERT_EQ(m_search.Found(), Hits()) << "it is found before a test has put it anywhere";
     }
 

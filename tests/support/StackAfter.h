@@ -12,10 +12,4 @@ Bytes StackAfter(const std::function<void()>& call);
 // Whether memory holds eight or more bytes of a secret in a row.
 bool Holds(const Bytes& memory, const Bytes& secret);
 
-#ifdef __has_feature
-#if __has_feature(thread_sanitizer)
-#define __SANITIZE_THREAD__  // g++'s macro; NOLINT(bugprone-reserved-identifier)
-#endif
-#endif
-
 #endif

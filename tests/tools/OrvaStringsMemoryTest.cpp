@@ -32,6 +32,7 @@
 #include "support/TemporaryFolder.h"
 #include "tests/support/FailingAllocation.h"
 #include "tests/support/ProcessMemory.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/Secrets.h"
 #include "tests/support/StoredForm.h"
 #include "tools/orva-strings/Tool.h"
@@ -111,9 +112,9 @@ private:
 class OrvaStringsMemory : public ::testing::Test {
 protected:
     void SetUp() override {
-#ifdef ORVA_MEMORY_IS_SHADOWED
-        GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
-#endif
+        if (kHasSanitizer) {
+            GTEST_SKIP() << "a sanitizer's shadow of the memory is too large to search";
+        }
         gMapDecodedStrings.Clear();  // an earlier test may have shown protected texts
         fs::create_directory(Path("tmp"));
         setenv("TMPDIR", Path("tmp").c_str(), 1);
@@ -140,9 +141,7 @@ protected:
         ASSERT_EQ(m_search.Found(), Hits()) << "before any command";
     }
 
-    void TearDown() override {
-        unsetenv("TMPDIR");
-    }
+    void TearDown() override { unsetenv("TMPDIR"); }
 
     // Runs a command, with a file as its standard input. Returns its exit status.
     int Run(const std::vector<std::string>& arguments, const std::string& input = "/dev/null") {
@@ -171,9 +170,7 @@ protected:
         EXPECT_EQ(status, 0);
     }
 
-    std::string Path(const std::string& name) const {
-        return m_folder.Path() / name;
-    }
+    std::string Path(const std::string& name) const { return m_folder.Path() / name; }
 
     std::string BytesOf(const std::string& name) const {
         std::ifstream file(Path(name), std::ios::binary);
