@@ -1,4 +1,5 @@
 // The commands check and explain, run in this process.
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <nlohmann/json.hpp>
@@ -189,6 +190,21 @@ TEST_F(OrvaStringsCheck, ReplacesNoFileButABaseline) {
     EXPECT_EQ(m_out,
               "orva-strings baseline, version 1: rule, section, key\n"
               "short-key\ten\tOK\ntext-after-quote\ten\tMENU_OPEN\n");
+}
+
+TEST_F(OrvaStringsCheck, GoesOnAfterAFileThatItCannotRead) {
+    const std::string bad = Write("bad", "QVLANG=en\nABC=\"x\"\n");
+    const std::string missing =
+        "orva-strings: error: " + Path("missing") + ": No such file or directory\n";
+    EXPECT_EQ(Run({"check", Path("missing"), bad}), 2);
+    EXPECT_EQ(m_err, missing);
+    EXPECT_EQ(m_out.rfind(bad + ":2:1: error: ", 0), 0U) << m_out;
+    EXPECT_EQ(Run({"check", Path("missing"), "--format", "json", Write("clean", kClean)}), 2);
+    EXPECT_EQ(m_err, missing);
+
+    EXPECT_EQ(Run({"check", "--write-baseline", Path("known"), bad, Path("missing")}), 2);
+    EXPECT_EQ(m_err, missing);
+    EXPECT_FALSE(std::filesystem::exists(Path("known"))) << "it would lack a file's findings";
 }
 
 TEST_F(OrvaStringsCheck, KeepsTabsAndLineFeedsOfNamesApartInABaseline) {

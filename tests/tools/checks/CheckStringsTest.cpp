@@ -453,6 +453,43 @@ TEST(CheckStrings, ComparesPlaceholders) {
     EXPECT_EQ(check("%H:%M %s", "%H.%M"), "0 findings") << "a time";
 }
 
+TEST(CheckStrings, NamesWhatMayHaveBeenMeant) {
+    const auto sentence = [](const char* keys) {
+        return Sentence("QVLANG=en\nMENU_OPEN=\"a\"\nMENU_QUIT=\"b\"\nQVLANG=de\n"s + keys,
+                        [](CheckOptions& options) {
+                            options.severities[static_cast<std::size_t>(Rule::kMissingKey)].reset();
+                        });
+    };
+    const std::string extra = "the reference has no such key; add it there, or remove this entry";
+    EXPECT_EQ(sentence("MENU_OPNE=\"a\"\nMENU_QUIT=\"b\"\n"),
+              "MENU_OPNE: " + extra + "; did you mean 'MENU_OPEN'?");
+    EXPECT_EQ(sentence("MENU_OPEN=\"a\"\nMENU_OPENS=\"b\"\n"), "MENU_OPENS: " + extra)
+        << "one that the section has is not meant";
+    EXPECT_EQ(
+        Sentence("QVLANG=English\n", [](CheckOptions& options) { options.required = {"Englsh"}; }),
+        "there is no section Englsh, so a host that asks for it gets the first one; add it; "
+        "did you mean 'English'?");
+    EXPECT_EQ(Sentence("QVLANG=en\n# orva: disable-next-line shortkey\nMENU=\"a\"\n"),
+              "there is no rule shortkey; did you mean 'short-key'?");
+}
+
+TEST(CheckStrings, GuessesOnlyForFewKeys) {
+    const auto guesses = [](int extra) {
+        std::string reference = "QVLANG=en\nMENU_A=\"a\"\n";
+        std::string translation = "QVLANG=de\n";
+        for (int i = 0; i < extra; ++i) {
+            translation += "MENU_" + std::to_string(i) + "=\"a\"\n";
+        }
+        const RuleFindings findings = Find(reference + translation);
+        return std::count_if(findings.begin(), findings.end(), [](const RuleFinding& finding) {
+            return finding.rule == Rule::kExtraKey &&
+                   finding.text.find("did you mean 'MENU_A'?") != std::string::npos;
+        });
+    };
+    EXPECT_EQ(guesses(20), 20);
+    EXPECT_EQ(guesses(21), 0);
+}
+
 TEST(CheckStrings, ComparesWithTheReference) {
     EXPECT_EQ(Check("QVLANG=en\nAAAA=\"a\"\nBBBB=\"b\"\nQVLANG=de\nBBBB=\"x\"\nCCCC=\"c\"\n"),
               "4:1 warning missing-key\n6:1 warning extra-key\n");

@@ -42,9 +42,21 @@ TEST_F(Sections, FindsFaultsInOneFileOfSeveral) {
                              "     1        1          0  en\n");
         EXPECT_EQ(m_err, bad + ": error: the file has no section\n");
     }
-    EXPECT_EQ(Run({"sections", bad, Path("missing")}), 2);
-    EXPECT_EQ(m_err, bad + ": error: the file has no section\norva-strings: error: " +
-                         Path("missing") + ": No such file or directory\n");
+}
+
+TEST_F(Sections, GoesOnAfterAFileThatItCannotRead) {
+    const std::string good = Write("good", "QVLANG=en\n");
+    const std::string bad = Write("bad", "ABCD=1\n");
+    EXPECT_EQ(Run({"sections", Path("missing"), bad, good}), 2);
+    const std::string name = good + std::string(Path("missing").size() - good.size(), ' ');
+    EXPECT_EQ(m_out, std::string("FILE").append(name.size() - 4, ' ') + kHeading + name +
+                         "     1        1          0  en\n");
+    EXPECT_EQ(m_err, "orva-strings: error: " + Path("missing") + ": No such file or directory\n" +
+                         bad + ": error: the file has no section\n");
+    EXPECT_EQ(Run({"sections", "--format", "json", Path("missing"), good}), 2);
+    const auto files = nlohmann::json::parse(m_out).at("files");
+    ASSERT_EQ(files.size(), 1U);
+    EXPECT_EQ(files[0].at("file"), good);
 }
 
 TEST_F(Sections, AlignsFilesOfShortNames) {

@@ -13,6 +13,7 @@
 #include "tools/orva-strings/checks/ProtectedChecks.h"
 #include "tools/orva-strings/checks/SectionKeys.h"
 #include "tools/orva-strings/checks/TranslationChecks.h"
+#include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/document/Encoding.h"
 #include "tools/orva-strings/document/NearMisses.h"
 
@@ -91,12 +92,14 @@ RuleFindings FileCheck::Run() {
 // Finds the reference, the sections that are missing, and the directives.
 void FileCheck::ReadOutline() {
     std::string_view referenceName;
+    std::vector<std::string_view> names;
     std::vector<bool> isFound(m_options.required.size());
     for (MeantReader line(m_bytes); line.Next();) {
         if (line.Kind() == LineKind::kHeader) {
             m_hasSection = true;
             m_findings.EnterSection(line.SectionName());
             const std::string_view name = MeantSectionName(line.SectionName());
+            names.push_back(name);
             if (m_referenceLine == kNoLine &&
                 (m_options.reference.empty() || IsName(name, m_options.reference.c_str()))) {
                 m_referenceLine = line.Line().number;
@@ -115,9 +118,12 @@ void FileCheck::ReadOutline() {
         return;
     }
     const auto addMissing = [&](const std::string& name) {
+        Nearest nearest(name);
+        std::for_each(names.begin(), names.end(), [&](auto known) { nearest.Offer(known); });
         m_findings.AddForFile(Rule::kMissingSection,
                               "there is no section " + name +
-                                  ", so a host that asks for it gets the first one; add it",
+                                  ", so a host that asks for it gets the first one; add it" +
+                                  nearest.DidYouMean(),
                               name);
     };
     if (m_referenceLine == kNoLine) {

@@ -88,7 +88,7 @@ void Directives::AddSilences(std::string_view names, const StringsLine& line,
             m_silences.push_back({line, findings.Section(), name, *rule, line.number, false});
         } else {
             findings.Add(Rule::kBadDirective, line, name, {},
-                         "there is no rule " + std::string(name));
+                         "there is no rule " + std::string(name) + DidYouMeanRule(name));
         }
     }
 }

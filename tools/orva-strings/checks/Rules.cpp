@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/orva-strings/cli/Nearest.h"
+
 using namespace std::string_view_literals;  // for examples that hold NUL bytes
 
 namespace {
@@ -343,6 +345,14 @@ std::optional<Rule> FindRule(std::string_view name) {
     return found != std::end(kRules)
                ? std::optional<Rule>(static_cast<Rule>(found - std::begin(kRules)))
                : std::nullopt;
+}
+
+std::string DidYouMeanRule(std::string_view name) {
+    Nearest nearest(name);
+    for (const RuleText& rule : kRules) {
+        nearest.Offer(rule.name);
+    }
+    return nearest.DidYouMean();
 }
 
 RuleSeverities DefaultSeverities() {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "tools/orva-strings/cli/Finding.h"
@@ -92,6 +93,9 @@ const RuleText& TextOf(Rule rule);
 
 // The rule of this name, if there is one.
 std::optional<Rule> FindRule(std::string_view name);
+
+// "; did you mean 'A'?" for a name that no rule has, or an empty text if no rule's name is near.
+std::string DidYouMeanRule(std::string_view name);
 
 // How severe each rule's findings are; nothing: the rule is off.
 using RuleSeverities = std::array<std::optional<Severity>, kRuleCount>;

@@ -7,10 +7,15 @@
 
 #include "tools/orva-strings/checks/Placeholders.h"
 #include "tools/orva-strings/checks/ProtectedChecks.h"
+#include "tools/orva-strings/cli/Nearest.h"
 
 namespace {
 
 constexpr char kBlanks[] = " \t\r\n";
+
+// Up to this many extra keys in a section are taken for misspelled ones. More are too many to compare
+// with all that are missing.
+constexpr std::size_t kMostGuesses = 20;
 
 // What is at one end of a text: so many line breaks or, without any, whether there are blanks. How
 // many blanks there are may be a matter of alignment.
@@ -146,8 +151,7 @@ void TranslationChecks::EnterSection(const StringsLine& header, std::string_view
 void TranslationChecks::Check(const MeantReader& line) {
     SectionEntries::Entry* const reference = m_reference.Find(line.Key());
     if (reference == nullptr) {
-        m_findings.Add(Rule::kExtraKey, line.Line(), line.Key(), line.Key(),
-                       "the reference has no such key; add it there, or remove this entry");
+        m_extra.push_back({line.Line(), line.Key()});
         return;
     }
     reference->lastSeen = m_header.number;
@@ -197,8 +201,16 @@ void TranslationChecks::Compare(const MeantReader& line, std::string_view refere
 }
 
 void TranslationChecks::LeaveSection() {
+    AddMissingKeys();
+    AddExtraKeys();
+    m_missing.clear();
+    m_extra.clear();
+}
+
+void TranslationChecks::AddMissingKeys() {
     for (const SectionEntries::Entry& entry : m_reference.All()) {
         if (entry.lastSeen != m_header.number) {
+            m_missing.push_back(entry.key);
             const std::string what =
                 "in this section, lookups answer null, not the reference's text; translate it";
             if (m_isRequired) {
@@ -207,5 +219,19 @@ void TranslationChecks::LeaveSection() {
                 m_findings.Add(Rule::kMissingKey, m_header, m_header.text, entry.key, what);
             }
         }
+    }
+}
+
+void TranslationChecks::AddExtraKeys() {
+    for (const ExtraKey& extra : m_extra) {
+        Nearest nearest(extra.key);
+        if (m_extra.size() <= kMostGuesses) {
+            for (const std::string_view key : m_missing) {
+                nearest.Offer(key);
+            }
+        }
+        m_findings.Add(Rule::kExtraKey, extra.line, extra.key, extra.key,
+                       "the reference has no such key; add it there, or remove this entry" +
+                           nearest.DidYouMean());
     }
 }

@@ -74,11 +74,18 @@ public:
     // Checks an entry, the first of its key in the section.
     void Check(const MeantReader& line);
 
-    // Ends the section that was begun: adds findings about the keys that it lacks.
+    // Ends the section that was begun: adds findings about the keys that it or the reference lacks.
     void LeaveSection();
 
 private:
+    struct ExtraKey {
+        StringsLine line;
+        std::string_view key;
+    };
+
     void Compare(const MeantReader& line, std::string_view reference, std::string_view text);
+    void AddMissingKeys();
+    void AddExtraKeys();
 
     SectionEntries& m_reference;
     EarlierFile* m_earlier;
@@ -86,6 +93,8 @@ private:
     FindingCollector& m_findings;
     StringsLine m_header = {};
     bool m_isRequired = false;
+    std::vector<std::string_view> m_missing;
+    std::vector<ExtraKey> m_extra;
 };
 
 #endif

@@ -2,11 +2,21 @@
 
 #include <algorithm>
 #include <optional>
+#include <system_error>
 
 #include "tools/orva-strings/cli/Printable.h"
 
 FileSnapshot Console::Read(const std::string& file) const {
     return file == "-" ? FileSnapshot{m_readInput()} : ReadSnapshot(file);
+}
+
+std::optional<FileSnapshot> Console::ReadOrSay(const std::string& file) const {
+    try {
+        return Read(file);
+    } catch (const std::system_error& error) {
+        Say(Severity::kError, error.what());
+        return std::nullopt;
+    }
 }
 
 MasterKey Console::ReadKey(const std::string& keyFile) const {

@@ -2,6 +2,7 @@
 #define ORVALANGUAGE_TOOLS_CLI_CONSOLE_H
 
 #include <functional>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -34,6 +35,9 @@ public:
 
     // Reads a file, or standard input for "-".
     FileSnapshot Read(const std::string& file) const;
+
+    // Likewise, but prints why a file can't be read, and returns nothing.
+    std::optional<FileSnapshot> ReadOrSay(const std::string& file) const;
 
     // Reads the key in a file, or on standard input for "-". An empty name gives the built-in key.
     MasterKey ReadKey(const std::string& keyFile) const;

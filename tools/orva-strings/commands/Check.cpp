@@ -84,11 +84,19 @@ public:
             throw UsageError("--base can be compared with only one FILE");
         }
         const Report report = CheckFiles(console);
+        const bool isWhole = report.size() == m_files.size();
         if (!m_newBaseline.empty()) {
-            WriteBaseline(report, console.Out());
-            return kDone;
+            if (isWhole) {
+                WriteBaseline(report, console.Out());
+            }
+            return isWhole ? kDone : kUsageOrSystem;
         }
-        Write(report, console);
+        if (!report.empty()) {
+            Write(report, console);
+        }
+        if (!isWhole) {
+            return kUsageOrSystem;
+        }
         const auto fails = [&](const RuleFinding& finding) {
             return Fails(finding.severity, m_failOn);
         };
@@ -102,6 +110,7 @@ public:
     }
 
 private:
+    // Leaves out files that can't be read.
     Report CheckFiles(const Console& console) const {
         const MasterKey key = console.ReadKey(m_keyFile);
         const ProtectionKeys keys = key.Derive();
@@ -119,10 +128,15 @@ private:
             m_baseline.empty() ? Baseline() : Baseline(ReadFile(m_baseline), m_baseline);
         Progress progress(console.ErrTerminal());
         Report report;
+        std::size_t number = 0;
         for (const std::string& file : m_files) {
-            progress.Show("checking file " + std::to_string(report.size() + 1) + " of " +
+            progress.Show("checking file " + std::to_string(++number) + " of " +
                           std::to_string(m_files.size()));
-            RuleFindings findings = CheckStrings(console.Read(file).bytes, options);
+            const std::optional<FileSnapshot> content = console.ReadOrSay(file);
+            if (!content) {
+                continue;
+            }
+            RuleFindings findings = CheckStrings(content->bytes, options);
             baseline.RemoveKnown(findings);
             report.push_back({NameOf(file, m_stdinName), std::move(findings)});
         }

@@ -2,18 +2,13 @@
 
 #include <optional>
 
-#include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/cli/UsageError.h"
 
 Rule RuleOfName(const std::string& name) {
     if (const auto rule = FindRule(name)) {
         return *rule;
     }
-    Nearest nearest(name);
-    for (std::size_t i = 0; i < kRuleCount; ++i) {
-        nearest.Offer(TextOf(static_cast<Rule>(i)).name);
-    }
-    throw UsageError("unknown rule '" + name + '\'' + nearest.DidYouMean() +
+    throw UsageError("unknown rule '" + name + '\'' + DidYouMeanRule(name) +
                      " ('orva-strings explain' lists the rules)");
 }
 

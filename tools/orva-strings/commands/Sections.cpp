@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <iomanip>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -24,7 +25,7 @@ public:
 
     virtual void BeginFile(const std::string& name) = 0;
     virtual void Add(const SectionSummary& section) = 0;
-    virtual void End() = 0;
+    virtual void End() = 0;  // after at least one file
 };
 
 // A table, in which several files have a column for their names.
@@ -111,15 +112,23 @@ public:
     ExitStatus Run(const Console& console) override {
         const std::unique_ptr<Writer> writer = MakeWriter(console.Out());
         ExitStatus status = kDone;
+        bool hasRead = false;
         for (const std::string& file : m_files) {
             const std::string& name = NameOf(file, m_stdinName);
-            const FileSnapshot content = console.Read(file);
+            const std::optional<FileSnapshot> content = console.ReadOrSay(file);
+            if (!content) {
+                status = kUsageOrSystem;
+                continue;
+            }
+            hasRead = true;
             writer->BeginFile(name);
             const Findings findings = ListSections(
-                content.bytes, [&](const SectionSummary& section) { writer->Add(section); });
+                content->bytes, [&](const SectionSummary& section) { writer->Add(section); });
             status = std::max(status, console.Report(findings, name));
         }
-        writer->End();
+        if (hasRead) {
+            writer->End();
+        }
         return status;
     }
 
