@@ -119,6 +119,10 @@ orva_add_test(open_bundle_corefoundation_tests
     $<TARGET_OBJECTS:corefoundation_standin>
     "${PROJECT_SOURCE_DIR}/support/OpenBundleCoreFoundation.cpp")
 target_include_directories(open_bundle_corefoundation_tests PRIVATE standin)
+orva_add_test(preferred_languages_macos_tests
+    include/PreferredLanguagesMacOSTest.cpp
+    $<TARGET_OBJECTS:corefoundation_standin>)
+target_include_directories(preferred_languages_macos_tests PRIVATE standin)
 orva_add_test(access_list_macos_tests
     tools/system/AccessListMacOSTest.cpp
     "${PROJECT_SOURCE_DIR}/tools/orva-strings/system/AccessListMacOS.cpp")
@@ -177,6 +181,10 @@ add_test(NAME hardening COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/hardening_t
 add_test(NAME host_interface COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/host_interface_test.sh"
     "$<TARGET_FILE:OrvaLanguage>" "${PROJECT_SOURCE_DIR}")
 set_tests_properties(host_interface PROPERTIES ENVIRONMENT "${as_this_build}")
+
+add_test(NAME texts_header COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/texts_header_test.sh"
+    "$<TARGET_FILE:OrvaLanguage>" "${PROJECT_SOURCE_DIR}")
+set_tests_properties(texts_header PROPERTIES LABELS builds ENVIRONMENT "${as_this_build}")
 
 # A bundle that carries a copy of Nettle, in a root folder of its own.
 if(ORVA_BUILD_EXAMPLES)

@@ -16,7 +16,8 @@
 
 namespace {
 
-// An object is its text; that of a bundle is its folder's path.
+// An object is its text; that of a bundle is its folder's path, and that of an array is its only
+// element.
 template <typename Object>
 Object New(std::string_view text, std::string_view more = "") {
     auto* const copy = static_cast<char*>(std::malloc(text.size() + more.size() + 1));
@@ -43,6 +44,23 @@ bool HasFolder(CFTypeRef object, std::string_view name) {
 }  // namespace
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
+
+CFArrayRef CFLocaleCopyPreferredLanguages() {
+    return New<CFArrayRef>("de-AT");
+}
+
+CFIndex CFArrayGetCount(CFArrayRef /*array*/) {
+    return 1;
+}
+
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex /*index*/) {
+    return array;
+}
+
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex capacity,
+                           CFStringEncoding /*encoding*/) {
+    return CFStringGetFileSystemRepresentation(string, buffer, capacity);
+}
 
 CFBundleRef CFBundleCreate(CFAllocatorRef /*allocator*/, CFURLRef url) {
     return HasFolder(url, "") ? New<CFBundleRef>(Text(url)) : nullptr;

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <OrvaLanguage/OrvaLanguage.h>
+#include <OrvaLanguage/Texts.h>
 
 static const char* gPhase = "";
 
@@ -66,6 +67,7 @@ int main(void) {
     char resources[1200];
     char file[1300];
     struct __CFBundle* bundle;
+    char* copy;
 
     StartPhase("open bundle");
     snprintf(folder, sizeof folder, "%s/orva-test-XXXXXX", temporary != NULL ? temporary : "/tmp");
@@ -85,10 +87,31 @@ int main(void) {
     CHECK(ZuLoadStrings("de", "x.strings", bundle) == 2);
     CHECK(ZuLoadStrings("", "x.strings", bundle) == 2);
 
+    StartPhase("helpers");
+    CHECK(strcmp(OrvaTextOr("MENU_OPEN", "?"), "Open") == 0);
+    CHECK(OrvaTextOr("MENU_OPEN", "?") == ZuGetLocalizedString("MENU_OPEN"));
+    CHECK(strcmp(OrvaTextOr("MISSING", "?"), "?") == 0);
+    CHECK(OrvaTextOr("MISSING", NULL) == NULL);
+    CHECK(OrvaCopyText("MISSING") == NULL);
+    copy = OrvaCopyText("MENU_OPEN");
+    CHECK(copy != NULL);
+    CHECK(OrvaIsLoaded("en") == 1);
+    CHECK(OrvaIsLoaded("EN") == 1);
+    CHECK(OrvaIsLoaded("e") == 0);
+    CHECK(OrvaIsLoaded("eng") == 0);
+    CHECK(OrvaIsLoaded("") == 0);
+    CHECK(ZuLoadStrings("fr", "x.strings", bundle) == 3);
+    CHECK(OrvaIsLoaded("en") == 0);
+    CHECK(OrvaIsLoaded("Fr") == 1);
+    CHECK(strcmp(copy, "Open") == 0);
+    free(copy);
+
     StartPhase("failed load");
     CHECK(ZuLoadStrings(NULL, "x.strings", bundle) == 0);
     CHECK(ZuLoadStrings("en", NULL, bundle) == 0);
     CHECK(ZuLoadStrings("en", "missing", bundle) == 0);
+    CHECK(OrvaIsLoaded("en") == 0);
+    CHECK(OrvaTextOr("MENU_OPEN", NULL) == NULL);
     CHECK(ZuLoadStrings("en", "\xFF", bundle) == 0);
 
     StartPhase("clean up");

@@ -96,7 +96,7 @@ KorString text;
 END
 
 for standard in c++11 c++14; do
-    for header in KorString.h KorStringMap.h; do
+    for header in KorString.h KorStringMap.h Texts.hpp; do
         echo "#include <OrvaLanguage/$header>" >"$work/old.cpp"
         ! "$CXX" "${headers[@]}" "${flags[@]}" -std=$standard -fsyntax-only "$work/old.cpp" 2>"$work/errors" ||
             fail "$header compiles for $standard"

@@ -104,6 +104,8 @@ holds development <<END
 ./include/OrvaLanguage/KorString.h
 ./include/OrvaLanguage/KorStringMap.h
 ./include/OrvaLanguage/OrvaLanguage.h
+./include/OrvaLanguage/Texts.h
+./include/OrvaLanguage/Texts.hpp
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake

@@ -10,6 +10,9 @@
 struct __CFAllocator {
     const char* name;
 };
+struct __CFArray {
+    const char* name;
+};
 struct __CFBundle {
     const char* name;
 };
@@ -29,6 +32,7 @@ __CFBundle gMainBundle = {"main bundle"};
 __CFBundle gGivenBundle = {"given bundle"};
 __CFBundle gCreatedBundle = {"created bundle"};
 const __CFAllocator gDefaultAllocator = {"default allocator"};
+const __CFArray gLanguages = {"languages"};
 const __CFURL gBundleURL = {"bundle URL"};
 const __CFURL gResourcesURL = {"resources URL"};
 const __CFURL gFolderURL = {"folder URL"};
@@ -83,6 +87,34 @@ CFBundleRef GivenBundle() {
 }
 
 const CFAllocatorRef kCFAllocatorDefault = &gDefaultAllocator;
+
+CFArrayRef CFLocaleCopyPreferredLanguages() {
+    Record("CFLocaleCopyPreferredLanguages");
+    return Answer(&gLanguages, true);
+}
+
+CFIndex CFArrayGetCount(CFArrayRef array) {
+    Record("CFArrayGetCount", Name(array));
+    return static_cast<CFIndex>(gStandIn->languages.size());
+}
+
+// The texts, which are no objects of this stand-in.
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
+    Record("CFArrayGetValueAtIndex", Name(array), index);
+    return &gStandIn->languages.at(static_cast<std::size_t>(index));
+}
+
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex capacity,
+                           CFStringEncoding encoding) {
+    const std::string& text = *reinterpret_cast<const std::string*>(string);
+    Record("CFStringGetCString", text, "buffer", capacity, encoding);
+    const auto size = static_cast<std::size_t>(capacity);
+    if (text.size() >= size) {
+        return false;
+    }
+    std::memcpy(buffer, text.c_str(), text.size() + 1);
+    return true;
+}
 
 CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url) {
     Record("CFBundleCreate", Name(allocator), Name(url));

@@ -16,9 +16,10 @@ struct CoreFoundationStandIn {
     CoreFoundationStandIn& operator=(const CoreFoundationStandIn&) = delete;
 
     // The answers.
-    std::string nullObject;           // the object to return as null
-    std::string path;                 // what the conversion writes, with a NUL if it fits
-    Boolean conversionResult = true;  // what the conversion returns
+    std::string nullObject;              // the object to return as null
+    std::string path;                    // what the conversion writes, with a NUL if it fits
+    Boolean conversionResult = true;     // what the conversion returns
+    std::vector<std::string> languages;  // the user's
 
     // The calls, in order.
     std::vector<std::string> calls;

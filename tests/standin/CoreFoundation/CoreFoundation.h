@@ -19,6 +19,7 @@ typedef uint32_t CFStringEncoding;
 typedef CFIndex CFURLPathStyle;
 typedef const void* CFTypeRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFArray* CFArrayRef;
 typedef struct __CFBundle* CFBundleRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFURL* CFURLRef;
@@ -27,10 +28,13 @@ enum { kCFStringEncodingUTF8 = 0x08000100 };
 enum { kCFURLPOSIXPathStyle = 0 };
 extern const CFAllocatorRef kCFAllocatorDefault;
 
+CFIndex CFArrayGetCount(CFArrayRef array);
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 CFBundleRef CFBundleCreate(CFAllocatorRef allocator, CFURLRef url);
 CFBundleRef CFBundleGetMainBundle(void);
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle);
+CFArrayRef CFLocaleCopyPreferredLanguages(void);
 CFStringRef CFURLGetString(CFURLRef url);
 CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
                                                CFStringRef component, Boolean isDirectory);
@@ -39,6 +43,8 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean isDirectory);
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex capacity,
+                           CFStringEncoding encoding);
 Boolean CFStringGetFileSystemRepresentation(CFStringRef string, char* buffer, CFIndex capacity);
 void CFRelease(CFTypeRef object);
 /* NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming) */

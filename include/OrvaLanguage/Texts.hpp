@@ -1,0 +1,331 @@
+// Helpers for C++17 hosts: a language menu, the user's language, fallback texts and copies of texts.
+// Header only: all of it is compiled into the host and uses only what the library exports. For C,
+// there is Texts.h.
+//
+// Texts are bytes, in the file's encoding; lengths are in bytes. Arguments are not kept, and every
+// result belongs to the caller, except as TextOr says. A function throws nothing but std::bad_alloc,
+// when memory runs out, and works in hosts without exceptions (-fno-exceptions, where that ends the
+// process) or type information (-fno-rtti).
+#ifndef ORVALANGUAGE_TEXTS_HPP
+#define ORVALANGUAGE_TEXTS_HPP
+
+#if __cplusplus < 201703L
+#error "<OrvaLanguage/Texts.hpp> needs C++17 (-std=c++17); <OrvaLanguage/Texts.h> is for C."
+#else
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <locale>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#ifdef __APPLE__
+#include <CoreFoundation/CoreFoundation.h>
+#endif
+
+#include <OrvaLanguage/KorString.h>
+#include <OrvaLanguage/OrvaLanguage.h>
+
+namespace OrvaLanguage {
+
+// A section of a strings file, and the language that its texts are in.
+struct SectionTag {
+    std::string section;  // the section's name
+    std::string tag;      // such as "de", "pt-BR" or "zh-Hant"
+};
+
+// What LoadPreferred has loaded.
+struct LoadedSection {
+    int entries = 0;          // as from ZuLoadStrings: 0 is a failure
+    std::string section;      // the section's name, as the file spells it; empty after a failure
+    bool isFallback = false;  // the file's first section, since none is in a preferred language
+};
+
+namespace detail {
+
+inline std::string LowerAscii(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') {
+            c = static_cast<char>(c - 'A' + 'a');
+        }
+    }
+    return lower;
+}
+
+// What counts of a language's tag, in lower case; an empty part is not given.
+struct Language {
+    std::string language;
+    std::string script;
+    std::string region;
+};
+
+inline std::string Script(const Language& found, std::string_view modifier) {
+    if (modifier == "@latin") {
+        return "latn";
+    }
+    if (modifier == "@cyrillic") {
+        return "cyrl";
+    }
+    if (found.language == "zh" && found.script.empty()) {
+        const bool isTraditional =
+            found.region == "tw" || found.region == "hk" || found.region == "mo";
+        return isTraditional ? "hant" : "hans";
+    }
+    return found.script;
+}
+
+// Reads a BCP 47 tag or a POSIX locale's name: language_REGION.encoding@modifier. Variants and
+// extensions do not count.
+inline Language ParseTag(std::string_view tag) {
+    const std::string text = LowerAscii(tag);
+    const std::string_view lower = text;
+    const std::size_t at = lower.find('@');
+    const std::string_view modifier = at < lower.size() ? lower.substr(at) : std::string_view();
+    std::string_view rest = lower.substr(0, lower.find_first_of(".@"));
+
+    Language found;
+    bool isFirst = true;
+    while (!rest.empty()) {
+        const std::string_view part = rest.substr(0, rest.find_first_of("-_"));
+        rest.remove_prefix(part.size() < rest.size() ? part.size() + 1 : part.size());
+        const bool isNumber = part.find_first_not_of("0123456789") == std::string_view::npos;
+        if (isFirst) {
+            found.language = part;
+        } else if (part.size() == 1) {
+            break;  // an extension
+        } else if (part.size() == 4 && part.front() > '9' && found.region.empty()) {
+            found.script = part;
+        } else if (part.size() == (isNumber ? 3 : 2) && found.region.empty()) {
+            found.region = part;
+        }
+        isFirst = false;
+    }
+
+    // Former codes, which some systems still use.
+    constexpr std::string_view kFormerCodes[][2] = {{"iw", "he"}, {"in", "id"}, {"no", "nb"}};
+    for (const auto& [former, code] : kFormerCodes) {
+        if (found.language == former) {
+            found.language = code;
+        }
+    }
+    found.script = Script(found, modifier);
+    return found;
+}
+
+constexpr int kBestMatch = 6;
+
+// How well a section in the language offered suits a user who wants the other: up to kBestMatch, or
+// 0 if it does not. The script counts most: someone who reads one may not read the other.
+inline int Match(const Language& wanted, const Language& offered) {
+    if (wanted.language.empty() || wanted.language != offered.language) {
+        return 0;
+    }
+    const bool isSameScript = wanted.script == offered.script;
+    if (!isSameScript && !wanted.script.empty() && !offered.script.empty()) {
+        return 0;
+    }
+    const int region = wanted.region == offered.region ? 3 : offered.region.empty() ? 2 : 1;
+    return region + (isSameScript ? 3 : 0);
+}
+
+inline std::string LoadedName() {
+    const char* const name = ZuGetLocalizedString("QVLANG");
+    return name != nullptr ? name : "";
+}
+
+}  // namespace detail
+
+// The names of a strings file's sections that a load can find, in the file's order: for a language
+// menu. A name that comes twice, ignoring the case of ASCII letters, is listed once, and a section
+// without a name only if it is the first. Each is as ZuLoadStrings takes it: the rest of the
+// header's line with its blanks and quotes, up to a NUL byte.
+//
+// path is the file's, not one in a bundle. A relative path is resolved against the current folder.
+//
+// Returns nothing if the file can't be opened, is a folder, or the stream reports that reading
+// failed; an empty list if the file has no section. Reads the file on any thread, whether or not it
+// is loaded; the rules for a stream are those of KorString. On Linux the host needs the standard
+// library that the library was built with, since KorString::GetLine takes one of its streams. None
+// of the other functions here do.
+inline std::optional<std::vector<std::string>> Sections(const std::filesystem::path& path) {
+    std::error_code error;
+    std::ifstream stream;
+    stream.imbue(std::locale::classic());  // bytes, unconverted, whatever the global locale
+    stream.open(path);
+    if (!stream || std::filesystem::is_directory(path, error)) {
+        return std::nullopt;
+    }
+    std::vector<std::string> names;
+    std::set<std::string> known;
+    std::string line;
+    while (KorString::GetLine(stream, line)) {
+        if (KorString::SearchLanguageKey(line, "")) {
+            const std::string name =
+                line.c_str() + std::string_view(KorString::LANG_STATEMENT).size();
+            const bool canBeAskedFor = !name.empty() || names.empty();
+            if (canBeAskedFor && known.insert(detail::LowerAscii(name)).second) {
+                names.push_back(name);
+            }
+        }
+    }
+    if (stream.bad()) {
+        return std::nullopt;
+    }
+    return names;
+}
+
+// Languages by the names that they have for themselves.
+inline const std::vector<SectionTag>& CommonSections() {
+    static const std::vector<SectionTag> sections = {
+        {"English", "en"},       {"Bahasa Indonesia", "id"},
+        {"Català", "ca"},        {"Čeština", "cs"},
+        {"Dansk", "da"},         {"Deutsch", "de"},
+        {"Eesti", "et"},         {"Español", "es"},
+        {"Français", "fr"},      {"Hrvatski", "hr"},
+        {"Italiano", "it"},      {"Latviešu", "lv"},
+        {"Lietuvių", "lt"},      {"Magyar", "hu"},
+        {"Nederlands", "nl"},    {"Norsk", "nb"},
+        {"Norsk bokmål", "nb"},  {"Polski", "pl"},
+        {"Português", "pt"},     {"Português (Brasil)", "pt-BR"},
+        {"Română", "ro"},        {"Slovenčina", "sk"},
+        {"Slovenščina", "sl"},   {"Suomi", "fi"},
+        {"Svenska", "sv"},       {"Tiếng Việt", "vi"},
+        {"Türkçe", "tr"},        {"Ελληνικά", "el"},
+        {"Български", "bg"},     {"Русский", "ru"},
+        {"Українська", "uk"},    {"עברית", "he"},
+        {"العربية", "ar"},       {"हिन्दी", "hi"},
+        {"ไทย", "th"},           {"한국어", "ko"},
+        {"日本語", "ja"},        {"简体中文", "zh-Hans"},
+        {"繁體中文", "zh-Hant"},
+    };
+    return sections;
+}
+
+// Loads the section in the first of the user's languages that the file has, and says which it is.
+//
+// tags      the user's languages, the preferred one first, such as from PreferredLanguages: BCP 47
+//           tags ("de-AT", "zh-Hant-TW") or POSIX locales ("de_AT.UTF-8@euro", "sr_RS@latin").
+//           Language, script and region count, ignoring case. "C" and "POSIX" end the list: there
+//           the file's first section is what is wanted.
+// file, bundle  as for ZuLoadStrings
+// sections  the language of each section that the file may have. A section must be known by its
+//           name here to be found. Names with double quotes are not found.
+//
+// For each tag, the sections in its language are tried, the best first: the same script before one
+// that is not given on both sides, then the same region, then no region, then another one, then the
+// order in sections. So "de-AT" finds "de", and "pt-BR" finds "pt" before "pt-PT". A section in
+// another script does not match: "zh-TW" finds "zh-Hant" but not "zh-CN". Whether the file has a
+// section shows only after a load: "QVLANG" must then answer its name, ignoring the case of ASCII
+// letters.
+//
+// If no tag finds a section, the file's first one is loaded, as the fallback. If a load returns 0,
+// so does this, with the table as that load left it.
+//
+// It loads at least once, so it must not run at the same time as another load or a lookup, and texts
+// handed out earlier are invalid afterwards, as after ZuLoadStrings. If memory runs out, the table
+// may be that of any section, or part of it.
+inline LoadedSection LoadPreferred(const std::vector<std::string>& tags, const char* file,
+                                   __CFBundle* bundle,
+                                   const std::vector<SectionTag>& sections = CommonSections()) {
+    for (const std::string& tag : tags) {
+        const detail::Language wanted = detail::ParseTag(tag);
+        if (wanted.language == "c" || wanted.language == "posix") {
+            break;
+        }
+        for (int match = detail::kBestMatch; match > 0; --match) {
+            for (const SectionTag& offered : sections) {
+                if (detail::Match(wanted, detail::ParseTag(offered.tag)) != match) {
+                    continue;
+                }
+                const int entries = ZuLoadStrings(offered.section.c_str(), file, bundle);
+                if (entries < 1) {
+                    return {};
+                }
+                std::string loaded = detail::LoadedName();
+                if (detail::LowerAscii(loaded) == detail::LowerAscii(offered.section)) {
+                    return {entries, std::move(loaded), false};
+                }
+            }
+        }
+    }
+    const int entries = ZuLoadStrings("", file, bundle);
+    if (entries < 1) {
+        return {};
+    }
+    return {entries, detail::LoadedName(), true};
+}
+
+// The user's languages as the system knows them, the preferred one first: for LoadPreferred.
+//
+// On macOS, BCP 47 tags from the user's settings; the host links with CoreFoundation. Elsewhere,
+// POSIX names from the environment, as gettext reads it: the colon-separated list in LANGUAGE;
+// without it, or if the locale is unset, "C" or "POSIX", only the locale, which is the first of
+// LC_ALL, LC_MESSAGES and LANG that is not empty. The list is empty if nothing is set.
+//
+// Must not run while another thread changes the environment.
+inline std::vector<std::string> PreferredLanguages() {
+    std::vector<std::string> languages;
+#ifdef __APPLE__
+    const CFArrayRef tags = CFLocaleCopyPreferredLanguages();
+    if (tags == nullptr) {
+        return languages;
+    }
+    for (CFIndex i = 0; i < CFArrayGetCount(tags); ++i) {
+        char tag[256];
+        if (CFStringGetCString(static_cast<CFStringRef>(CFArrayGetValueAtIndex(tags, i)), tag,
+                               sizeof tag, kCFStringEncodingUTF8) != 0) {
+            languages.emplace_back(tag);
+        }
+    }
+    CFRelease(tags);
+#else
+    const auto variable = [](const char* name) {
+        const char* const value = std::getenv(name);
+        return std::string_view(value != nullptr ? value : "");
+    };
+    std::string_view locale;
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        locale = locale.empty() ? variable(name) : locale;
+    }
+    std::string_view list = variable("LANGUAGE");
+    if (list.empty() || locale.empty() || locale == "C" || locale == "POSIX") {
+        list = locale;
+    }
+    while (!list.empty()) {
+        const std::string_view language = list.substr(0, list.find(':'));
+        if (!language.empty()) {
+            languages.emplace_back(language);
+        }
+        list.remove_prefix(language.size() < list.size() ? language.size() + 1 : language.size());
+    }
+#endif
+    return languages;
+}
+
+// The text of a key, or fallback where ZuGetLocalizedString answers null. Neither is copied: a text
+// from the library lives as long as ZuGetLocalizedString says, and fallback as long as the caller
+// keeps it. key must not be null; fallback may be. Throws nothing, and may run at the same time as
+// the lookups that ZuGetLocalizedString allows.
+inline const char* TextOr(const char* key, const char* fallback) noexcept {
+    const char* const text = ZuGetLocalizedString(key);
+    return text != nullptr ? text : fallback;
+}
+
+// A copy of a key's text, which survives a reload, or nothing where ZuGetLocalizedString answers
+// null. The rules for key and threads are those of TextOr.
+inline std::optional<std::string> CopyText(const char* key) {
+    const char* const text = ZuGetLocalizedString(key);
+    return text != nullptr ? std::optional<std::string>(text) : std::nullopt;
+}
+
+}  // namespace OrvaLanguage
+
+#endif
+#endif
