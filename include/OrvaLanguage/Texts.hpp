@@ -100,7 +100,7 @@ inline Language ParseTag(std::string_view tag) {
             found.language = part;
         } else if (part.size() == 1) {
             break;  // an extension
-        } else if (part.size() == 4 && part.front() > '9' && found.region.empty()) {
+        } else if (part.size() == 4 && part.front() > '9') {
             found.script = part;
         } else if (part.size() == (isNumber ? 3 : 2) && found.region.empty()) {
             found.region = part;
@@ -225,8 +225,8 @@ inline const std::vector<SectionTag>& CommonSections() {
 // section shows only after a load: "QVLANG" must then answer its name, ignoring the case of ASCII
 // letters.
 //
-// If no tag finds a section, the file's first one is loaded, as the fallback. If a load returns 0,
-// so does this, with the table as that load left it.
+// If no tag finds a section, the file's first one is loaded, as the fallback. If the file has no
+// section or can't be loaded, entries is 0, and the table is as ZuLoadStrings leaves it then.
 //
 // It loads at least once, so it must not run at the same time as another load or a lookup, and texts
 // handed out earlier are invalid afterwards, as after ZuLoadStrings. If memory runs out, the table
@@ -245,9 +245,6 @@ inline LoadedSection LoadPreferred(const std::vector<std::string>& tags, const c
                     continue;
                 }
                 const int entries = ZuLoadStrings(offered.section.c_str(), file, bundle);
-                if (entries < 1) {
-                    return {};
-                }
                 std::string loaded = detail::LoadedName();
                 if (detail::LowerAscii(loaded) == detail::LowerAscii(offered.section)) {
                     return {entries, std::move(loaded), false};
@@ -256,10 +253,7 @@ inline LoadedSection LoadPreferred(const std::vector<std::string>& tags, const c
         }
     }
     const int entries = ZuLoadStrings("", file, bundle);
-    if (entries < 1) {
-        return {};
-    }
-    return {entries, detail::LoadedName(), true};
+    return {entries, detail::LoadedName(), entries > 0};
 }
 
 // The user's languages as the system knows them, the preferred one first: for LoadPreferred.

@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <filesystem>
+#include <locale>
 #include <map>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "support/TemporaryBundle.h"
 #include "support/TemporaryFolder.h"
+#include "tests/support/ReadsAsX.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 using OrvaLanguage::LoadPreferred;
@@ -61,6 +63,16 @@ TEST(Texts, TellAnUnreadableFileFromOneWithoutSections) {
     EXPECT_EQ(Sections(folder.Path() / "missing"), std::nullopt);
     EXPECT_EQ(Sections(folder.Path()), std::nullopt);
     EXPECT_EQ(Sections(""), std::nullopt);
+}
+
+TEST(Texts, ListSectionsWhateverTheGlobalLocaleConverts) {
+    const TemporaryFolder folder;
+    folder.Write("x.strings", "QVLANG=en\n");
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new ReadsAsX));
+    const auto names = Sections(folder.Path() / "x.strings");
+    std::locale::global(before);
+    EXPECT_EQ(names, Names({"en"}));
 }
 
 TEST(Texts, ListSectionsWithoutTouchingTheTable) {
@@ -155,6 +167,7 @@ TEST_F(Preferred, ReadsTagsAndLocaleNames) {
         {"de-CH-1996", "de"},
         {"de-1996-AT", "de-AT"},
         {"de-1996", "de"},
+        {"de-AT-CH", "de-AT"},
         {"de-x-AT", "de"},
         {"de-u-co-phonebk", "de"},
         {"d", "(first)"},
@@ -210,6 +223,8 @@ TEST_F(Preferred, TriesTheBetterMatchFirst) {
         {"zh-TW", {{"A", "zh-HK"}, {"B", "zh-Hant"}}, "B"},
         {"sr-Latn-RS", {{"A", "sr-RS"}, {"B", "sr-Latn"}}, "B"},
         {"sr-Latn-BA", {{"A", "sr-BA"}, {"B", "sr-Latn-RS"}}, "B"},
+        {"sr-Latn-BA", {{"A", "sr-RS"}}, "A"},
+        {"de-1996", {{"A", "de-Latn"}}, "A"},
         {"sr-Latn", {{"A", "sr-Cyrl"}}, "(first)"},
         {"", {{"A", ""}}, "(first)"},
     };

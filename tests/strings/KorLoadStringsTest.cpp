@@ -1,5 +1,4 @@
 #include <chrono>
-#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -14,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TemporaryBundle.h"
+#include "tests/support/ReadsAsX.h"
 
 using namespace std::string_literals;  // for texts that hold NUL bytes
 using ::testing::PrintToString;
@@ -229,20 +229,6 @@ TEST(KorLoadStrings, ReadsNoFurtherThanTheNextHeaderLine) {
     }
     EXPECT_EQ(loaded.get(), 2);
 }
-
-// A host's own conversion, which reads every byte as x.
-class ReadsAsX : public std::codecvt<char, char, std::mbstate_t> {
-protected:
-    bool do_always_noconv() const noexcept override { return false; }
-    result do_in(std::mbstate_t& /*state*/, const char* from, const char* fromEnd,
-                 const char*& fromNext, char* to, char* toEnd, char*& toNext) const override {
-        fromNext = from;
-        for (toNext = to; fromNext != fromEnd && toNext != toEnd; ++fromNext) {
-            *toNext++ = 'x';
-        }
-        return ok;
-    }
-};
 
 TEST(KorLoadStrings, ReadsBytesWhateverTheGlobalLocaleConverts) {
     const TemporaryBundle bundle;
