@@ -186,6 +186,14 @@ add_test(NAME texts_header COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/texts_he
     "$<TARGET_FILE:OrvaLanguage>" "${PROJECT_SOURCE_DIR}")
 set_tests_properties(texts_header PROPERTIES LABELS builds ENVIRONMENT "${as_this_build}")
 
+# The compilers come from Debian's packages.
+if(ORVA_INSTALL)
+    add_test(NAME languages COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/languages_test.sh"
+        "${PROJECT_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
+    set_tests_properties(languages PROPERTIES
+        LABELS builds SKIP_RETURN_CODE 77 TIMEOUT 300 ENVIRONMENT "${as_this_build}")
+endif()
+
 # A bundle that carries a copy of Nettle, in a root folder of its own.
 if(ORVA_BUILD_EXAMPLES)
     add_test(NAME bundle COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/bundle_test.sh"
