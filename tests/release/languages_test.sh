@@ -17,7 +17,8 @@ if [ ${#missing[@]} -gt 0 ]; then
     exit 1
 fi
 
-work=$(mktemp -d)
+# Not in TMPDIR, whose name may have a blank: Go takes none in the flags of pkg-config.
+work=$(mktemp -d /tmp/orva-test-XXXXXX)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT  # Go's cache is read-only
 cmake --install "$build" --prefix "$work/prefix" >"$work/log"
 pc=$(find "$work/prefix" -name OrvaLanguage.pc)
