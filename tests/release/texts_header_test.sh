@@ -36,6 +36,25 @@ runs "C++17" -std=c++17
 runs "C++20, optimised" -std=c++20 -O3
 runs "neither exceptions nor type information" -std=c++17 -fno-exceptions -fno-rtti
 
+# Without Sections, a host's standard library need not be that of the library.
+cat >"$work/host.cpp" <<'CPP'
+#include <OrvaLanguage/Texts.hpp>
+int main() {
+    const auto loaded = OrvaLanguage::LoadPreferred({"de"}, "Host.strings", nullptr);
+    return loaded.section == "Deutsch" && OrvaLanguage::CopyText("GREETING") == "Hallo" &&
+                   !OrvaLanguage::PreferredLanguages().empty() &&
+                   OrvaLanguage::TextOr("MISSING", nullptr) == nullptr ? 0 : 1;
+}
+CPP
+if clang++-19 -stdlib=libc++ -std=c++17 -x c++ -include vector -fsyntax-only /dev/null 2>/dev/null; then
+    clang++-19 -stdlib=libc++ -std=c++17 "${strict_cxx[@]}" "$work/host.cpp" -o "$app/Any/host" "$library" ||
+        fail "A host does not compile: libc++"
+    LANG=de LC_ALL='' LC_MESSAGES='' LD_LIBRARY_PATH=${library%/*} "$app/Any/host" || fail "A host fails: libc++"
+    echo "runs: libc++"
+else
+    echo "not run, since this machine lacks it: libc++"
+fi
+
 cat >"$work/host.c" <<'C'
 #include <OrvaLanguage/Texts.h>
 int main(void) {
