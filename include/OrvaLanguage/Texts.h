@@ -48,8 +48,8 @@ static inline char* OrvaCopyText(const char* key) {
 static inline int OrvaIsLoaded(const char* section) {
     const char* loaded = OrvaTextOr("QVLANG", NULL);
     for (; loaded != NULL; ++loaded, ++section) {
-        const char a = *loaded >= 'A' && *loaded <= 'Z' ? (char)(*loaded - 'A' + 'a') : *loaded;
-        const char b = *section >= 'A' && *section <= 'Z' ? (char)(*section - 'A' + 'a') : *section;
+        const int a = *loaded >= 'A' && *loaded <= 'Z' ? *loaded - 'A' + 'a' : *loaded;
+        const int b = *section >= 'A' && *section <= 'Z' ? *section - 'A' + 'a' : *section;
         if (a != b) {
             return 0;
         }
