@@ -21,6 +21,7 @@
 #define ORVALANGUAGE_ORVALANGUAGE_H
 
 #include <OrvaLanguage/Export.h>
+#include <OrvaLanguage/Version.h>
 
 #ifdef __cplusplus
 extern "C" {

@@ -66,8 +66,20 @@ int main(void) {
     char contents[1100];
     char resources[1200];
     char file[1300];
+    char version[32];
     struct __CFBundle* bundle;
     char* copy;
+
+    StartPhase("version");
+    snprintf(version, sizeof version, "%d.%d.%d", ORVA_VERSION_MAJOR, ORVA_VERSION_MINOR,
+             ORVA_VERSION_PATCH);
+    CHECK(strcmp(ORVA_VERSION_STRING, version) == 0);
+    CHECK(strcmp(ORVA_VERSION_STRING, PROJECT_VERSION) == 0);
+#if ORVA_VERSION_NUMBER < 10000 || ORVA_VERSION_NUMBER >= 1000000
+#error "the number can't be compared, or has no place for the major version"
+#endif
+    CHECK(ORVA_VERSION_NUMBER % 10000 == ORVA_VERSION_MINOR * 100 + ORVA_VERSION_PATCH);
+    CHECK(ORVA_VERSION_NUMBER / 10000 == ORVA_VERSION_MAJOR);
 
     StartPhase("open bundle");
     snprintf(folder, sizeof folder, "%s/orva-test-XXXXXX", temporary != NULL ? temporary : "/tmp");

@@ -60,6 +60,11 @@ grep -qE '^IDE_TEXT="[0-9A-F]{64}"$' "$work/cmake/Shipped.strings" ||
 # The package files name the version, and a host of another major version finds none.
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 [ "$(pkg-config --modversion OrvaLanguage)" = "$version" ] || { echo "the .pc file is not of $version"; exit 1; }
+echo '#include <OrvaLanguage/OrvaLanguage.h>
+static const char* version = ORVA_VERSION_STRING;' >"$work/version.c"
+# shellcheck disable=SC2086  # flags are words
+$CC $CFLAGS "${compile_flags[@]}" -E -P "$work/version.c" | grep -xF "static const char* version = \"$version\";" ||
+    { echo "the headers are not of $version"; exit 1; }
 mkdir "$work/find"
 finds() { # VERSION
     printf 'cmake_minimum_required(VERSION 3.22)\nproject(Find NONE)\nfind_package(OrvaLanguage %s)\n%s\n' \
@@ -106,6 +111,7 @@ holds development <<END
 ./include/OrvaLanguage/OrvaLanguage.h
 ./include/OrvaLanguage/Texts.h
 ./include/OrvaLanguage/Texts.hpp
+./include/OrvaLanguage/Version.h
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake

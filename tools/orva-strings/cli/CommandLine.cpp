@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include <OrvaLanguage/Version.h>
+
 #include "tools/orva-strings/cli/Arguments.h"
 #include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/cli/UsageError.h"
@@ -75,7 +77,7 @@ std::string Footer(const std::vector<const char*>& examples) {
 Parser::Parser(const Commands& commands) {
     m_app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     m_app.require_subcommand(1);
-    m_app.set_version_flag("--version", ORVA_VERSION);
+    m_app.set_version_flag("--version", ORVA_VERSION_STRING);
     m_groups.push_back({&m_app, ""});
     std::vector<const char*> examples;
     for (const auto& command : commands) {

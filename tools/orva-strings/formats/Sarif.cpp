@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include <OrvaLanguage/Version.h>
+
 #include "tools/orva-strings/cli/Json.h"
 #include "tools/orva-strings/formats/Counts.h"
 #include "tools/orva-strings/formats/Percent.h"
@@ -88,8 +90,8 @@ void WriteSarif(const Report& report, std::ostream& out) {
     out << "{\"$schema\":\"https://docs.oasis-open.org/sarif/sarif/v2.1.0/os/schemas/"
            "sarif-schema-2.1.0.json\",\n"
            "\"version\":\"2.1.0\",\n"
-           "\"runs\":[{\"tool\":{\"driver\":{\"name\":\"orva-strings\",\"version\":\"" ORVA_VERSION
-           "\",\"rules\":[";
+           "\"runs\":[{\"tool\":{\"driver\":{\"name\":\"orva-strings\",\"version\":"
+           "\"" ORVA_VERSION_STRING "\",\"rules\":[";
     const std::vector<Rule> rules = RulesIn(report);
     const char* separator = "\n";
     for (const Rule rule : rules) {
