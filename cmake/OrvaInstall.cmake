@@ -1,6 +1,7 @@
 # What `cmake --install` installs, in three components:
 # - runtime: the library that a host loads;
-# - development: its headers, and what CMake's find_package(OrvaLanguage) and pkg-config need;
+# - development: its headers and documents, and what CMake's find_package(OrvaLanguage) and
+#   pkg-config need;
 # - tools: the command and its manual page.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
@@ -13,6 +14,11 @@ install(TARGETS OrvaLanguage
     INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY include/OrvaLanguage
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+install(FILES README.md CHANGELOG.md SECURITY.md
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(DIRECTORY docs
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN docs/man EXCLUDE)
 
 set(orva_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaLanguage")
 install(EXPORT OrvaLanguageTargets
@@ -24,13 +30,24 @@ install(FILES packaging/OrvaLanguageConfig.cmake
     "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
     DESTINATION "${orva_package_dir}" COMPONENT development)
 
-# Relative to the .pc file, so that the installed tree can be moved.
-file(RELATIVE_PATH orva_pc_prefix
-    "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+# The .pc file's prefix is relative to the file, so that the installed tree can be moved. The
+# system's own prefixes are not moved: there it is absolute, since pkg-config leaves out /usr/include
+# only if it is spelt so. The prefix is known at the installation, not before.
+set(orva_pc_prefix "@prefix@")  # for the second step
 set(orva_pc_libdir "\${prefix}")
 cmake_path(APPEND orva_pc_libdir "${CMAKE_INSTALL_LIBDIR}")
 set(orva_pc_includedir "\${prefix}")
 cmake_path(APPEND orva_pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
-configure_file(packaging/OrvaLanguage.pc.in "${PROJECT_BINARY_DIR}/OrvaLanguage.pc" @ONLY)
+configure_file(packaging/OrvaLanguage.pc.in "${PROJECT_BINARY_DIR}/OrvaLanguage.pc.in" @ONLY)
+install(CODE "set(orva_build \"${PROJECT_BINARY_DIR}\")
+set(orva_libdir \"${CMAKE_INSTALL_LIBDIR}\")" COMPONENT development)
+install(SCRIPT cmake/OrvaWritePc.cmake COMPONENT development)
 install(FILES "${PROJECT_BINARY_DIR}/OrvaLanguage.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+if(PROJECT_IS_TOP_LEVEL)
+    add_custom_target(uninstall
+        COMMAND "${CMAKE_COMMAND}" -D "BUILD=${PROJECT_BINARY_DIR}"
+            -P "${PROJECT_SOURCE_DIR}/cmake/OrvaUninstall.cmake"
+        VERBATIM)
+endif()

@@ -78,7 +78,7 @@ for other in $((major - 1)).0 $((major + 1)).0 "$major.999"; do
     if finds "$other"; then echo "CMake takes $version for $other"; exit 1; fi
 done
 
-# What each component installs, apart from versions.
+# What each component installs, apart from versions and documents.
 lib=${pc%/pkgconfig/*}
 lib=${lib#"$work/prefix/"}
 case $(uname) in
@@ -97,7 +97,7 @@ holds() { # COMPONENT; the expected files on standard input, perhaps with empty 
     local found
     found=$(cd "$work/$1" && find . ! -type d | sed -E "s|^\./$lib/|LIB/|
         s/(Targets|Tools)-[a-z]+\.cmake\$/\1-CONFIG.cmake/
-        s/(\.so\.[0-9]+)\.[0-9.]+\$/\1.M.P/" | LC_ALL=C sort)
+        s/(\.so\.[0-9]+)\.[0-9.]+\$/\1.M.P/; /^\.\/share\/doc\//d" | LC_ALL=C sort)
     if ! diff <(echo "$found") <(sed '/^$/d'); then
         echo "the component $1: found (left), expected (right)"
         exit 1
@@ -125,6 +125,12 @@ holds tools <<'END'
 LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
 END
+
+# The documents: those that README leads to.
+installed_docs=$(cd "$work/development/share/doc/OrvaLanguage" && find . -name '*.md' | LC_ALL=C sort)
+source_docs=$(cd "$hosts/../../.." && find README.md CHANGELOG.md SECURITY.md docs -name '*.md' | sed 's|^|./|' | LC_ALL=C sort)
+diff <(echo "$installed_docs") <(echo "$source_docs") ||
+    { echo "the documents: installed (left), in the source (right)"; exit 1; }
 
 # A host needs only the first two.
 cp -a "$work/runtime/." "$work/development/"
