@@ -175,6 +175,11 @@ add_test(NAME exports COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/exports_test.
     "$<TARGET_FILE:OrvaLanguage>" "${PROJECT_SOURCE_DIR}/api/exports.txt"
     "${orva_exported_symbols}")
 
+add_test(NAME package_recipes
+    COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/package_recipes_test.sh" "${PROJECT_SOURCE_DIR}")
+set_tests_properties(package_recipes PROPERTIES
+    LABELS builds SKIP_RETURN_CODE 77 ENVIRONMENT "${as_this_build}")
+
 # The baseline is g++'s; another compiler may describe the same types differently.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_test(NAME abi COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/abi_test.sh"
