@@ -40,7 +40,7 @@ endfunction()
 
 # orva_write_key_shares(FOLDER): writes KeyShares.h for the library, and KeyFingerprints.h for the
 # library and the tool. The tool needs it to recognise the development key. Sets orva_key_file to
-# the path of the key file.
+# the path of the key file, and orva_key_description to words for its key.
 function(orva_write_key_shares folder)
     set(development_key "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/development.key")
     set(file "${ORVA_KEY_FILE}")
@@ -54,8 +54,10 @@ function(orva_write_key_shares folder)
         message(STATUS
             "Protected texts: the development key, which is public; for a release, set ORVA_KEY_FILE "
             "to a key file")
+        set(orva_key_description "the public development key" PARENT_SCOPE)
     else()
         message(STATUS "Protected texts: key with fingerprint ${fingerprint}")
+        set(orva_key_description "the key whose fingerprint is ${fingerprint}" PARENT_SCOPE)
     endif()
     set(orva_key_file "${file}" PARENT_SCOPE)
 
