@@ -178,6 +178,14 @@ add_test(NAME host_interface COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/host_i
     "$<TARGET_FILE:OrvaLanguage>" "${PROJECT_SOURCE_DIR}")
 set_tests_properties(host_interface PROPERTIES ENVIRONMENT "${as_this_build}")
 
+# The documents' commands are those for Linux.
+if(ORVA_INSTALL)
+    add_test(NAME documents COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/documents_test.py"
+        "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}")
+    set_tests_properties(documents PROPERTIES
+        LABELS builds TIMEOUT 300 ENVIRONMENT "${as_this_build}")
+endif()
+
 # A bundle that carries a copy of Nettle, in a root folder of its own.
 if(ORVA_BUILD_EXAMPLES)
     add_test(NAME bundle COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/bundle_test.sh"
