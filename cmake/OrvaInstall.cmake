@@ -1,7 +1,8 @@
 # What `cmake --install` installs, in three components:
 # - runtime: the library that a host loads;
-# - development: its headers, and what CMake's find_package(OrvaLanguage) and pkg-config need;
-# - tools: the command and its manual page.
+# - development: its headers, their manual pages, and what CMake's find_package(OrvaLanguage) and
+#   pkg-config need;
+# - tools: the command, and the manual pages of it and of strings files.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -13,6 +14,9 @@ install(TARGETS OrvaLanguage
     INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY include/OrvaLanguage
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+install(DIRECTORY docs/man/
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development
+    FILES_MATCHING PATTERN "*.3")
 
 set(orva_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaLanguage")
 install(EXPORT OrvaLanguageTargets

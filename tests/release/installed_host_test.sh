@@ -104,6 +104,15 @@ holds development <<END
 ./include/OrvaLanguage/KorString.h
 ./include/OrvaLanguage/KorStringMap.h
 ./include/OrvaLanguage/OrvaLanguage.h
+./share/man/man3/KorGetLocalizedString.3
+./share/man/man3/KorLoadStrings.3
+./share/man/man3/KorString.3
+./share/man/man3/KorStringMap.3
+./share/man/man3/ZuCloseBundle.3
+./share/man/man3/ZuGetLocalizedString.3
+./share/man/man3/ZuLoadStrings.3
+./share/man/man3/ZuOpenBundle.3
+./share/man/man3/libOrvaLanguage.3
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
@@ -114,6 +123,7 @@ END
 holds tools <<'END'
 ./bin/orva-strings
 ./share/man/man1/orva-strings.1
+./share/man/man5/orva-strings.5
 LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
 END
