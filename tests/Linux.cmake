@@ -178,10 +178,14 @@ add_test(NAME host_interface COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/host_i
     "$<TARGET_FILE:OrvaLanguage>" "${PROJECT_SOURCE_DIR}")
 set_tests_properties(host_interface PROPERTIES ENVIRONMENT "${as_this_build}")
 
-# Manual pages, checked with Debian's packages.
+# The documents and manual pages, checked with Debian's packages.
 add_test(NAME manuals COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/manuals_test.py"
     "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
 set_tests_properties(manuals PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+
+add_test(NAME links COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/links_test.py"
+    "${PROJECT_SOURCE_DIR}")
+set_tests_properties(links PROPERTIES LABELS builds)
 
 # The documents' commands are those for Linux.
 if(ORVA_INSTALL)
