@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""No link in the documents is dead, and docs/README.md leads to everything.
+"""No link or path in the documents is dead, and docs/README.md leads to everything.
 
 Usage: links_test.py SOURCE
 """
@@ -48,6 +48,13 @@ for document in sorted(documents):
         elif anchor and (path.suffix != ".md" or anchor not in anchors(path)):
             faults.append(f"{document.relative_to(SOURCE)}: there is no {target}")
 
+    for name in re.findall(r"`([\w.-]+/[\w./-]*)", prose(document)):
+        parts = Path(name).parts
+        if (SOURCE / parts[0]).is_dir() and parts[0] not in OUTSIDE:
+            count += 1
+            if not (SOURCE / name).exists():
+                faults.append(f"{document.relative_to(SOURCE)}: there is no {name}")
+
 reached, unread = set(), {SOURCE / "docs/README.md"}
 while unread:
     path = unread.pop()
@@ -57,5 +64,5 @@ wanted = documents | found("docs/man/*", "tools/**/*.[1-9]", "include/**/*.h*")
 for path in sorted(wanted - reached):
     faults.append(f"docs/README.md does not lead to {path.relative_to(SOURCE)}")
 
-print(f"{count} links, {len(wanted)} documents, manual pages and headers", *faults, sep="\n")
+print(f"{count} links and paths, {len(wanted)} pages and headers", *faults, sep="\n")
 sys.exit(bool(faults))
