@@ -363,9 +363,11 @@ that were compiled beforehand, and have next to nothing to load.
 
 REPRODUCING = """## Reproducing these figures
 
-    scripts/bench            # the table and this page
-    scripts/bench --short    # makes the corpora that the next command needs
-    bench/count_instructions.py build/release/bench/{host_orvalanguage,short-corpora}
+```sh
+scripts/bench            # the table and this page
+scripts/bench --short    # makes the corpora that the next command needs
+bench/count_instructions.py build/release/bench/{host_orvalanguage,short-corpora}
+```
 
 The last command counts the instructions of loads and lookups and compares them with
 [bench/instructions.json](../bench/instructions.json). Unlike times, the counts are the same in every run.

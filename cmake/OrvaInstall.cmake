@@ -1,8 +1,8 @@
 # What `cmake --install` installs, in three components:
 # - runtime: the library that a host loads;
-# - development: its headers and documents, and what CMake's find_package(OrvaLanguage) and
-#   pkg-config need;
-# - tools: the command and its manual page.
+# - development: its headers, their manual pages, the documents, and what CMake's
+#   find_package(OrvaLanguage) and pkg-config need;
+# - tools: the command, and the manual pages of it and of strings files.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -19,6 +19,9 @@ install(FILES README.md CHANGELOG.md SECURITY.md
 install(DIRECTORY docs
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
     FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN docs/man EXCLUDE)
+install(DIRECTORY docs/man/
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development
+    FILES_MATCHING PATTERN "*.3")
 
 set(orva_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaLanguage")
 install(EXPORT OrvaLanguageTargets

@@ -205,6 +205,23 @@ if(ORVA_INSTALL)
         LABELS builds SKIP_RETURN_CODE 77 TIMEOUT 300 ENVIRONMENT "${as_this_build}")
 endif()
 
+# The documents and manual pages, checked with Debian's packages.
+add_test(NAME manuals COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/manuals_test.py"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
+set_tests_properties(manuals PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+
+add_test(NAME links COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/links_test.py"
+    "${PROJECT_SOURCE_DIR}")
+set_tests_properties(links PROPERTIES LABELS builds)
+
+# The documents' commands are those for Linux.
+if(ORVA_INSTALL)
+    add_test(NAME documents COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/documents_test.py"
+        "${PROJECT_SOURCE_DIR}" "${PROJECT_BINARY_DIR}")
+    set_tests_properties(documents PROPERTIES
+        LABELS builds TIMEOUT 300 ENVIRONMENT "${as_this_build}")
+endif()
+
 # A bundle that carries a copy of Nettle, in a root folder of its own.
 if(ORVA_BUILD_EXAMPLES)
     add_test(NAME bundle COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/bundle_test.sh"

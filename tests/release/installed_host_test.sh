@@ -112,6 +112,15 @@ holds development <<END
 ./include/OrvaLanguage/Texts.h
 ./include/OrvaLanguage/Texts.hpp
 ./include/OrvaLanguage/Version.h
+./share/man/man3/KorGetLocalizedString.3
+./share/man/man3/KorLoadStrings.3
+./share/man/man3/KorString.3
+./share/man/man3/KorStringMap.3
+./share/man/man3/ZuCloseBundle.3
+./share/man/man3/ZuGetLocalizedString.3
+./share/man/man3/ZuLoadStrings.3
+./share/man/man3/ZuOpenBundle.3
+./share/man/man3/libOrvaLanguage.3
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
@@ -122,6 +131,7 @@ END
 holds tools <<'END'
 ./bin/orva-strings
 ./share/man/man1/orva-strings.1
+./share/man/man5/orva-strings.5
 LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
 END
