@@ -105,6 +105,8 @@ target_compile_definitions(resource_path_folder_tests PRIVATE
     PRINT_MAIN_BUNDLE="$<TARGET_FILE:print_main_bundle>")
 add_dependencies(resource_path_folder_tests print_main_bundle)
 
+target_sources(hosts_tests PRIVATE tools/commands/WhereTest.cpp)
+
 # The macOS sources, over stand-ins that record the system calls.
 orva_add_test_object(corefoundation_standin standin/CoreFoundationStandIn.cpp)
 target_include_directories(corefoundation_standin PRIVATE standin)
