@@ -106,6 +106,7 @@ holds development <<END
 ./include/OrvaLanguage/OrvaLanguage.h
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
+LIB/cmake/OrvaLanguage/OrvaLanguageStrings.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets.cmake
 $name_for_linkers
