@@ -29,7 +29,7 @@ install(EXPORT OrvaLanguageTargets
     DESTINATION "${orva_package_dir}" COMPONENT development)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
     COMPATIBILITY SameMajorVersion)
-install(FILES packaging/OrvaLanguageConfig.cmake
+install(FILES packaging/OrvaLanguageConfig.cmake packaging/OrvaLanguageStrings.cmake
     "${PROJECT_BINARY_DIR}/OrvaLanguageConfigVersion.cmake"
     DESTINATION "${orva_package_dir}" COMPONENT development)
 

@@ -3,6 +3,7 @@
 set(orva_platform_folder "${PROJECT_SOURCE_DIR}/platform")
 set(orva_support_folder "${PROJECT_SOURCE_DIR}/support")
 set(orva_tool_system_folder "${PROJECT_SOURCE_DIR}/tools/orva-strings/system")
+set(orva_tool_host_folder "${PROJECT_SOURCE_DIR}/tools/orva-strings/hosts")
 
 if(APPLE)
     set(orva_platform_sources "${orva_platform_folder}/ResourcePathCoreFoundation.cpp")
@@ -10,6 +11,7 @@ if(APPLE)
     set(orva_tool_sources
         "${orva_platform_folder}/Sha256CommonCrypto.cpp"
         "${orva_tool_system_folder}/AccessListMacOS.cpp")
+    set(orva_tool_host_sources "${orva_tool_host_folder}/MainBundleCoreFoundation.cpp")
 
     set(orva_system_libraries "-framework CoreFoundation")
     set(orva_static_link_flags "-framework CoreFoundation")
@@ -27,6 +29,7 @@ else()
     set(orva_tool_sources
         "${orva_platform_folder}/Sha256Nettle.cpp"
         "${orva_tool_system_folder}/AccessListLinux.cpp")
+    set(orva_tool_host_sources "${orva_tool_host_folder}/MainBundleFolder.cpp")
 
     set(orva_system_libraries PkgConfig::Nettle)
     # For Libs.private in the .pc file. Not Requires.private: a host links only the shared library

@@ -1,6 +1,8 @@
 include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageTargets.cmake")
 # OrvaLanguage::orva-strings, if the component "tools" is installed.
 include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageTools.cmake" OPTIONAL)
+# orva_add_strings, orva_generate_keys and orva_embed.
+include("${CMAKE_CURRENT_LIST_DIR}/OrvaLanguageStrings.cmake")
 
 # The components that find_package(OrvaLanguage COMPONENTS ...) may request.
 set(OrvaLanguage_runtime_FOUND TRUE)

@@ -9,6 +9,7 @@
 #include <OrvaLanguage/OrvaLanguage.h>
 
 #include "platform/ExecutablePath.h"
+#include "platform/MainBundleFolder.h"
 #include "platform/ResourcePath.h"
 
 namespace fs = std::filesystem;
@@ -91,10 +92,9 @@ fs::path ResourcesFolder(const fs::path& bundle) {
     return IsFolder(resources) ? resources : bundle;
 }
 
-// The application that the running executable belongs to, or an empty path if the system does not
-// know where the executable is.
-fs::path MainBundleFolder() {
-    const fs::path executable = ExecutablePath();
+}  // namespace
+
+fs::path MainBundleFolder(const fs::path& executable) {
     fs::path folder = executable.parent_path();
     const fs::path parent = folder.parent_path();
     if (parent.filename() == "Contents") {
@@ -108,8 +108,6 @@ fs::path MainBundleFolder() {
     }
     return folder;
 }
-
-}  // namespace
 
 __CFBundle* ZuOpenBundle(const char* path) {
     if (path == nullptr || !IsFolder(path)) {
@@ -132,7 +130,7 @@ void GetResourcePath(__CFBundle* bundle, const char* fileName,
     if (!IsUtf8(fileName)) {
         return;
     }
-    const fs::path folder = bundle != nullptr ? bundle->folder : MainBundleFolder();
+    const fs::path folder = bundle != nullptr ? bundle->folder : MainBundleFolder(ExecutablePath());
     if (folder.empty()) {
         return;
     }

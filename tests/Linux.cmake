@@ -59,6 +59,15 @@ add_test(NAME recipes COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/recipes_test.sh
     "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
 set_tests_properties(recipes PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
 
+# The run path of an embedded library, and both generators.
+if(ORVA_INSTALL)
+    add_test(NAME cmake_functions COMMAND
+        "${CMAKE_CURRENT_SOURCE_DIR}/release/cmake_functions_test.sh" "${PROJECT_BINARY_DIR}"
+        "${PROJECT_SOURCE_DIR}/docs/building.md")
+    set_tests_properties(cmake_functions PROPERTIES
+        LABELS builds SKIP_RETURN_CODE 77 TIMEOUT 600 ENVIRONMENT "${as_this_build}")
+endif()
+
 # SARIF, validated by its schema with Debian's packages.
 add_executable(print_sarif tools/formats/PrintSarif.cpp)
 target_link_libraries(print_sarif PRIVATE orva_strings_tool)
@@ -104,6 +113,8 @@ target_link_libraries(resource_path_folder_tests PRIVATE orva_internals)
 target_compile_definitions(resource_path_folder_tests PRIVATE
     PRINT_MAIN_BUNDLE="$<TARGET_FILE:print_main_bundle>")
 add_dependencies(resource_path_folder_tests print_main_bundle)
+
+target_sources(hosts_tests PRIVATE tools/commands/WhereTest.cpp)
 
 # The macOS sources, over stand-ins that record the system calls.
 orva_add_test_object(corefoundation_standin standin/CoreFoundationStandIn.cpp)

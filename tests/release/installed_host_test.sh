@@ -123,6 +123,7 @@ holds development <<END
 ./share/man/man3/libOrvaLanguage.3
 LIB/cmake/OrvaLanguage/OrvaLanguageConfig.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageConfigVersion.cmake
+LIB/cmake/OrvaLanguage/OrvaLanguageStrings.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTargets.cmake
 $name_for_linkers

@@ -228,6 +228,10 @@ TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheResultIsWritten) {
     }
     FailAtEach({"check", "--shipped", "--key-file", Path("key"), Path("protected")});
     FailAtEach({"explain", "not-utf-8"});
+    FailAtEach({"keys", "--language", "c++", Path("readable")});
+    m_folder.Write("source.c", "TextOr(\"QVLANG\", \"MENU_%s\", L\"A\" R\"(B)\");\n");
+    FailAtEach({"usage", "--source", Path("source.c"), "--keep", "*", Path("readable")});
+    FailAtEach({"where", Path("source.c"), "readable", "de"});
     FailAtEach({"key", "show", "--key-file", Path("key")});
     m_folder.Write("library", std::string(100000, ' ') +
                                   "libOrvaLanguage key fingerprint: 0123456789ABCDEF" + '\0');

@@ -990,7 +990,7 @@ TEST_F(OrvaStrings, NamesAnUnknownCommandAndTheNearest) {
         {{"otect"}, "unknown command 'otect'; did you mean 'protect'?"},
         {{"revael"}, "unknown command 'revael'; did you mean 'reveal'?"},
         {{"sectixxx"}, "unknown command 'sectixxx'"},
-        {{"keys"}, "unknown command 'keys'; did you mean 'key'?"},
+        {{"keyz"}, "unknown command 'keyz'; did you mean 'keys' or 'key'?"},
         {{"rekei"}, "unknown command 'rekei'; did you mean 'rekey'?"},
         {{"reky"}, "unknown command 'reky'; did you mean 'rekey'?"},
         {{"ke"}, "unknown command 'ke'; did you mean 'key'?"},

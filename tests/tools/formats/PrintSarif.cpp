@@ -11,11 +11,11 @@ int main() {
         bytes += static_cast<char>(byte);
     }
     Report report = {{"Sample.strings", {}}, {"/tmp/" + bytes.substr(1), {}}, {"-", {}}};
-    for (std::size_t i = 0; i < kRuleCount; ++i) {
+    for (std::size_t i = 0; i < kAllRuleCount; ++i) {
         const auto rule = static_cast<Rule>(i);
         report[0].findings.push_back({rule, Severity::kError, Place{i, i}, "en", "MENU", "{0}"});
         report[1].findings.push_back({rule, Severity::kWarning, Place{i, 0}, bytes, bytes, bytes});
-        report[2].findings.push_back({rule, Severity::kError, {}, "", "", "Größe"});
+        report[2].findings.push_back({rule, Severity::kNote, {}, "", "", "Größe"});
     }
     WriteSarif(report, std::cout);
 }

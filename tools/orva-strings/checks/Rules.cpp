@@ -333,10 +333,30 @@ const RuleText kRules[] = {
 };
 static_assert(std::size(kRules) == kRuleCount);
 
+constexpr RuleText kUsageRules[] = {
+    {"unknown-key",
+     kError,
+     "a key in a host's source that the reference lacks",
+     "A lookup of it answers null. Correct the key, or add it to the strings file.",
+     {}},
+    {"built-key",
+     Severity::kNote,
+     "the beginning of keys that a host puts together at run time",
+     "The keys that begin so and that no source has whole are not reported as unused.",
+     {}},
+    {"unused-key",
+     kWarning,
+     "a key that no source of the host mentions",
+     "Remove it, or keep it with --keep if hosts get it elsewhere.",
+     {}},
+};
+static_assert(std::size(kUsageRules) == kAllRuleCount - kRuleCount);
+
 }  // namespace
 
 const RuleText& TextOf(Rule rule) {
-    return kRules[static_cast<std::size_t>(rule)];
+    const auto index = static_cast<std::size_t>(rule);
+    return index < kRuleCount ? kRules[index] : kUsageRules[index - kRuleCount];
 }
 
 std::optional<Rule> FindRule(std::string_view name) {

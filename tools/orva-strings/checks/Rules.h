@@ -68,10 +68,17 @@ enum class Rule {
     kMaxLength,
     kBadDirective,
     kUnusedDirective,
-    kCount
+    kCheckEnd,
+    // What the command usage finds, not check.
+    kUnknownKey = kCheckEnd,
+    kBuiltKey,
+    kUnusedKey,
+    kEnd
 };
 
-constexpr std::size_t kRuleCount = static_cast<std::size_t>(Rule::kCount);
+// How many rules check has.
+constexpr std::size_t kRuleCount = static_cast<std::size_t>(Rule::kCheckEnd);
+constexpr std::size_t kAllRuleCount = static_cast<std::size_t>(Rule::kEnd);
 
 // A file that breaks a rule, and the same file mended.
 struct RuleExample {
@@ -91,7 +98,7 @@ struct RuleText {
 
 const RuleText& TextOf(Rule rule);
 
-// The rule of this name, if there is one.
+// The rule of check with this name, if there is one.
 std::optional<Rule> FindRule(std::string_view name);
 
 // "; did you mean 'A'?" for a name that no rule has, or an empty text if no rule's name is near.

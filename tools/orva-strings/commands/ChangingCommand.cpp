@@ -22,9 +22,7 @@ void ChangingCommand::Declare(Arguments& arguments) {
     arguments.AddFlag("--in-place",
                       "Write the result to FILE, whole or not at all, instead of standard output",
                       m_isInPlace);
-    arguments.Add({"-o,--output", "OUTPUT",
-                   "Write the result to OUTPUT, whole or not at all; - is standard output",
-                   Role::kOutput, false, "--in-place"},
+    arguments.Add({"-o,--output", "OUTPUT", kOutputHelp, Role::kOutput, false, "--in-place"},
                   m_output);
     arguments.AddFlag(kCheckFlag, kCheckHelp, m_isCheck);
 }

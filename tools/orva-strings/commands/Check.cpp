@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -14,17 +13,12 @@
 #include "tools/orva-strings/cli/Progress.h"
 #include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/ReportArguments.h"
 #include "tools/orva-strings/commands/RuleArguments.h"
-#include "tools/orva-strings/formats/Report.h"
 #include "tools/orva-strings/protection/MasterKey.h"
 #include "tools/orva-strings/system/Files.h"
 
 namespace {
-
-// Whether check fails because of a finding of this severity.
-bool Fails(Severity severity, const std::string& failOn) {
-    return severity == Severity::kError || (severity == Severity::kWarning && failOn == "warning");
-}
 
 class Check : public Command {
 public:
@@ -50,9 +44,7 @@ public:
                        "since",
                        Role::kFile},
                       m_base);
-        arguments.Add({"--reference", "LANGUAGE",
-                       "The section that the others are compared with; the first by default"},
-                      m_reference);
+        arguments.Add(kReference, m_reference);
         arguments.Add({"--require", "LANGUAGE",
                        "A section that must exist and have every key; may be given several times"},
                       m_required);
@@ -66,13 +58,8 @@ public:
                        "Write the findings to this file, for --baseline, instead of reporting them",
                        Role::kFile, false, "--baseline"},
                       m_newBaseline);
-        arguments.Add({"--format", "FORMAT", "The form of the output; text by default", Role::kText,
-                       false, nullptr, "text|json|sarif|github"},
-                      m_format);
-        arguments.Add({"--fail-on", "SEVERITY",
-                       "The least severe findings for exit status 1; error by default", Role::kText,
-                       false, nullptr, "error|warning"},
-                      m_failOn);
+        arguments.Add(kReportFormat, m_format);
+        arguments.Add(kFailOn, m_failOn);
         arguments.Add({"--color", "WHEN",
                        "Whether to colour text; auto, the default, colours it on a terminal",
                        Role::kText, false, nullptr, "auto|always|never"},
@@ -92,21 +79,13 @@ public:
             return isWhole ? kDone : kUsageOrSystem;
         }
         if (!report.empty()) {
-            Write(report, console);
+            WriteReport(report, m_format, UsesColor(m_color, console.IsOutTerminal()),
+                        console.Out());
         }
         if (!isWhole) {
             return kUsageOrSystem;
         }
-        const auto fails = [&](const RuleFinding& finding) {
-            return Fails(finding.severity, m_failOn);
-        };
-        return std::any_of(report.begin(), report.end(),
-                           [&](const FileReport& file) {
-                               return std::any_of(file.findings.begin(), file.findings.end(),
-                                                  fails);
-                           })
-                   ? kFindings
-                   : kDone;
+        return StatusOf(report, m_failOn);
     }
 
 private:
@@ -157,18 +136,6 @@ private:
             out << text;
         } else {
             WriteFile(m_newBaseline, [&](const TakePiece& take) { take(text); });
-        }
-    }
-
-    void Write(const Report& report, const Console& console) const {
-        if (m_format == "json") {
-            WriteJson(report, console.Out());
-        } else if (m_format == "sarif") {
-            WriteSarif(report, console.Out());
-        } else if (m_format == "github") {
-            WriteGitHub(report, console.Out());
-        } else {
-            WriteText(report, UsesColor(m_color, console.IsOutTerminal()), console.Out());
         }
     }
 

@@ -19,6 +19,18 @@ constexpr Argument kTextOrJson = {"--format",  "FORMAT", "The form of the output
                                   Role::kText, false,    nullptr,
                                   "text|json"};
 
+constexpr Argument kReference = {
+    "--reference", "LANGUAGE",
+    "The section that the others are compared with; the first by default"};
+
+constexpr Argument kScope = {
+    "--scope", "NAME",
+    "What holds the constants: a namespace in C++, by default keys, an enumeration in Swift, by "
+    "default Keys; in C, what their names begin with, by default KEY"};
+
+constexpr char kOutputHelp[] =
+    "Write the result to OUTPUT, whole or not at all; - is standard output";
+
 constexpr char kCheckFlag[] = "--check";
 constexpr char kCheckHelp[] =
     "Change nothing; say what would change, and end with exit status 1 if anything would";

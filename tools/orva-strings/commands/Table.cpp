@@ -6,16 +6,20 @@ std::unique_ptr<Command> MakeExplain();
 std::unique_ptr<Command> MakeFix();
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
+std::unique_ptr<Command> MakeKeys();
 std::unique_ptr<Command> MakeProtect();
 std::unique_ptr<Command> MakeRekey();
 std::unique_ptr<Command> MakeReveal();
 std::unique_ptr<Command> MakeSections();
 std::unique_ptr<Command> MakeShow();
+std::unique_ptr<Command> MakeUsage();
+std::unique_ptr<Command> MakeWhere();
 
 Commands MakeCommands() {
     Commands commands;
-    for (const auto make : {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain,
-                            MakeShow, MakeSections, MakeKeyNew, MakeKeyShow}) {
+    for (const auto make :
+         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain, MakeShow,
+          MakeSections, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;

@@ -9,14 +9,23 @@ std::string Counted(std::size_t count, const char* what) {
 }  // namespace
 
 const char* NameOf(Severity severity) {
-    return severity == Severity::kError ? "error" : "warning";
+    switch (severity) {
+        case Severity::kNote:
+            return "note";
+        case Severity::kWarning:
+            return "warning";
+        case Severity::kError:
+            break;
+    }
+    return "error";
 }
 
 Counts CountsIn(const Report& report) {
     Counts counts;
     for (const FileReport& file : report) {
         for (const RuleFinding& finding : file.findings) {
-            ++(finding.severity == Severity::kError ? counts.errors : counts.warnings);
+            counts.errors += finding.severity == Severity::kError ? 1U : 0U;
+            counts.warnings += finding.severity == Severity::kWarning ? 1U : 0U;
         }
     }
     return counts;

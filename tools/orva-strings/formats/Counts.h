@@ -8,9 +8,10 @@
 #include "tools/orva-strings/cli/Finding.h"
 #include "tools/orva-strings/formats/Report.h"
 
-// "error" or "warning": check finds nothing else.
+// "error", "warning" or "note".
 const char* NameOf(Severity severity);
 
+// Notes are not counted.
 struct Counts {
     std::size_t errors = 0;
     std::size_t warnings = 0;

@@ -25,7 +25,8 @@ void WriteCommands(const Report& report, bool areErrors, std::ostream& out) {
             if ((finding.severity == Severity::kError) != areErrors) {
                 continue;
             }
-            out << "::" << NameOf(finding.severity) << " file=" << name;
+            const bool isNote = finding.severity == Severity::kNote;
+            out << "::" << (isNote ? "notice" : NameOf(finding.severity)) << " file=" << name;
             if (finding.place) {
                 out << ",line=" << finding.place->line + 1 << ",col=" << finding.place->column + 1;
             }

@@ -42,7 +42,7 @@ std::string Uri(const std::string& file) {
 // The rules that have findings, in the order of their first.
 std::vector<Rule> RulesIn(const Report& report) {
     std::vector<Rule> rules;
-    std::array<bool, kRuleCount> isListed = {};
+    std::array<bool, kAllRuleCount> isListed = {};
     for (const FileReport& file : report) {
         for (const RuleFinding& finding : file.findings) {
             bool& isKnown = isListed[static_cast<std::size_t>(finding.rule)];

@@ -1,0 +1,194 @@
+#!/usr/bin/env bash
+# Builds a host with the package's CMake functions from the installed library, with Make and with
+# Ninja: what it makes, what it makes anew after a change, that an error leaves nothing behind, and that
+# the host runs where it is copied or installed.
+#
+# Usage: cmake_functions_test.sh BUILD DOCUMENT,   DOCUMENT: docs/building.md
+#        with this build's CC, CXX, CFLAGS and CXXFLAGS
+# Exits with 77 if make or ninja is missing.
+set -euo pipefail
+build=$1 document=$2
+for program in make ninja; do
+    command -v "$program" >/dev/null || { echo "skipped: there is no $program"; exit 77; }
+done
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() {
+    printf '%s\n' "$*"
+    cat "$work/log"
+    exit 1
+}
+expect() { # WHAT EXPECTED FOUND
+    [ "$3" = "$2" ] || fail "$1: '$3', not '$2'"
+}
+
+cmake --install "$build" --prefix "$work/prefix" >"$work/log"
+tool=$work/prefix/bin/orva-strings
+host=$work/host
+mkdir "$host"
+cat >"$host/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.22)
+project(MyApp LANGUAGES CXX)
+find_package(OrvaLanguage 1.0 REQUIRED)
+add_executable(myapp main.cpp)
+target_compile_features(myapp PRIVATE cxx_std_17)
+target_link_libraries(myapp PRIVATE OrvaLanguage::OrvaLanguage)
+if(CONTENTS)
+    set_target_properties(myapp PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CONTENTS}/Linux")
+endif()
+orva_add_strings(TARGET myapp SOURCE "My App.strings" NAME App.strings CHECK ${more})
+orva_generate_keys(TARGET myapp SOURCE "My App.strings" LANGUAGE c++ SCOPE app::keys)
+orva_embed(TARGET myapp)
+install(TARGETS myapp)
+END
+cat >"$host/main.cpp" <<'END'
+#include <Keys.h>
+#include <OrvaLanguage/OrvaLanguage.h>
+#include <cstdio>
+int main() {
+    if (ZuLoadStrings("", "App.strings", nullptr) < 1) {
+        return 1;
+    }
+    std::printf("%s, %s\n", ZuGetLocalizedString(app::keys::GREETING),
+                ZuGetLocalizedString(app::keys::IDE_NAME));
+}
+END
+write_strings() { printf 'QVLANG=en\nGREETING="%s"\nIDE_NAME="My App"\n' "$1" >"$host/My App.strings"; }
+configure() { # FOLDER GENERATOR ARGUMENT…
+    cmake -S "$host" -B "$work/$1" -G "$2" -DCMAKE_PREFIX_PATH="$work/prefix" \
+        -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" "${@:3}" >"$work/log" 2>&1
+}
+# The files that a build made or changed, apart from its own notes.
+made() { # FOLDER
+    touch "$work/before"
+    sleep 0.02  # a file system's clock may be coarse
+    cmake --build "$work/$1" >"$work/log" 2>&1 || return 1
+    (cd "$work/$1" && find . -type f -newer "$work/before" ! -name '.ninja*' ! -name '*.stamp' \
+        ! -path './CMakeFiles/*' | LC_ALL=C sort | tr '\n' ' ')
+}
+later() { sleep 1.1; } # for a build system that compares whole seconds
+
+for generator in "Unix Makefiles" Ninja; do
+    name=${generator##* }
+    write_strings Hello
+    configure "$name" "$generator" || fail "$generator does not configure:"
+    expect "$generator makes" \
+        './App.strings ./myapp ./myapp_orva/keys/Keys.h ' \
+        "$(made "$name" | sed -E 's|\./myapp_orva/lib/[^ ]* ||g')"
+    expect "the host of $generator says" 'Hello, My App' "$("$work/$name/myapp")"
+    grep -qE '^IDE_NAME="[0-9A-F]{64}"$' "$work/$name/App.strings" || fail "the text is not protected:"
+
+    later
+    expect "a second build of $generator makes" '' "$(made "$name")"
+    touch "$host/My App.strings"
+    expect "after the strings file was touched, $generator makes" './App.strings ' "$(made "$name")"
+    later
+    expect "and then" '' "$(made "$name")"
+    write_strings Hi
+    expect "after a text has changed, $generator makes" \
+        './App.strings ./myapp ./myapp_orva/keys/Keys.h ' "$(made "$name")"
+    expect "the host of $generator says" 'Hi, My App' "$("$work/$name/myapp")"
+
+    # A finding fails the build, is shown, and leaves what was there. Mended, the build goes on.
+    later
+    cp "$work/$name/App.strings" "$work/good"
+    printf 'QVLANG =de\nGREETING="x"\n' >>"$host/My App.strings"
+    if made "$name" >"$work/made"; then fail "$generator builds with an error in the strings file:"; fi
+    grep -F 'My App.strings:4:' "$work/log" | grep -F '[near-header]' >/dev/null ||
+        fail "$generator does not show the finding:"
+    cmp "$work/good" "$work/$name/App.strings"
+    expect "beside it there are" '' "$(find "$work/$name/myapp_orva" -name App.strings)"
+    write_strings Hi
+    made "$name" >"$work/made" || fail "$generator does not build the mended file:"
+
+    # A misspelt key does not compile.
+    later
+    sed -i.bak 's/keys::GREETING/keys::GREETNIG/' "$host/main.cpp"
+    if made "$name" >"$work/made"; then fail "$generator builds a host with a misspelt key:"; fi
+    grep -F GREETNIG "$work/log" >/dev/null || fail "the compiler does not name the key:"
+    mv "$host/main.cpp.bak" "$host/main.cpp"
+    made "$name" >"$work/made" || fail "$generator does not build:"
+done
+
+# Installed, and moved: the host finds its texts and its libraries.
+cmake --install "$work/Ninja" --prefix "$work/installed" >"$work/log"
+mv "$work/installed" "$work/moved"
+mv "$work/prefix/lib" "$work/prefix/gone"
+expect "the installed host says" 'Hi, My App' "$("$work/moved/bin/myapp")"
+expect "it has the libraries" 'libOrvaLanguage libnettle ' \
+    "$(find "$work/moved/lib/myapp" -type f -exec basename {} \; | sed 's/\..*//' | sort | tr '\n' ' ')"
+ldd "$work/moved/lib/myapp"/libOrvaLanguage.* | grep -F "$work/moved/lib/myapp/libnettle" >/dev/null ||
+    fail "the library does not find the copy of Nettle"
+mv "$work/prefix/gone" "$work/prefix/lib"
+
+# A folder laid out like a bundle, with a key of its own, ready to ship.
+"$tool" key new "$work/key"
+configure bundle Ninja -DCONTENTS="$work/My App/Contents" "-Dmore=KEY_FILE;$work/key;SHIPPED" ||
+    fail "the bundle does not configure:"
+cmake --build "$work/bundle" >"$work/log" 2>&1 || fail "the bundle does not build:"
+expect "the bundle has" './Contents/Frameworks/libOrvaLanguage ./Contents/Frameworks/libnettle ./Contents/Linux/myapp ./Contents/Resources/App ' \
+    "$(cd "$work/My App" && find . -type f | sed -E 's/(\/[^/.]*)\.[^/]*$/\1/' | LC_ALL=C sort | tr '\n' ' ')"
+"$tool" check --shipped --key-file "$work/key" "$work/My App/Contents/Resources/App.strings" >"$work/log" ||
+    fail "the bundle's texts do not decode with its key:"
+mv "$work/prefix/lib" "$work/prefix/gone"
+expect "the bundle's library is" "$work/My App/Contents/Frameworks" \
+    "$(ldd "$work/My App/Contents/Linux/myapp" | sed -nE 's|.*=> (.*)/Linux/\.\./Frameworks/libOrvaLanguage.*|\1/Frameworks|p')"
+mv "$work/prefix/gone" "$work/prefix/lib"
+
+# SHIPPED refuses the development key.
+configure development Ninja -Dmore=SHIPPED || fail "it does not configure:"
+if cmake --build "$work/development" >"$work/log" 2>&1; then fail "texts of the development key are shipped:"; fi
+grep -F '[development-key]' "$work/log" >/dev/null || fail "the build does not say why it ends:"
+[ ! -e "$work/development/App.strings" ] || fail "the build leaves the refused file"
+
+# What the document shows is a whole application.
+mkdir -p "$work/documented/src"
+awk '/^## /{is_inside = 0} /^## An application that ships$/{is_inside = 1}
+     /^```$/{is_code = 0} is_inside && is_code; /^```cmake$/{is_code = 1}' \
+    "$document" >"$work/documented/CMakeLists.txt"
+printf 'QVLANG=en\nMENU_OPEN="Open"\n' >"$work/documented/MyApp.strings"
+sed 's/App.strings/MyApp.strings/; s/app::keys::[A-Z_]*/keys::MENU_OPEN/' "$host/main.cpp" \
+    >"$work/documented/src/main.cpp"
+host=$work/documented configure shown Ninja || fail "the document's application does not configure:"
+cmake --build "$work/shown" >"$work/log" 2>&1 || fail "the document's application does not build:"
+ctest --test-dir "$work/shown" >"$work/log" 2>&1 || fail "the document's test fails:"
+grep -F '100% tests passed, 0 tests failed out of 1' "$work/log" >/dev/null || fail "it has no test:"
+cmake --install "$work/shown" --prefix "$work/documented/root" >"$work/log"
+expect "the document's application says" 'Open, Open' "$("$work/documented/root/bin/myapp")"
+
+# Constants cause no warning and leave nothing in a program that does not use them.
+printf 'QVLANG=en\nMENU_A="*/ /* \\"\nmenu.b="??/"\nA"B\\%s="c"\nIDE_X="x"\n' '????/' >"$work/odd.strings"
+"$tool" keys --language c -o "$work/keys_c.h" "$work/odd.strings" 2>"$work/log"
+sed -i.bak '/^A"/d' "$work/odd.strings"  # its name is reserved in C++
+"$tool" keys --language c++ -o "$work/keys_cpp.h" "$work/odd.strings" 2>"$work/log"
+strict=(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -c -o "$work/keys.o")
+printf '#include "keys_c.h"\nint used;\n' >"$work/keys.c"
+printf '#include "keys_cpp.h"\nint used;\n' >"$work/keys.cpp"
+unused() { # COMMAND…
+    "$@" >"$work/log" 2>&1 || fail "the constants do not compile:"
+    expect "an object that uses no constant has" 'used' "$(nm "$work/keys.o" | awk '{print $NF}')"
+}
+unused "$CC" -std=c99 "${strict[@]}" "$work/keys.c"
+unused "$CXX" -std=c++17 "${strict[@]}" "$work/keys.cpp"
+unused "$CXX" -std=c++17 "${strict[@]}" -include "$work/keys_c.h" "$work/keys.cpp"
+
+# Wrong arguments, and no command.
+refused() { # MESSAGE CALL
+    printf 'cmake_minimum_required(VERSION 3.22)\nproject(Wrong LANGUAGES CXX)\nfind_package(OrvaLanguage REQUIRED)\nadd_executable(myapp main.cpp)\n%s\n' \
+        "$2" >"$work/wrong/CMakeLists.txt"
+    if cmake -S "$work/wrong" -B "$work/wrong/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
+        -DCMAKE_CXX_COMPILER="$CXX" >"$work/log" 2>&1; then
+        fail "accepted: $2"
+    fi
+    tr -s ' \n' '  ' <"$work/log" | grep -F "$1" >/dev/null || fail "$2 does not say '$1':"
+}
+mkdir "$work/wrong"
+cp "$host/main.cpp" "$work/wrong/"
+refused 'orva_add_strings: SOURCE must name' 'orva_add_strings(TARGET myapp)'
+refused "TARGET must name a target, not 'other'" 'orva_embed(TARGET other)'
+refused 'unknown or without a value: CHEK' 'orva_add_strings(TARGET myapp SOURCE a.strings CHEK)'
+refused 'LANGUAGE must be c, c++ or swift' 'orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE java)'
+rm "$work/prefix/lib"*/cmake/OrvaLanguage/OrvaLanguageTools* "$work/prefix/lib"/*/cmake/OrvaLanguage/OrvaLanguageTools* 2>/dev/null || true
+rm "$tool"
+refused 'There is no orva-strings' 'orva_add_strings(TARGET myapp SOURCE a.strings)'
+echo "the functions make what is needed, once"
