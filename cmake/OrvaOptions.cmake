@@ -38,7 +38,7 @@ option(ORVA_INSTALL "Add install rules" ${PROJECT_IS_TOP_LEVEL})
 option(ORVA_BUILD_TOOLS "Build the orva-strings command" ${PROJECT_IS_TOP_LEVEL})
 option(ORVA_WARNINGS_AS_ERRORS "Make every compiler warning an error" OFF)
 set(ORVA_STRINGS_EXECUTABLE "" CACHE FILEPATH
-    "The orva-strings with which to protect the sample host's texts; empty: the one built here")
+    "The orva-strings with which to protect the texts of the examples; empty: the one built here")
 if(NOT ORVA_STRINGS_EXECUTABLE STREQUAL "" AND NOT EXISTS "${ORVA_STRINGS_EXECUTABLE}")
     message(FATAL_ERROR
         "ORVA_STRINGS_EXECUTABLE: there is no file ${ORVA_STRINGS_EXECUTABLE}.")
@@ -64,5 +64,13 @@ endif()
 orva_part(ORVA_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL} "${orva_tests_unavailable}")
 orva_part(ORVA_BUILD_EXAMPLES "Build the sample host" ${PROJECT_IS_TOP_LEVEL}
     "${orva_examples_unavailable}")
+set(orva_windows_unavailable "")
+if(APPLE)
+    set(orva_windows_unavailable "they are for Linux.")
+elseif(NOT ORVA_BUILD_EXAMPLES)
+    set(orva_windows_unavailable "they need ORVA_BUILD_EXAMPLES.")
+endif()
+orva_part(ORVA_BUILD_WINDOWS "Build the sample windows with Qt 6 and GTK 4 (Linux)" OFF
+    "${orva_windows_unavailable}")
 orva_part(ORVA_BUILD_BENCHMARKS "Build the benchmarks (Linux)" OFF "${orva_tools_unavailable}")
 orva_part(ORVA_BUILD_FUZZERS "Build the fuzzers (clang++)" OFF "${orva_tools_unavailable}")

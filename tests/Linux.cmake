@@ -233,6 +233,12 @@ if(ORVA_INSTALL)
         LABELS builds TIMEOUT 300 ENVIRONMENT "${as_this_build}")
 endif()
 
+# The sample windows, on a display without a screen, with toolkits from Debian's packages.
+add_test(NAME windows COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/windows_test.sh"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
+set_tests_properties(windows PROPERTIES
+    LABELS builds TIMEOUT 300 SKIP_RETURN_CODE 77 ENVIRONMENT "${as_this_build}")
+
 # A bundle that carries a copy of Nettle, in a root folder of its own.
 if(ORVA_BUILD_EXAMPLES)
     add_test(NAME bundle COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/bundle_test.sh"

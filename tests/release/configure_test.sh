@@ -131,7 +131,7 @@ does_not_say "is off"
 "$tool" key new "$work/key"
 accepts -UCMAKE_CROSSCOMPILING_EMULATOR -DORVA_STRINGS_EXECUTABLE="$tool" -DORVA_KEY_FILE="$work/key"
 does_not_say "ORVA_BUILD_EXAMPLES is off"
-makes SampleResources
+makes SampleHost_orva_strings_Sample_strings
 shipped=$tree/examples/SampleHost.app/Contents/Resources/Sample.strings
 grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$shipped" || fail "the sample's text is not protected"
 "$tool" reveal --key-file "$work/key" "$shipped" | cmp - "$source/examples/SampleHost/Sample.strings" ||
@@ -140,7 +140,7 @@ grep -qE '^IDE_LICENSE="[0-9A-F]{64,}"$' "$shipped" || fail "the sample's text i
 "$tool" key new "$work/other"
 sleep 1  # so that its time differs, even in whole seconds
 cat "$work/other" >"$work/key"
-makes SampleResources
+makes SampleHost_orva_strings_Sample_strings
 "$tool" reveal --key-file "$work/other" "$shipped" 2>"$work/log" | cmp - "$source/examples/SampleHost/Sample.strings" ||
     fail "the sample's text is not protected with the key that the file holds now:"
 [ ! -e "$tree/tools/orva-strings/orva-strings" ] || fail "the build made a tool of its own for that"
