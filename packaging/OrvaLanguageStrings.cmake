@@ -26,6 +26,11 @@ if(CMAKE_SCRIPT_MODE_FILE STREQUAL CMAKE_CURRENT_LIST_FILE)
     return()
 endif()
 
+# The application's own, which only its project can set. Its CMAKE_MINIMUM_REQUIRED_VERSION may be that
+# of a package that it found last.
+cmake_policy(GET CMP0112 orva_target_policy)
+cmake_policy(VERSION 3.22)
+
 # orva_add_strings(TARGET app SOURCE file [NAME name] [KEY_FILE keyfile] [CHECK] [SHIPPED])
 #
 # Protects a strings file and puts it among the application's resources, under its own name or NAME.
@@ -160,7 +165,8 @@ macro(_orva_arguments function flags values arguments)
     if("${values}" MATCHES "SOURCE" AND NOT arg_SOURCE)
         message(FATAL_ERROR "${function}: SOURCE must name a strings file.")
     endif()
-    if(CMAKE_MINIMUM_REQUIRED_VERSION VERSION_LESS 3.22)
+    # Otherwise the name of a target's folder would make a cycle of dependencies.
+    if(DEFINED orva_target_policy AND NOT orva_target_policy STREQUAL "NEW")
         message(FATAL_ERROR "${function} needs cmake_minimum_required(VERSION 3.22).")
     endif()
 endmacro()

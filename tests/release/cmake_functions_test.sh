@@ -29,7 +29,9 @@ mkdir "$host"
 cat >"$host/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.22)
 project(MyApp LANGUAGES CXX)
+find_package(Other REQUIRED PATHS "${CMAKE_CURRENT_SOURCE_DIR}")
 find_package(OrvaLanguage 1.0 REQUIRED)
+find_package(Other REQUIRED PATHS "${CMAKE_CURRENT_SOURCE_DIR}")
 add_executable(myapp main.cpp)
 target_compile_features(myapp PRIVATE cxx_std_17)
 target_link_libraries(myapp PRIVATE OrvaLanguage::OrvaLanguage)
@@ -41,6 +43,8 @@ orva_generate_keys(TARGET myapp SOURCE "My App.strings" LANGUAGE c++ SCOPE app::
 orva_embed(TARGET myapp)
 install(TARGETS myapp)
 END
+# Another package, for older versions of CMake, changes what the host's own seems to be.
+echo 'cmake_minimum_required(VERSION 3.16)' >"$host/OtherConfig.cmake"
 cat >"$host/main.cpp" <<'END'
 #include <Keys.h>
 #include <OrvaLanguage/OrvaLanguage.h>
@@ -173,9 +177,9 @@ unused "$CXX" -std=c++17 "${strict[@]}" "$work/keys.cpp"
 unused "$CXX" -std=c++17 "${strict[@]}" -include "$work/keys_c.h" "$work/keys.cpp"
 
 # Wrong arguments, and no command.
-refused() { # MESSAGE CALL
-    printf 'cmake_minimum_required(VERSION 3.22)\nproject(Wrong LANGUAGES CXX)\nfind_package(OrvaLanguage REQUIRED)\nadd_executable(myapp main.cpp)\n%s\n' \
-        "$2" >"$work/wrong/CMakeLists.txt"
+refused() { # MESSAGE CALL [VERSION]
+    printf 'cmake_minimum_required(VERSION %s)\nproject(Wrong LANGUAGES CXX)\nfind_package(OrvaLanguage REQUIRED)\nadd_executable(myapp main.cpp)\n%s\n' \
+        "${3:-3.22}" "$2" >"$work/wrong/CMakeLists.txt"
     if cmake -S "$work/wrong" -B "$work/wrong/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
         -DCMAKE_CXX_COMPILER="$CXX" >"$work/log" 2>&1; then
         fail "accepted: $2"
@@ -188,6 +192,7 @@ refused 'orva_add_strings: SOURCE must name' 'orva_add_strings(TARGET myapp)'
 refused "TARGET must name a target, not 'other'" 'orva_embed(TARGET other)'
 refused 'unknown or without a value: CHEK' 'orva_add_strings(TARGET myapp SOURCE a.strings CHEK)'
 refused 'LANGUAGE must be c, c++ or swift' 'orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE java)'
+refused 'needs cmake_minimum_required(VERSION 3.22)' 'orva_add_strings(TARGET myapp SOURCE a.strings)' 3.16
 rm "$work/prefix/lib"*/cmake/OrvaLanguage/OrvaLanguageTools* "$work/prefix/lib"/*/cmake/OrvaLanguage/OrvaLanguageTools* 2>/dev/null || true
 rm "$tool"
 refused 'There is no orva-strings' 'orva_add_strings(TARGET myapp SOURCE a.strings)'
