@@ -88,9 +88,9 @@ private:
             return Fail("a load returns 0: the file has no section", console);
         }
         const std::string section = ZuGetLocalizedString("QVLANG");
-        console.Out() << "load:       "
-                      << Count(static_cast<std::size_t>(count), "entry", "entries") << ", section "
-                      << PrintableName(section) << '\n';
+        const std::string entries = Count(static_cast<std::size_t>(count), "entry", "entries");
+        const std::string shown = PrintableName(section);
+        console.Out() << "load:       " << entries << ", section " << shown << '\n';
         if (!m_language.empty() && !IsName(section, m_language.c_str())) {
             console.Say(Severity::kWarning,
                         "there is no section " + m_language + ", so a load takes the first one");
