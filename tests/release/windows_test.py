@@ -140,10 +140,12 @@ def take_screenshot():
 
 
 ready, display = os.pipe()
+# Without a reset when the last program leaves, during which others can't connect.
 server = subprocess.Popen(
-    ["Xvfb", "-screen", "0", "640x480x24", "-displayfd", str(display)], pass_fds=[display])
+    ["Xvfb", "-noreset", "-screen", "0", "640x480x24", "-displayfd", str(display)],
+    pass_fds=[display])
 os.close(display)
-os.environ["DISPLAY"] = ":" + os.read(ready, 16).decode().strip()
+os.environ["DISPLAY"] = ":" + os.fdopen(ready).readline().strip()
 started = [server]
 try:
     started.append(subprocess.Popen(["openbox"]))
