@@ -19,6 +19,10 @@ install(FILES README.md CHANGELOG.md SECURITY.md
 install(DIRECTORY docs
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
     FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg" PATTERN docs/man EXCLUDE)
+# Beside the documents, which link to them.
+install(DIRECTORY examples
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+    PATTERN CMakeLists.txt EXCLUDE)
 install(DIRECTORY docs/man/
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development
     FILES_MATCHING PATTERN "*.3")

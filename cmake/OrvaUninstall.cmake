@@ -22,7 +22,7 @@ foreach(list IN LISTS lists)
         endif()
         # The project's own folders, once they are empty; the others may have been there before.
         cmake_path(GET file PARENT_PATH folder)
-        while(folder MATCHES "/OrvaLanguage(/docs(/[^/]+)?)?$" AND EXISTS "${folder}")
+        while(folder MATCHES "/OrvaLanguage(/(docs|examples)(/[^/]+)?)?$" AND EXISTS "${folder}")
             file(GLOB content "${folder}/*")
             if(NOT content STREQUAL "")
                 break()

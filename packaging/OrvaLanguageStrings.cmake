@@ -9,9 +9,30 @@
 # - any other: resources beside the executable and, once installed in PREFIX/bin, in
 #   PREFIX/share/EXECUTABLE; libraries, once installed, in PREFIX/lib/EXECUTABLE.
 #
-# Run as a script, this file copies a library, and the Nettle that it needs, to a folder.
+# Run as a script, this file compares the keys of a library and of a key file (or of orva-strings), or
+# copies a library, and the Nettle that it needs, to a folder.
 if(CMAKE_SCRIPT_MODE_FILE STREQUAL CMAKE_CURRENT_LIST_FILE)
     cmake_policy(VERSION 3.22)
+    if(COMMAND_FILE)
+        set(key "")
+        if(KEY_FILE)
+            set(key --key-file "${KEY_FILE}")
+        endif()
+        foreach(arguments IN ITEMS "--library;${LIBRARY}" "${key}")
+            execute_process(COMMAND "${COMMAND_FILE}" key show ${arguments}
+                OUTPUT_VARIABLE shown COMMAND_ERROR_IS_FATAL ANY)
+            string(REGEX MATCH "fingerprint: [0-9A-F]+" shown "${shown}")
+            list(APPEND fingerprints "${shown}")
+        endforeach()
+        list(REMOVE_DUPLICATES fingerprints)
+        list(LENGTH fingerprints length)
+        if(NOT length EQUAL 1)
+            list(JOIN fingerprints ", but " fingerprints)
+            message(FATAL_ERROR "The library has another key than the texts: it has ${fingerprints} "
+                "is theirs. Its lookups would answer null. ${LIBRARY}")
+        endif()
+        return()
+    endif()
     file(MAKE_DIRECTORY "${FOLDER}")
     file(COPY_FILE "${LIBRARY}" "${FOLDER}/${NAME}" ONLY_IF_DIFFERENT)
     if(NOT CMAKE_HOST_APPLE)
@@ -37,7 +58,7 @@ cmake_policy(VERSION 3.22)
 # KEY_FILE is the key of the library that the application is shipped with, if orva-strings is of
 # another build. With CHECK, errors that `orva-strings check` finds in the source fail the build; with
 # SHIPPED, those that `check --shipped` finds in the result, such as texts protected with the
-# development key.
+# development key, and a library that has another key than the texts.
 function(orva_add_strings)
     _orva_arguments(orva_add_strings "CHECK;SHIPPED" "TARGET;SOURCE;NAME;KEY_FILE" "${ARGN}")
     _orva_layout("${arg_TARGET}")
@@ -57,7 +78,11 @@ function(orva_add_strings)
     endif()
     set(check_result "")
     if(arg_SHIPPED)
-        set(check_result COMMAND ${command} check --shipped ${key} "${work}/${arg_NAME}")
+        set(check_result
+            COMMAND ${command} check --shipped ${key} "${work}/${arg_NAME}"
+            COMMAND "${CMAKE_COMMAND}" "-DCOMMAND_FILE=${command_file}" "-DKEY_FILE=${arg_KEY_FILE}"
+                "-DLIBRARY=$<TARGET_FILE:OrvaLanguage::OrvaLanguage>"
+                -P "${CMAKE_CURRENT_FUNCTION_LIST_FILE}")
     endif()
     # The file gets to its place only if nothing has failed, in one step.
     add_custom_command(OUTPUT "${work}/${arg_NAME}.stamp"
@@ -68,6 +93,7 @@ function(orva_add_strings)
         COMMAND "${CMAKE_COMMAND}" -E rename "${work}/${arg_NAME}" "${resources}/${arg_NAME}"
         COMMAND "${CMAKE_COMMAND}" -E touch "${work}/${arg_NAME}.stamp"
         DEPENDS "${arg_SOURCE}" ${arg_KEY_FILE} "${command_file}"
+            "$<$<BOOL:${arg_SHIPPED}>:$<TARGET_FILE:OrvaLanguage::OrvaLanguage>>"
         COMMENT "Protecting the texts of ${arg_TARGET}: ${arg_NAME}"
         VERBATIM)
     _orva_depend("${arg_TARGET}" "strings_${arg_NAME}" "${work}/${arg_NAME}.stamp")
@@ -140,8 +166,14 @@ function(orva_embed)
         set_target_properties(${arg_TARGET} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
     endif()
     set_property(TARGET ${arg_TARGET} APPEND PROPERTY INSTALL_RPATH "${run_path}")
+    if(NOT APPLE)
+        # A packaged library has no run path of its own. Then the loader looks for Nettle where the old
+        # kind of the application's says.
+        target_link_options(${arg_TARGET} PRIVATE LINKER:--disable-new-dtags)
+    endif()
     set(library OrvaLanguage::OrvaLanguage)
     add_custom_command(OUTPUT "${work}/library.stamp"
+        COMMAND "${CMAKE_COMMAND}" -E make_directory "${work}"
         COMMAND "${CMAKE_COMMAND}" "-DFOLDER=${folder}" "-DLIBRARY=$<TARGET_FILE:${library}>"
             "-DNAME=$<TARGET_SONAME_FILE_NAME:${library}>"
             -P "${CMAKE_CURRENT_FUNCTION_LIST_FILE}"

@@ -125,9 +125,9 @@ ldd "$work/moved/lib/myapp"/libOrvaLanguage.* | grep -F "$work/moved/lib/myapp/l
     fail "the library does not find the copy of Nettle"
 mv "$work/prefix/gone" "$work/prefix/lib"
 
-# A folder laid out like a bundle, with a key of its own, ready to ship.
+# A folder laid out like a bundle, with a key of its own.
 "$tool" key new "$work/key"
-configure bundle Ninja -DCONTENTS="$work/My App/Contents" "-Dmore=KEY_FILE;$work/key;SHIPPED" ||
+configure bundle "Unix Makefiles" -DCONTENTS="$work/My App/Contents" "-Dmore=KEY_FILE;$work/key" ||
     fail "the bundle does not configure:"
 cmake --build "$work/bundle" >"$work/log" 2>&1 || fail "the bundle does not build:"
 expect "the bundle has" './Contents/Frameworks/libOrvaLanguage ./Contents/Frameworks/libnettle ./Contents/Linux/myapp ./Contents/Resources/App ' \
@@ -138,12 +138,28 @@ mv "$work/prefix/lib" "$work/prefix/gone"
 expect "the bundle's library is" "$work/My App/Contents/Frameworks" \
     "$(ldd "$work/My App/Contents/Linux/myapp" | sed -nE 's|.*=> (.*)/Linux/\.\./Frameworks/libOrvaLanguage.*|\1/Frameworks|p')"
 mv "$work/prefix/gone" "$work/prefix/lib"
+# As Debian's package has it, the library has no run path.
+echo "file(RPATH_REMOVE FILE [[$(realpath "$work/My App/Contents/Frameworks"/libOrvaLanguage.*)]])" >"$work/strip.cmake"
+cmake -P "$work/strip.cmake"
+ldd "$work/My App/Contents/Linux/myapp" | grep -F "/Linux/../Frameworks/libnettle" >/dev/null ||
+    fail "a library without a run path does not find the copy of Nettle"
 
 # SHIPPED refuses the development key.
 configure development Ninja -Dmore=SHIPPED || fail "it does not configure:"
 if cmake --build "$work/development" >"$work/log" 2>&1; then fail "texts of the development key are shipped:"; fi
 grep -F '[development-key]' "$work/log" >/dev/null || fail "the build does not say why it ends:"
 [ ! -e "$work/development/App.strings" ] || fail "the build leaves the refused file"
+
+# It refuses a library with another key than the texts.
+configure mismatch Ninja "-Dmore=KEY_FILE;$work/key;SHIPPED" || fail "it does not configure:"
+if cmake --build "$work/mismatch" >"$work/log" 2>&1; then fail "texts that the library can't decode are shipped:"; fi
+grep -F 'The library has another key than the texts' "$work/log" >/dev/null ||
+    fail "the build does not say why it ends:"
+[ ! -e "$work/mismatch/App.strings" ] || fail "the build leaves the refused file"
+functions=$(find "$work/prefix" -name OrvaLanguageStrings.cmake)
+library=$(find "$work/prefix" -name 'libOrvaLanguage.so.*' -type f)
+cmake "-DCOMMAND_FILE=$tool" "-DLIBRARY=$library" -P "$functions" >"$work/log" 2>&1 ||
+    fail "it refuses the library with the command's key:"
 
 # What the document shows is a whole application.
 mkdir -p "$work/documented/src"

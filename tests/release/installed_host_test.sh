@@ -137,9 +137,12 @@ LIB/cmake/OrvaLanguage/OrvaLanguageTools-CONFIG.cmake
 LIB/cmake/OrvaLanguage/OrvaLanguageTools.cmake
 END
 
-# The documents: those that README leads to.
-installed_docs=$(cd "$work/development/share/doc/OrvaLanguage" && find . -name '*.md' | LC_ALL=C sort)
-source_docs=$(cd "$hosts/../../.." && find README.md CHANGELOG.md SECURITY.md docs -name '*.md' | sed 's|^|./|' | LC_ALL=C sort)
+# The documents, those that README leads to, and the examples.
+installed_docs=$(cd "$work/development/share/doc/OrvaLanguage" &&
+    find . -name '*.md' -o -path './examples/*' -type f | LC_ALL=C sort)
+source_docs=$(cd "$hosts/../../.." &&
+    { find README.md CHANGELOG.md SECURITY.md docs -name '*.md'
+      find examples -type f ! -name CMakeLists.txt; } | sed 's|^|./|' | LC_ALL=C sort)
 diff <(echo "$installed_docs") <(echo "$source_docs") ||
     { echo "the documents: installed (left), in the source (right)"; exit 1; }
 

@@ -57,14 +57,17 @@ TEST_F(Usage, FindsLiteralsInCallsThatAreNoKeys) {
     EXPECT_EQ(
         Find("a.cpp",
              "ZuGetLocalizedString(\"ABCE\");\n  KorString::KorGetLocalizedString(L\"X\");\n"
-             "TextOr(\"YY\", \"A text\"); OrvaTextOr ( \"ZZ\" , x);\nQVLANG(\"A\", \"ABCD\");"
+             "TextOr(\"YY\", \"A text\"); OrvaTextOr ( \"ZZ\" , x); CopyText(\"CC\"); "
+             "OrvaCopyText(\"DD\");\nQVLANG(\"A\", \"ABCD\");"
              "ZuGetLocalizedString(\"QVLANG\"); ZuGetLocalizedString(\"AB\" \"CD\")",
              "ABCD"),
         "src/a.cpp:1:22: error: ABCE: there is no such key; did you mean 'ABCD'? [unknown-key]\n"
         "src/a.cpp:2:36: error: X: there is no such key [unknown-key]\n"
         "src/a.cpp:3:8: error: YY: there is no such key [unknown-key]\n"
         "src/a.cpp:3:38: error: ZZ: there is no such key [unknown-key]\n"
-        "4 errors in 2 files\n");
+        "src/a.cpp:3:58: error: CC: there is no such key [unknown-key]\n"
+        "src/a.cpp:3:78: error: DD: there is no such key [unknown-key]\n"
+        "6 errors in 2 files\n");
     EXPECT_EQ(m_status, 1);
 }
 

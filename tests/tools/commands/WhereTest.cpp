@@ -19,6 +19,12 @@ protected:
         return fs::canonical(Write(name, bytes)).string();
     }
 
+    std::string MakeProgram(const std::string& name, const std::string& bytes = "") {
+        const std::string path = Make(name, bytes);
+        fs::permissions(path, fs::perms::owner_exec, fs::perm_options::add);
+        return path;
+    }
+
     static std::string Found(const std::string& executable, const std::string& path) {
         return "executable: " + executable + "\npath:       " + path + '\n';
     }
@@ -28,7 +34,7 @@ protected:
 };
 
 TEST_F(Where, FindsTheFileInABundle) {
-    const std::string host = Make("Host.app/Contents/MacOS/Host");
+    const std::string host = MakeProgram("Host.app/Contents/MacOS/Host");
     const std::string file = Make("Host.app/Contents/Resources/Host.strings", kSource);
     EXPECT_EQ(Run({"where", host, "Host.strings"}), 0);
     EXPECT_EQ(m_out, Found(host, file) + kSections + "load:       2 entries, section English\n");
@@ -42,7 +48,7 @@ TEST_F(Where, FindsTheFileInABundle) {
 }
 
 TEST_F(Where, FindsTheFileInThePlacesOfLinux) {
-    const std::string host = Make("usr/bin/host");
+    const std::string host = MakeProgram("usr/bin/host");
     const std::string beside = Make("usr/bin/a.strings", kSource);
     const std::string load = kSections + "load:       2 entries, section English\n";
     EXPECT_EQ(Run({"where", host, "a.strings"}), 0);
@@ -57,7 +63,7 @@ TEST_F(Where, FindsTheFileInThePlacesOfLinux) {
 }
 
 TEST_F(Where, SaysWhyALoadReturns0) {
-    const std::string host = Make("Host.app/Contents/MacOS/Host");
+    const std::string host = MakeProgram("Host.app/Contents/MacOS/Host");
     const std::string resources =
         fs::path(host).parent_path().parent_path().string() + "/Resources/";
     Make("Host.app/Contents/Resources/empty", "no section\n");
@@ -79,7 +85,7 @@ TEST_F(Where, SaysWhyALoadReturns0) {
 }
 
 TEST_F(Where, ReportsLostHeaders) {
-    const std::string host = Make("Host.app/Contents/MacOS/Host");
+    const std::string host = MakeProgram("Host.app/Contents/MacOS/Host");
     const std::string file =
         Make("Host.app/Contents/Resources/a", "\xEF\xBB\xBFQVLANG=en\nQVLANG=\n");
     EXPECT_EQ(Run({"where", host, "a"}), 0);
@@ -91,6 +97,12 @@ TEST_F(Where, NeedsTheExecutable) {
     EXPECT_EQ(Run({"where", Path("missing"), "a.strings"}), 2);
     EXPECT_EQ(m_err, "orva-strings: error: " + Path("missing") + ": No such file or directory\n");
     EXPECT_EQ(Run({"where", Path("missing")}), 2);
+    for (const std::string& other :
+         {Make("host.cpp"), MakeProgram("host.py", "#!/usr/bin/python3\n"), Path("")}) {
+        EXPECT_EQ(Run({"where", other, "a.strings"}), 2);
+        EXPECT_EQ(m_err, "orva-strings: error: " + other +
+                             " is no program; of a script, name the interpreter\n");
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -49,6 +50,10 @@ public:
         if (error) {
             throw std::system_error(error, m_executable);
         }
+        if (!IsProgram(executable)) {
+            throw std::runtime_error(m_executable +
+                                     " is no program; of a script, name the interpreter");
+        }
         const std::unique_ptr<__CFBundle, void (*)(__CFBundle*)> bundle(OpenMainBundle(executable),
                                                                         CloseBundle);
         char path[kResourcePathCapacity] = {};
@@ -68,6 +73,18 @@ public:
     }
 
 private:
+    static bool IsProgram(const std::filesystem::path& path) {
+        using std::filesystem::perms;
+        const std::filesystem::file_status status = std::filesystem::status(path);
+        const perms mayRun = perms::owner_exec | perms::group_exec | perms::others_exec;
+        if (!is_regular_file(status) || (status.permissions() & mayRun) == perms::none) {
+            return false;
+        }
+        std::string mark(2, '\0');
+        std::ifstream(path).read(mark.data(), 2);
+        return mark != "#!";
+    }
+
     static ExitStatus Fail(const std::string& reason, const Console& console) {
         console.Say(Severity::kError, reason);
         return kFindings;

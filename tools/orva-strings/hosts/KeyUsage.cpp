@@ -12,8 +12,9 @@
 
 namespace {
 
-constexpr std::string_view kCalls[] = {"ZuGetLocalizedString", "KorGetLocalizedString", "TextOr",
-                                       "OrvaTextOr"};
+constexpr std::string_view kCalls[] = {
+    "ZuGetLocalizedString", "KorGetLocalizedString", "TextOr", "CopyText",
+    "OrvaTextOr",           "OrvaCopyText"};
 
 // After this many comparisons, no near keys are named, since it would take too long to find them.
 constexpr std::size_t kMaxCompared = 1'000'000;
