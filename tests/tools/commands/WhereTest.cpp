@@ -20,7 +20,7 @@ protected:
     }
 
     std::string MakeProgram(const std::string& name, const std::string& bytes = "") {
-        const std::string path = Make(name, bytes);
+        std::string path = Make(name, bytes);
         fs::permissions(path, fs::perms::owner_exec, fs::perm_options::add);
         return path;
     }
