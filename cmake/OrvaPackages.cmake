@@ -41,6 +41,7 @@ need to find it.")
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liborvalanguage-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS orva-strings)  # for most of the CMake functions
 
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "protect, check and print strings files
 The command orva-strings encrypts the protected texts of strings files for

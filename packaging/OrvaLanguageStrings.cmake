@@ -148,7 +148,7 @@ endfunction()
 # orva_embed(TARGET app)
 #
 # Makes the application carry the library and, except on macOS, the Nettle that it needs, and find them
-# there wherever it is copied or installed.
+# there wherever it is copied: with the folder X in the layout of a bundle, else once it is installed.
 function(orva_embed)
     _orva_arguments(orva_embed "" "TARGET" "${ARGN}")
     _orva_layout("${arg_TARGET}")

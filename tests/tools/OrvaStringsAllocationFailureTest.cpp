@@ -231,9 +231,13 @@ TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheResultIsWritten) {
     FailAtEach({"keys", "--language", "c++", Path("readable")});
     m_folder.Write("source.c", "TextOr(\"QVLANG\", \"MENU_%s\", L\"A\" R\"(B)\");\n");
     FailAtEach({"usage", "--source", Path("source.c"), "--keep", "*", Path("readable")});
-    m_folder.Write("program", "");
-    fs::permissions(Path("program"), fs::perms::owner_exec, fs::perm_options::add);
-    FailAtEach({"where", Path("program"), "readable", "de"});
+    const std::string program = "Host.app/Contents/MacOS/Host";
+    fs::create_directories(Path("Host.app/Contents/MacOS"));
+    fs::create_directories(Path("Host.app/Contents/Resources"));
+    m_folder.Write(program, "");
+    m_folder.Write("Host.app/Contents/Resources/a.strings", kReadable);
+    fs::permissions(Path(program), fs::perms::owner_exec, fs::perm_options::add);
+    FailAtEach({"where", Path(program), "a.strings", "de"});
     FailAtEach({"key", "show", "--key-file", Path("key")});
     m_folder.Write("library", std::string(100000, ' ') +
                                   "libOrvaLanguage key fingerprint: 0123456789ABCDEF" + '\0');

@@ -207,8 +207,10 @@ std::string Literal(std::string_view key, HostLanguage language) {
         if (c == '"' || c == '\\') {
             literal += {'\\', c};
         } else if (byte >= ' ' && byte != 0x7F) {
-            // Two question marks in a row could begin a trigraph.
-            literal += c == '?' && literal.back() == '?' ? "\\?" : std::string(1, c);
+            // In C, two question marks in a row could begin a trigraph. Swift has no such escape.
+            const bool isEscaped =
+                c == '?' && literal.back() == '?' && language != HostLanguage::kSwift;
+            literal += isEscaped ? "\\?" : std::string(1, c);
         } else if (language == HostLanguage::kSwift) {
             literal += {'\\', 'u', '{', kDigits[byte / 16], kDigits[byte % 16], '}'};
         } else {
