@@ -13,12 +13,15 @@ packages=$(realpath "$1") fresh=${2:-}
 source=$(cd "$(dirname "$0")/../.." && pwd)
 
 if [ -z "${PACKAGES_TEST_MOUNTS:-}" ]; then
-    unshare --mount true 2>/dev/null || { echo "skipped: mounting is not allowed here"; exit 77; }
+    unshare --mount --pid --fork true 2>/dev/null || { echo "skipped: mounting is not allowed here"; exit 77; }
     PACKAGES_TEST_MOUNTS=own exec unshare --mount --pid --fork "$0" "$@"  # they end with this process
 fi
+try_mount() { # ARGUMENT…
+    mount "$@" || { echo "skipped: this mount is not allowed here"; exit 77; }
+}
 work=/run/orva-packages-test
 mkdir -p "$work"
-mount -t tmpfs none "$work"
+try_mount -t tmpfs none "$work"
 cd "$work"
 root=$work/root
 mkdir upper overlay root try
@@ -30,12 +33,11 @@ if [ "$fresh" = --fresh ]; then
     mmdebstrap --quiet --variant=apt --include=g++,cmake,ninja-build,pkg-config,dpkg-dev,man-db,libnettle8 \
         "$(sh -c '. /etc/os-release; echo "$VERSION_CODENAME"')" "$root" "${sources[@]}"
 else
-    mount -t overlay none -o "lowerdir=/,upperdir=$work/upper,workdir=$work/overlay" "$root" 2>"$work/said" ||
-        { cat "$work/said"; echo "skipped: an overlay is not allowed here"; exit 77; }
-    mount -t tmpfs none "$root$source"
+    try_mount -t overlay none -o "lowerdir=/,upperdir=$work/upper,workdir=$work/overlay" "$root"
+    try_mount -t tmpfs none "$root$source"
 fi
-mount --bind /dev "$root/dev"
-mount -t proc none "$root/proc"
+try_mount --bind /dev "$root/dev"
+try_mount -t proc none "$root/proc"
 mkdir "$root/try"
-mount --bind "$work/try" "$root/try"
+try_mount --bind "$work/try" "$root/try"
 env -i CMAKE_GENERATOR=Ninja PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 chroot "$root" bash /try/try.sh
