@@ -20,8 +20,8 @@
     ORVA_VERSION_JOIN(ORVA_VERSION_MAJOR, ORVA_VERSION_MINOR, ORVA_VERSION_PATCH)
 
 /* Not for hosts: two steps, since # would take a macro's name instead of its value. */
-#define ORVA_VERSION_JOIN(major, minor, patch) \
-    ORVA_VERSION_QUOTE(major) "." ORVA_VERSION_QUOTE(minor) "." ORVA_VERSION_QUOTE(patch)
-#define ORVA_VERSION_QUOTE(number) #number
+/* NOLINTNEXTLINE(bugprone-macro-parentheses): quoted, not calculated */
+#define ORVA_VERSION_JOIN(major, minor, patch) ORVA_VERSION_QUOTE(major.minor.patch)
+#define ORVA_VERSION_QUOTE(version) #version
 
 #endif
