@@ -1,5 +1,4 @@
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -129,7 +128,7 @@ TEST(SourcePlaces, CountsLinesAndCharacters) {
     }
 }
 
-// Each would take minutes if a part of it were read again and again.
+// The test would run into its time limit if a part of a source were read again and again.
 TEST(SourceReader, TakesTimeInProportionToTheSource) {
     const auto repeated = [](const std::string& text) {
         std::string source;
@@ -141,15 +140,15 @@ TEST(SourceReader, TakesTimeInProportionToTheSource) {
     for (const char* const text : {"\"A\" ", "#", "\"\\(", "/", "\\\n", "R\"(", "\"\"\"#", "/*",
                                    "'", "\"", "((", "#\"", "1'", "\x80", "\"A\"x", "\"\\x"}) {
         for (const SourceLanguage language : {SourceLanguage::kC, SourceLanguage::kSwift}) {
-            const auto begin = std::chrono::steady_clock::now();
+            SCOPED_TRACE(text);
             const std::string source = repeated(text);
             SourceReader reader(source, language);
             SourcePlaces places(source);
             for (SourceToken token = reader.Next(); token.kind != Kind::kEnd;
                  token = reader.Next()) {
+                ASSERT_LT(token.begin, source.size());
                 places.PlaceOf(token.begin);
             }
-            EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30)) << text;
         }
     }
 }

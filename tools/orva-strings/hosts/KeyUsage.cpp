@@ -17,7 +17,7 @@ constexpr std::string_view kCalls[] = {
     "OrvaTextOr",           "OrvaCopyText"};
 
 // After this many comparisons, no near keys are named, since it would take too long to find them.
-constexpr std::size_t kMaxCompared = 1'000'000;
+constexpr std::size_t kMaxCompared = 200'000;
 
 constexpr std::size_t kMaxNamed = 10;
 
