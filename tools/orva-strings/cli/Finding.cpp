@@ -4,9 +4,7 @@
 
 #include "tools/orva-strings/cli/Printable.h"
 
-namespace {
-
-const char* Name(Severity severity) {
+const char* NameOf(Severity severity) {
     switch (severity) {
         case Severity::kNote:
             return "note";
@@ -17,8 +15,6 @@ const char* Name(Severity severity) {
     }
     return "error";
 }
-
-}  // namespace
 
 bool HasError(const Findings& findings) {
     return std::any_of(findings.begin(), findings.end(),
@@ -39,7 +35,7 @@ void Print(const Finding& finding, std::string_view subject, std::ostream& err) 
         line += std::to_string(*finding.line + 1);
     }
     line += ": ";
-    line += Name(finding.severity);
+    line += NameOf(finding.severity);
     line += ": ";
     line += Printable(finding.text);
     line += '\n';

@@ -10,6 +10,9 @@
 
 enum class Severity { kNote, kWarning, kError };
 
+// "error", "warning" or "note".
+const char* NameOf(Severity severity);
+
 // One message, about a file or the command.
 struct Finding {
     Severity severity;

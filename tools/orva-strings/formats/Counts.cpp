@@ -1,24 +1,6 @@
 #include "tools/orva-strings/formats/Counts.h"
 
-namespace {
-
-std::string Counted(std::size_t count, const char* what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
-}
-
-}  // namespace
-
-const char* NameOf(Severity severity) {
-    switch (severity) {
-        case Severity::kNote:
-            return "note";
-        case Severity::kWarning:
-            return "warning";
-        case Severity::kError:
-            break;
-    }
-    return "error";
-}
+#include "tools/orva-strings/cli/Count.h"
 
 Counts CountsIn(const Report& report) {
     Counts counts;
@@ -35,11 +17,12 @@ std::string Summary(const Report& report) {
     const Counts counts = CountsIn(report);
     std::string summary;
     if (counts.errors > 0) {
-        summary = Counted(counts.errors, "error");
+        summary = Count(counts.errors, "error", "errors");
     }
     if (counts.warnings > 0) {
         summary += summary.empty() ? "" : " and ";
-        summary += Counted(counts.warnings, "warning");
+        summary += Count(counts.warnings, "warning", "warnings");
     }
-    return (summary.empty() ? "no findings" : summary) + " in " + Counted(report.size(), "file");
+    const std::string files = Count(report.size(), "file", "files");
+    return (summary.empty() ? "no findings" : summary) + " in " + files;
 }

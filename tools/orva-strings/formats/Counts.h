@@ -5,11 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "tools/orva-strings/cli/Finding.h"
 #include "tools/orva-strings/formats/Report.h"
-
-// "error", "warning" or "note".
-const char* NameOf(Severity severity);
 
 // Notes are not counted.
 struct Counts {
