@@ -465,6 +465,12 @@ TEST(CheckStrings, NamesWhatMayHaveBeenMeant) {
               "MENU_OPNE: " + extra + "; did you mean 'MENU_OPEN'?");
     EXPECT_EQ(sentence("MENU_OPEN=\"a\"\nMENU_OPENS=\"b\"\n"), "MENU_OPENS: " + extra)
         << "one that the section has is not meant";
+    EXPECT_EQ(sentence("MENU_QUIT=\"b\"\nQVLANG=fr\nMENU_OPEN=\"a\"\nMENU_OPNE=\"b\"\n"),
+              "MENU_OPNE: " + extra)
+        << "one that another section lacks is not meant";
+    EXPECT_EQ(sentence("MENU_OPNE=\"a\"\nQVLANG=fr\nMENU_OPEN=\"a\"\n"),
+              "MENU_OPNE: " + extra + "; did you mean 'MENU_OPEN'?")
+        << "once, not again for the next section";
     EXPECT_EQ(
         Sentence("QVLANG=English\n", [](CheckOptions& options) { options.required = {"Englsh"}; }),
         "there is no section Englsh, so a host that asks for it gets the first one; add it; "
