@@ -104,13 +104,14 @@ TEST(LanguageCodes, RefuseWrongArguments) {
 
 TEST(LanguageCodes, AreNotTakenFromWrongDirectives) {
     EXPECT_EQ(ErrorsIn("QVLANG=Deutsch\n#orva:language\n"),
-              "2: the directive '' has no language code, such as de, pt-BR or zh-Hant\n");
-    EXPECT_EQ(ErrorsIn("QVLANG=Deutsch\n# orva: language de AT\n"),
-              "2: the directive 'de AT' has no language code, such as de, pt-BR or zh-Hant\n");
+              "2: the directive 'language ' has no language code, such as de, pt-BR or zh-Hant\n");
+    EXPECT_EQ(
+        ErrorsIn("QVLANG=Deutsch\n# orva: language de AT\n"),
+        "2: the directive 'language de AT' has no language code, such as de, pt-BR or zh-Hant\n");
     EXPECT_EQ(ErrorsIn("QVLANG=Deutsch\n# orva: language de\n# orva: language de\n"),
-              "3: the directive 'de' gives the section a second code\n");
+              "3: the directive 'language de' gives the section a second code\n");
     EXPECT_EQ(ErrorsIn("QVLANG=Dutch\n# orva: language de\n", {"Deutsch=de"}),
-              "2: the directive 'de' gives the section a code that Deutsch has\n");
+              "2: the directive 'language de' gives the section a code that Deutsch has\n");
 }
 
 TEST(LanguageCodes, HaveTheirForm) {

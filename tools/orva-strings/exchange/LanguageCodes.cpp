@@ -1,7 +1,7 @@
 #include "tools/orva-strings/exchange/LanguageCodes.h"
 
 #include <algorithm>
-#include <set>
+#include <utility>
 
 #include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/document/Directive.h"
@@ -66,7 +66,7 @@ void LanguageCodes::AddDirectives(StringsReader lines, Findings& findings) {
             if (!problem.empty()) {
                 findings.push_back(
                     {Severity::kError, lines.Line().number,
-                     "the directive '" + std::string(directive->value) + "' " + problem});
+                     "the directive 'language " + std::string(directive->value) + "' " + problem});
             }
         }
         isBelowHeader = IsRightBelowHeader(lines, isBelowHeader);
