@@ -23,6 +23,9 @@ constexpr Argument kReference = {
     "--reference", "LANGUAGE",
     "The section that the others are compared with; the first by default"};
 
+constexpr Argument kLanguageCode = {
+    "--code", "CODE", "The language of a section, such as Deutsch=de; may be given several times"};
+
 constexpr Argument kScope = {
     "--scope", "NAME",
     "What holds the constants: a namespace in C++, by default keys, an enumeration in Swift, by "
@@ -34,6 +37,9 @@ constexpr char kOutputHelp[] =
 constexpr char kCheckFlag[] = "--check";
 constexpr char kCheckHelp[] =
     "Change nothing; say what would change, and end with exit status 1 if anything would";
+
+constexpr char kRevealFlag[] = "--reveal";
+constexpr char kRevealHelp[] = "Include protected texts, readable";
 
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",
