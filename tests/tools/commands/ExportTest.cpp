@@ -129,6 +129,18 @@ TEST_F(Export, LeavesOutWhatXmlCannotHold) {
     EXPECT_EQ(m_err, Reported(":2: error: ME\\x01NU" + why));
 }
 
+TEST_F(Export, CountsOnlyWhatItWrites) {
+    const std::string file = Write("x",
+                                   "QVLANG=en\nONE_=\"1\"\nTWO_=\"2\"\nNINE=\"9\"\n"
+                                   "QVLANG=de\nONE_=\"\x01\"\nNINE=\"9\"\n");
+    const std::string output = Path("o");
+    EXPECT_EQ(Run({"export", file, "--language=de", "-o", output, "--code=en=en", "--code=de=de"}),
+              1);
+    EXPECT_EQ(m_err, output + ": wrote 2 entries, 1 without a translation\n" + file +
+                         ":6: error: ONE_: left out, since XML can't hold it: it has control "
+                         "characters, or bytes that are not UTF-8\n");
+}
+
 TEST_F(Export, TakesTheCommentRightAboveAnEntryForANote) {
     EXPECT_EQ(RunGerman("# the file\nQVLANG=en\n# first\n; second & third\nONE_=\"1\"\n"
                         "// far\n\nTWO_=\"2\"\n"
