@@ -23,6 +23,9 @@ install(DIRECTORY docs
 install(DIRECTORY examples
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
     PATTERN CMakeLists.txt EXCLUDE)
+install(CODE "set(orva_source \"${PROJECT_SOURCE_DIR}\")
+set(orva_docdir \"${CMAKE_INSTALL_DOCDIR}\")" COMPONENT development)
+install(SCRIPT cmake/OrvaMendLinks.cmake COMPONENT development)
 install(DIRECTORY docs/man/
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development
     FILES_MATCHING PATTERN "*.3")
