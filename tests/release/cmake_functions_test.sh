@@ -246,6 +246,36 @@ for generator in "Unix Makefiles" Ninja; do
     expect "$generator then makes" '' "$(made "$name")"
 done
 
+# For macOS, as far as this system can tell: files get where CMake puts the bundles, and only once.
+mkdir "$work/mac"
+cat >"$work/mac/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.22)
+project(Mac LANGUAGES CXX)
+find_package(OrvaLanguage 1.0 REQUIRED)
+add_executable(plain MACOSX_BUNDLE main.cpp)
+add_executable(named MACOSX_BUNDLE main.cpp)
+set_target_properties(named PROPERTIES OUTPUT_NAME "My App" BUNDLE_EXTENSION tool)
+add_custom_target(all_files)
+foreach(app IN ITEMS plain named)
+    orva_add_strings(TARGET ${app} SOURCE App.strings)
+    orva_embed(TARGET ${app})
+    add_dependencies(all_files ${app}_orva_strings_App_strings ${app}_orva_library)
+    file(GENERATE OUTPUT ${app}.txt CONTENT "$<TARGET_BUNDLE_CONTENT_DIR:${app}>\n")
+endforeach()
+END
+cp "$work/pair/Pair.strings" "$work/mac/App.strings"
+cp "$work/pair/main.cpp" "$work/mac/"
+host=$work/mac configure bundles Ninja -DCMAKE_SYSTEM_NAME=Darwin -DCMAKE_CXX_COMPILER_FORCED=ON \
+    -DCMAKE_INSTALL_NAME_TOOL=none || fail "bundles do not configure:"
+cmake --build "$work/bundles" --target all_files >"$work/log" 2>&1 || fail "a bundle's files are not made:"
+for application in plain named; do
+    contents=$(cat "$work/bundles/$application.txt")
+    expect "in $contents are" './Frameworks/libOrvaLanguage ./Frameworks/libnettle ./Resources/App ' \
+        "$(cd "$contents" && find . -name '*.s*' | sed 's/\.s[^/]*$//' | LC_ALL=C sort | tr '\n' ' ')"
+done
+cmake --build "$work/bundles" --target all_files >"$work/log" 2>&1
+grep -F 'no work to do' "$work/log" >/dev/null || fail "a bundle's files are made twice:"
+
 # What the document shows is a whole application.
 mkdir -p "$work/documented/src" "$work/folder"
 shown() { # HEADING
