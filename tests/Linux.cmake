@@ -225,6 +225,10 @@ add_test(NAME links COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/links_test.py"
     "${PROJECT_SOURCE_DIR}" "$<$<BOOL:${ORVA_INSTALL}>:${PROJECT_BINARY_DIR}>")
 set_tests_properties(links PROPERTIES LABELS builds RESOURCE_LOCK installation)
 
+# Xcode's project, read as text.
+add_test(NAME xcode_project COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/xcode_project_test.py"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
+
 # The documents' commands are those for Linux.
 if(ORVA_INSTALL)
     add_test(NAME documents COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/documents_test.py"
