@@ -361,6 +361,9 @@ refused "NAME must be a file's name, without a folder, not 'a/b'" \
     'orva_add_strings(TARGET myapp SOURCE a.strings NAME a/b)'
 refused "OUTPUT must be a file's name, without a folder, not 'a/b'" \
     'orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE c OUTPUT a/b)'
+refused "$folder/a.strings would be replaced by its protected form" \
+    "set_target_properties(myapp PROPERTIES RUNTIME_OUTPUT_DIRECTORY [[$folder]])
+orva_add_strings(TARGET myapp SOURCE a.strings)"
 refused 'the target myapp_orva_strings_App of an earlier call makes' 'add_executable(other main.cpp)
 orva_add_strings(TARGET myapp SOURCE a.strings NAME App)
 orva_add_strings(TARGET other SOURCE b.strings NAME App)'
