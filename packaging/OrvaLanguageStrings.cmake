@@ -161,15 +161,23 @@ function(orva_generate_keys)
     _orva_claim(orva_generate_keys OUTPUT "keys_${arg_OUTPUT}" "${folder}/${arg_OUTPUT}"
         "${arg_SOURCE};${options}")
     if(is_new)
-        add_custom_command(OUTPUT "${folder}/${arg_OUTPUT}.stamp"
-            BYPRODUCTS "${folder}/${arg_OUTPUT}"
+        set(made "${folder}/${arg_OUTPUT}.stamp")
+        set(write
             COMMAND "${CMAKE_COMMAND}" -E make_directory "${folder}"
             COMMAND ${command} keys ${options} -o "${folder}/${arg_OUTPUT}" "${arg_SOURCE}"
-            COMMAND "${CMAKE_COMMAND}" -E touch "${folder}/${arg_OUTPUT}.stamp"
+            COMMENT "Writing constants for the keys of ${arg_TARGET}: ${arg_OUTPUT}")
+        add_custom_command(OUTPUT "${made}"
+            BYPRODUCTS "${folder}/${arg_OUTPUT}"
+            ${write}
+            COMMAND "${CMAKE_COMMAND}" -E touch "${made}"
             DEPENDS "${arg_SOURCE}" "${command_file}"
-            COMMENT "Writing constants for the keys of ${arg_TARGET}: ${arg_OUTPUT}"
             VERBATIM)
-        add_custom_target(${helper} DEPENDS "${folder}/${arg_OUTPUT}.stamp")
+        if(CMAKE_GENERATOR MATCHES "Makefiles")
+            # Make does not notice that a by-product was deleted.
+            add_custom_command(OUTPUT "${folder}/${arg_OUTPUT}" ${write} VERBATIM)
+            list(APPEND made "${folder}/${arg_OUTPUT}")
+        endif()
+        add_custom_target(${helper} DEPENDS ${made})
     endif()
     add_dependencies(${arg_TARGET} ${helper})
     set_source_files_properties("${folder}/${arg_OUTPUT}" PROPERTIES GENERATED ON)

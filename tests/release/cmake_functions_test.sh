@@ -97,6 +97,8 @@ for generator in "Unix Makefiles" Ninja; do
     later
     rm "$work/$name/App.strings"
     expect "after the strings file was deleted, $generator makes" './App.strings ' "$(made "$name")"
+    rm "$work/$name/myapp_orva/keys/Keys.h"
+    made "$name" >"$work/made" || fail "$generator does not make the constants again:"
     for library in OrvaLanguage nettle; do
         later
         rm "$work/$name/myapp_orva/lib/lib$library".so.*
