@@ -222,8 +222,12 @@ add_test(NAME manuals COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/manuals_test.
 set_tests_properties(manuals PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
 
 add_test(NAME links COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/links_test.py"
-    "${PROJECT_SOURCE_DIR}")
-set_tests_properties(links PROPERTIES LABELS builds)
+    "${PROJECT_SOURCE_DIR}" "$<$<BOOL:${ORVA_INSTALL}>:${PROJECT_BINARY_DIR}>")
+set_tests_properties(links PROPERTIES LABELS builds RESOURCE_LOCK installation)
+
+# Xcode's project, read as text.
+add_test(NAME xcode_project COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/xcode_project_test.py"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
 
 # The documents' commands are those for Linux.
 if(ORVA_INSTALL)

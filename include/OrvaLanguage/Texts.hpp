@@ -150,7 +150,8 @@ inline std::string LoadedName() {
 // path is the file's, not one in a bundle. A relative path is resolved against the current folder.
 //
 // Returns nothing if the file can't be opened, is a folder, or the stream reports that reading
-// failed; an empty list if the file has no section. Reads the file on any thread, whether or not it
+// failed; an empty list if the file has no section, also where a byte-order mark before the only
+// header makes it an ordinary line, as for a load. Reads the file on any thread, whether or not it
 // is loaded; the rules for a stream are those of KorString. On Linux the host needs the standard
 // library that the library was built with, since KorString::GetLine takes one of its streams. None
 // of the other functions here do.

@@ -44,6 +44,9 @@ done
 for file in README.md CHANGELOG.md docs/building.md docs/format.md; do
     [ -s "/usr/share/doc/liborvalanguage-dev/$file" ] || fail "$file is not installed"
 done
+if grep -F '](../include/' /usr/share/doc/liborvalanguage-dev/docs/README.md; then
+    fail "a document links to what is not beside it"
+fi
 MANPAGER="cat" quietly man orva-strings
 grep -F "strings files" log >said || fail "the manual page is not there"
 if readelf --dynamic "$(readlink -f /usr/lib/*/libOrvaLanguage.so.1)" | grep -E "RPATH|RUNPATH"; then
