@@ -110,10 +110,11 @@ TEST_F(Keys, MakesTextsHarmlessInComments) {
     EXPECT_EQ(CommentOf("a\tb\x01"
                         "c\x7F\xC2\x85"
                         "d\\n\\"),
-              "/** \"a b c  d \\\" */");
+              "/** \"a b c  d \\\\\" */");
     EXPECT_EQ(CommentOf("a\xFF\xC3z"), "/** \"a\xEF\xBF\xBD\xEF\xBF\xBDz\" */");
     // A line separator, and what would change the direction of the rest of the line.
     EXPECT_EQ(CommentOf("a\u2028b\u202Ec\u2066d\u061Ce"), "/** \"a b c d e\" */");
+    EXPECT_EQ(CommentOf("\\param @file <b>"), "/** \"\\\\param \\@file \\<b>\" */");
     EXPECT_EQ(CommentOf("\"He\" said"), "/** \"\"He\" said\" */");
     EXPECT_EQ(CommentOf(std::string(79, 'a')), "/** \"" + std::string(79, 'a') + "\" */");
     std::string umlauts;
@@ -121,6 +122,18 @@ TEST_F(Keys, MakesTextsHarmlessInComments) {
         umlauts += "ä";
     }
     EXPECT_EQ(CommentOf(umlauts), "/** \"" + umlauts.substr(0, std::size_t{2} * 79) + "…\" */");
+}
+
+TEST_F(Keys, ShowsInvisibleCharactersByTheirNumbers) {
+    EXPECT_EQ(CommentOf("a\u200Bb\uFEFFc\u00ADd\u2060e\u2064f\U000E0041g\U000E007Fh"),
+              "/** \"a[U+200B]b[U+FEFF]c[U+00AD]d[U+2060]e[U+2064]f[U+E0041]g[U+E007F]h\" */");
+    EXPECT_EQ(CommentOf("\u180E\u206A\u206F\U000E0000"),
+              "/** \"[U+180E][U+206A][U+206F][U+E0000]\" */");
+    // What languages and pictures need, and the neighbours of what is not seen.
+    const std::string shown =
+        "\u00AC\u00AE\u180D\u180F\u200A\u200C\u200D\u205F\u2065\u2070\uFE0F"
+        "\uFEFE\uFF01\U000DFFFF\U000E0080";
+    EXPECT_EQ(CommentOf(shown), "/** \"" + shown + "\" */");
 }
 
 TEST_F(Keys, WritesKeysAsLiterals) {
