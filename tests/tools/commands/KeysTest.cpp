@@ -156,13 +156,54 @@ TEST_F(Keys, TakesEachKeyOnceAndNoComment) {
 // Nor of what was probably meant as a protected key.
 TEST_F(Keys, NeverShowsTheTextOfAProtectedKey) {
     for (const char* const line :
-         {"IDE_NAME=\"Secret\"", "ide_name=\"Secret\"", "IDEA=Secret", "ABCD=\"a IDE_NAME=Secret",
-          "ABCD=\"a\" // IDE_NAME=\"Secret\"", "ABCD=1\rIDE_NAME=\"Secret\""}) {
+         {"IDE_NAME=\"Secret\"", "ide_name=\"Secret\"", "IDEA=Secret", "DIE_W=Secret",
+          "ABCD=\"a IDE_NAME=Secret", "ABCD=\"a\" // IDE_NAME=\"Secret\"",
+          "ABCD=1\rIDE_NAME=\"Secret\""}) {
         const std::string constant = ConstantOf(line);
         EXPECT_EQ(constant.substr(0, 29), "/** A protected text. */\n#def") << line;
         EXPECT_EQ(m_out.find("Secret"), std::string::npos) << line;
     }
     EXPECT_EQ(CommentOf("A WIDE screen"), "/** \"A WIDE screen\" */");
+}
+
+TEST_F(Keys, NeverShowsATextThatIsAlsoThatOfAProtectedKey) {
+    for (const char* const other :
+         {"IDE_NAME=\"Secret\"", "ide_name : \"Secret\"", "DIE_W=\"Secret\"", "ied_x=Secret",
+          "// IDE_NAME=\"Secret\"", "AB\rIDE_NAME=\"Secret\"\rCD", "IDE_X:\"Secret\"=\"y\"",
+          "\xEF\xBB\xBFIDE_NAME=\"Secret\"", "IDE_X:Secret=y"}) {
+        EXPECT_EQ(CommentOf("Secret\"\nQVLANG=de\n" + std::string(other) + "\n//\""),
+                  "/** A protected text. */")
+            << other;
+    }
+    EXPECT_EQ(CommentOf("a Secret1b\"\nIDE_X=\"Secret1"), "/** \"a Secret1b\" */");
+    EXPECT_EQ(CommentOf("a Secret12\"\nIDE_X=\"Secret12"), "/** A protected text. */");
+}
+
+TEST_F(Keys, ShowsOrdinaryTexts) {
+    for (const char* const line :
+         {"HIDE_ALL=Text", "Died=Text", "EDI_X=Text", "ideal=Text", "ID_X=Text", "IEDx=Text"}) {
+        EXPECT_EQ(ConstantOf(line).substr(0, 10), "/** \"Text\"") << line;
+    }
+}
+
+// Not in the constant and not in a message.
+TEST_F(Keys, NeverWritesAKeyThatHoldsAProtectedText) {
+    const std::string fault =
+        "there can be no constant: it would contain what was probably meant as the text of a "
+        "protected entry\n";
+    EXPECT_EQ(FaultOf("c", "IDE_X:\"SECRET\"=\"y\"\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "IDE_X:SECRET==\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "Ide_V \"SECRET=x\"\n"), "-:2: error: Ide_V: " + fault);
+    EXPECT_EQ(FaultOf("c", "DIE_W:\"SECRET\" = x\n"), "-:2: error: DIE_W: " + fault);
+    EXPECT_EQ(FaultOf("c", "\"IDE_X\":\"SECRET\"=x\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "SECRET IDE_X=y\n"), "-:2: error: " + fault);
+    EXPECT_EQ(FaultOf("c", "A SECRET B=x\nIDE_X=\"A SECRET\"\n"), "-:2: error: " + fault);
+    EXPECT_EQ(FaultOf("c", "OPEN=x\nIDE_X=\"OPEN\"\n"), "-:2: error: " + fault);
+    EXPECT_EQ(FaultOf("c", "IDE_SECRET:x=y\nIDE_Z=IDE_SECRET\n"), "-:2: error: " + fault);
+    // A text that only repeats its key says nothing new.
+    EXPECT_EQ(ConstantOf("IDE_X=IDE_X"), "/** A protected text. */\n#define KEY_IDE_X \"IDE_X\"\n");
+    EXPECT_EQ(ConstantOf("IDE.X-1/B=x"),
+              "/** A protected text. */\n#define KEY_IDE_X_1_B \"IDE.X-1/B\"\n");
 }
 
 TEST_F(Keys, FindsKeysWithoutAConstant) {

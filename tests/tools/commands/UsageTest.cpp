@@ -124,6 +124,10 @@ TEST_F(Usage, WarnsOfKeysThatNoSourceMentions) {
     EXPECT_EQ(m_status, 0);
 }
 
+TEST_F(Usage, NeverNamesAKeyThatHoldsAProtectedText) {
+    EXPECT_EQ(Find("a.cpp", "f(\"ABCD\")", "ABCD IDE_X:\"SECRET\""), kNothing);
+}
+
 TEST_F(Usage, TakesTheNamesOfConstantsForTheirKeys) {
     EXPECT_EQ(Find("a.c", "f(KEY_ABCD, KEY_a_bc);", "ABCD a.bc"), kNothing);
     EXPECT_EQ(Find("a.c", "f(keys::ABCD, a_bc);", "ABCD a.bc a-bc"), kNothing);

@@ -51,7 +51,7 @@ public:
         Findings findings;
         std::vector<HostKey> keys;
         if (const auto section = FindSection(file.bytes, m_reference, false, findings)) {
-            keys = ReadHostKeys(*section);
+            keys = ReadHostKeys(*section, file.bytes);
             findings = CheckConstants(keys, style);
         }
         const ExitStatus status = console.Report(findings, name);

@@ -57,7 +57,7 @@ public:
         if (!section) {
             return console.Report(findings, name);
         }
-        KeyUsage usage(ReadHostKeys(*section), m_options);
+        KeyUsage usage(ReadHostKeys(*section, file.bytes), m_options);
         {
             Progress progress(console.ErrTerminal());
             const std::vector<SourceFile> sources = FindSources(m_folders);

@@ -331,7 +331,10 @@ Findings CheckConstants(const std::vector<HostKey>& keys, const ConstantsStyle& 
     std::size_t renamed = 0;
     std::unordered_map<std::string, const HostKey*> names;
     for (const HostKey& key : keys) {
-        std::string fault = KeyFault(key.key, style);
+        std::string fault = key.holdsSecret
+                                ? "it would contain what was probably meant as the text "
+                                  "of a protected entry"
+                                : KeyFault(key.key, style);
         if (fault.empty()) {
             const auto [other, isNew] = names.emplace(NameInScope(key.key), &key);
             if (!isNew) {
@@ -341,8 +344,9 @@ Findings CheckConstants(const std::vector<HostKey>& keys, const ConstantsStyle& 
             }
         }
         if (!fault.empty()) {
-            findings.push_back({Severity::kError, key.line.number,
-                                std::string(key.key) + ": there can be no constant: " + fault});
+            const std::string name = key.key.empty() ? "" : std::string(key.key) + ": ";
+            findings.push_back(
+                {Severity::kError, key.line.number, name + "there can be no constant: " + fault});
         } else if (NameInScope(key.key) != key.key && ++renamed <= kMaxNamed) {
             findings.push_back(
                 {Severity::kNote, key.line.number,

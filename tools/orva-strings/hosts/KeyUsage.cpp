@@ -26,6 +26,14 @@ std::string_view BeforeArgument(std::string_view text) {
     return text.substr(0, text.find_first_of("%{"));
 }
 
+// Without the keys that must not be named, of which keys and check say what is wrong.
+std::vector<HostKey> WithoutSecrets(std::vector<HostKey> keys) {
+    keys.erase(std::remove_if(keys.begin(), keys.end(),
+                              [](const HostKey& key) { return key.holdsSecret; }),
+               keys.end());
+    return keys;
+}
+
 // Whether a text ends as the first part of a name does.
 bool EndsAsPart(std::string_view text) {
     return !text.empty() && std::string_view("_.-:/").find(text.back()) != std::string_view::npos;
@@ -147,7 +155,7 @@ private:
 
 KeyUsage::KeyUsage(std::vector<HostKey> keys, const UsageOptions& options)
     : m_options(options),
-      m_keys(std::move(keys)),
+      m_keys(WithoutSecrets(std::move(keys))),
       m_areMentioned(m_keys.size()),
       m_sorted(m_keys.size()),
       m_calls(options.calls.begin(), options.calls.end()) {
