@@ -60,7 +60,8 @@ TEST_F(Keys, WritesMacrosForC) {
 
 #endif
 )");
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err,
+              Path("My App.strings") + ":3: note: menu.quit: the constant is KEY_menu_quit\n");
 }
 
 TEST_F(Keys, WritesVariablesForCpp) {
@@ -110,10 +111,11 @@ TEST_F(Keys, MakesTextsHarmlessInComments) {
     EXPECT_EQ(CommentOf("a\tb\x01"
                         "c\x7F\xC2\x85"
                         "d\\n\\"),
-              "/** \"a b c  d \\\" */");
+              "/** \"a b c  d \\\\\" */");
     EXPECT_EQ(CommentOf("a\xFF\xC3z"), "/** \"a\xEF\xBF\xBD\xEF\xBF\xBDz\" */");
     // A line separator, and what would change the direction of the rest of the line.
     EXPECT_EQ(CommentOf("a\u2028b\u202Ec\u2066d\u061Ce"), "/** \"a b c d e\" */");
+    EXPECT_EQ(CommentOf("\\param @file <b>"), "/** \"\\\\param \\@file \\<b>\" */");
     EXPECT_EQ(CommentOf("\"He\" said"), "/** \"\"He\" said\" */");
     EXPECT_EQ(CommentOf(std::string(79, 'a')), "/** \"" + std::string(79, 'a') + "\" */");
     std::string umlauts;
@@ -121,6 +123,18 @@ TEST_F(Keys, MakesTextsHarmlessInComments) {
         umlauts += "ä";
     }
     EXPECT_EQ(CommentOf(umlauts), "/** \"" + umlauts.substr(0, std::size_t{2} * 79) + "…\" */");
+}
+
+TEST_F(Keys, ShowsInvisibleCharactersByTheirNumbers) {
+    EXPECT_EQ(CommentOf("a\u200Bb\uFEFFc\u00ADd\u2060e\u2064f\U000E0041g\U000E007Fh"),
+              "/** \"a[U+200B]b[U+FEFF]c[U+00AD]d[U+2060]e[U+2064]f[U+E0041]g[U+E007F]h\" */");
+    EXPECT_EQ(CommentOf("\u180E\u206A\u206F\U000E0000"),
+              "/** \"[U+180E][U+206A][U+206F][U+E0000]\" */");
+    // What languages and pictures need, and the neighbours of what is not seen.
+    const std::string shown =
+        "\u00AC\u00AE\u180D\u180F\u200A\u200C\u200D\u205F\u2065\u2070\uFE0F"
+        "\uFEFE\uFF01\U000DFFFF\U000E0080";
+    EXPECT_EQ(CommentOf(shown), "/** \"" + shown + "\" */");
 }
 
 TEST_F(Keys, WritesKeysAsLiterals) {
@@ -194,10 +208,10 @@ TEST_F(Keys, NeverWritesAKeyThatHoldsAProtectedText) {
 
 TEST_F(Keys, FindsKeysWithoutAConstant) {
     const std::string none = "there can be no constant: ";
-    EXPECT_EQ(
-        FaultOf("c", "MENU.A=1\nMENU-A=2\nMENU A=3\n"),
-        "-:3: error: MENU-A: " + none + "MENU_A is already the constant of MENU.A on line 2\n" +
-            "-:4: error: MENU A: " + none + "MENU_A is already the constant of MENU.A on line 2\n");
+    EXPECT_EQ(FaultOf("c", "MENU.A=1\nMENU-A=2\nMENU A=3\n"),
+              "-:2: note: MENU.A: the constant is KEY_MENU_A\n-:3: error: MENU-A: " + none +
+                  "MENU_A is already the constant of MENU.A on line 2\n" + "-:4: error: MENU A: " +
+                  none + "MENU_A is already the constant of MENU.A on line 2\n");
     EXPECT_EQ(FaultOf("c++", "while=1\n1ABC=2\n_ABC=3\nA__B=4\nA..B=5\n_abc=6\n"),
               "-:2: error: while: " + none + "it is a reserved word of C++\n" +
                   "-:3: error: 1ABC: " + none + "no name begins with a digit\n" +
@@ -206,6 +220,13 @@ TEST_F(Keys, FindsKeysWithoutAConstant) {
                   "-:6: error: A..B: " + none + "C++ reserves names like A__B\n");
     EXPECT_EQ(FaultOf("swift", "self=1\nnamespace=2\n"),
               "-:2: error: self: " + none + "it is a reserved word of Swift\n");
+    const std::string macro = " is a macro of compilers or of the standard library\n";
+    EXPECT_EQ(FaultOf("c++", "linux=1\nerrno=2\ntypeof=3\nstdin=4\nINT_MAX=5\nNULL=6\nerrnos=7\n"),
+              "-:2: error: linux: " + none + "linux" + macro + "-:3: error: errno: " + none +
+                  "errno" + macro + "-:4: error: typeof: " + none +
+                  "it is a reserved word of C++\n" + "-:5: error: stdin: " + none + "stdin" +
+                  macro + "-:6: error: INT_MAX: " + none + "INT_MAX" + macro +
+                  "-:7: error: NULL: " + none + "NULL" + macro);
     EXPECT_EQ(FaultOf("c",
                       "ABCD =1\n\tEFGH=2\nA\0BCD=3\n\xC3\xA4"
                       "bcd=4\n"s),
@@ -218,6 +239,36 @@ TEST_F(Keys, FindsKeysWithoutAConstant) {
                   none + "the key is not ASCII\n");
 }
 
+// In C, a name with its scope can be a macro.
+TEST_F(Keys, FindsMacrosInTheWholeNamesOfC) {
+    const std::string file = Write("App.strings", "QVLANG=en\nSUCCESS=1\nerrno=2\n");
+    EXPECT_EQ(Run({"keys", "--language", "c", "--scope", "EXIT", file}), 1);
+    EXPECT_EQ(m_err, file +
+                         ":2: error: SUCCESS: there can be no constant: EXIT_SUCCESS is a macro "
+                         "of compilers or of the standard library\n");
+    EXPECT_EQ(Run({"keys", "--language", "c", "--scope", "linux", file}), 0) << m_err;
+    EXPECT_EQ(Run({"keys", "--language", "swift", file}), 0) << m_err;
+}
+
+TEST_F(Keys, NamesTheConstantsOfKeysThatAreNoNames) {
+    std::string keys = "QVLANG=en\nPLAIN=x\n";
+    std::string notes;
+    for (char c = 'a'; c <= 'j'; ++c) {
+        const std::string end = std::string(1, c) + 'z';
+        keys += "a." + end + "=x\n";
+        notes += "-:" + std::to_string(c - 'a' + 3) + ": note: a." + end + ": the constant is a_" +
+                 end + '\n';
+    }
+    EXPECT_EQ(Run({"keys", "--language", "c++", "-"}, keys), 0);
+    EXPECT_EQ(m_err, notes);
+    const std::string more =
+        " other characters than names can have, for which the constants have underscores\n";
+    EXPECT_EQ(Run({"keys", "--language", "c++", "-"}, keys + "a.kz=x\n"), 0);
+    EXPECT_EQ(m_err, "-: note: 1 more key has" + more + notes);
+    EXPECT_EQ(Run({"keys", "--language", "c++", "-"}, keys + "a.kz=x\na.lz=x\n"), 0);
+    EXPECT_EQ(m_err, "-: note: 2 more keys have" + more + notes);
+}
+
 TEST_F(Keys, NeedsASection) {
     EXPECT_EQ(Run({"keys", "--language", "c", "-"}, "ABCD=1\n"), 1);
     EXPECT_EQ(m_err, "-: error: the file has no section\n");
@@ -228,9 +279,11 @@ TEST_F(Keys, NeedsASection) {
 TEST_F(Keys, WritesAFileOnlyIfItChanges) {
     const std::string source = Write("App.strings", kSource);
     const std::string output = Path("Keys.h");
+    const std::string note = source + ":3: note: menu.quit: the constant is KEY_menu_quit\n";
+    const std::string noteInCpp = source + ":3: note: menu.quit: the constant is menu_quit\n";
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", output, source}), 0);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err, output + ": wrote 4 constants\n");
+    EXPECT_EQ(m_err, note + output + ": wrote 4 constants\n");
     const std::string written = ReadFile(output);
     EXPECT_EQ(Run({"keys", "--language", "c", source}), 0);
     EXPECT_EQ(written, m_out);
@@ -238,16 +291,16 @@ TEST_F(Keys, WritesAFileOnlyIfItChanges) {
     const auto old = std::filesystem::last_write_time(output) - std::chrono::hours(1);
     std::filesystem::last_write_time(output, old);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", output, source}), 0);
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err, note);
     EXPECT_EQ(std::filesystem::last_write_time(output), old);
     EXPECT_EQ(Run({"keys", "--language", "c", "--check", "-o", output, source}), 0);
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err, note);
 
     EXPECT_EQ(Run({"keys", "--language", "c++", "--check", "-o", output, source}), 1);
-    EXPECT_EQ(m_err, output + ": would write 4 constants\n");
+    EXPECT_EQ(m_err, noteInCpp + output + ": would write 4 constants\n");
     EXPECT_EQ(ReadFile(output), written);
     EXPECT_EQ(Run({"keys", "--language", "c++", "-o", output, source}), 0);
-    EXPECT_EQ(m_err, output + ": wrote 4 constants\n");
+    EXPECT_EQ(m_err, noteInCpp + output + ": wrote 4 constants\n");
     EXPECT_NE(ReadFile(output), written);
 }
 
@@ -260,7 +313,8 @@ TEST_F(Keys, WritesNothingAfterAnError) {
 TEST_F(Keys, ReplacesNothingButConstants) {
     const std::string source = Write("App.strings", kSource);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", source, source}), 2);
-    EXPECT_EQ(m_err, "orva-strings: error: " + source +
+    EXPECT_EQ(m_err, source + ":3: note: menu.quit: the constant is KEY_menu_quit\n" +
+                         "orva-strings: error: " + source +
                          ": not replaced, since 'orva-strings keys' has not written it\n");
     EXPECT_EQ(ReadFile(source), kSource);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", Write("empty", ""), source}), 0);
@@ -281,6 +335,9 @@ TEST_F(Keys, RefusesWrongArguments) {
                                                           {"c++", "a::"},
                                                           {"c++", "::a"},
                                                           {"c++", "class"},
+                                                          {"c++", "int"},
+                                                          {"c++", "linux"},
+                                                          {"swift", "in"},
                                                           {"c++", "a__b"},
                                                           {"c++", "\xC3\xA4"},
                                                           {"swift", "a::b"},
