@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -318,6 +319,23 @@ TEST_F(Keys, ReplacesNothingButConstants) {
                          ": not replaced, since 'orva-strings keys' has not written it\n");
     EXPECT_EQ(ReadFile(source), kSource);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", Write("empty", ""), source}), 0);
+}
+
+// To read a pipe, or a device without an end, would never end.
+TEST_F(Keys, ReplacesNoPipeAndNoDevice) {
+    const std::string source = Write("App.strings", "QVLANG=en\nABCD=1\n");
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    for (const std::string& output : {Path("pipe"), std::string("/dev/zero"), Path("")}) {
+        for (const bool isCheck : {false, true}) {
+            std::vector<std::string> arguments = {"keys", "--language", "c", "-o", output, source};
+            if (isCheck) {
+                arguments.emplace_back("--check");
+            }
+            EXPECT_EQ(Run(arguments), 2);
+            EXPECT_EQ(m_err,
+                      "orva-strings: error: " + output + ": only a regular file can be replaced\n");
+        }
+    }
 }
 
 TEST_F(Keys, RefusesWrongArguments) {
