@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <ostream>
 #include <streambuf>
@@ -140,6 +141,37 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesAreCheckedInThreeTimesTheirSizeAtMost) 
         EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
         EXPECT_LE(peak.Bytes(), 3 * file.size());
     }
+}
+
+// Each key is kept with its text and its place, and each constant is longer than its entry.
+TEST_F(OrvaStringsLargeFiles, OfMegabytesBecomeConstantsInSixteenTimesTheirSizeAtMost) {
+    const std::string file = Entries(std::size_t{1} << 20U, 1, 10);
+    m_folder.Write("file", file);
+    for (const char* const language : {"c", "c++", "swift"}) {
+        SCOPED_TRACE(language);
+        std::filesystem::remove(Path("out"));
+        const AllocationPeak peak;
+        EXPECT_EQ(Run({"keys", "--language", language, "-o", Path("out"), Path("file")}), 0);
+        EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+        EXPECT_LE(peak.Bytes(), 16 * file.size());
+    }
+}
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreComparedWithSourcesInSixteenTimesTheirSizeAtMost) {
+    const std::string file = Entries(std::size_t{1} << 20U, 1, 10);
+    m_folder.Write("file", file);
+    // Names of constants, and literals.
+    std::string source;
+    for (std::size_t i = 0; i < 50'000; ++i) {
+        const std::string number = std::to_string(i);
+        source += "f(MENU_" + number + "_ENTRY, \"IDE_" + number + "_ENTRY\");\n";
+    }
+    m_folder.Write("a.c", source);
+    const AllocationPeak peak;
+    EXPECT_EQ(Run({"usage", "--source", Path("a.c"), "--keep", "*", Path("file")}), 0);
+    EXPECT_EQ(m_out.first, "no findings in 2 files");
+    EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+    EXPECT_LE(peak.Bytes(), 16 * file.size());
 }
 
 // Time that grows with the square of the findings would exceed the time limit here and below.

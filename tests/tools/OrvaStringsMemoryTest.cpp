@@ -220,6 +220,8 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         {{"show", "--key-file", first, "--format", "json", Path("second")}, "", 1, ""},
         {{"sections", Path("first")}, "", 0, ""},
         {{"fix", "-"}, Path("first"), 0, "first"},
+        {{"keys", "--language", "c", Path("built-in")}, "", 0, ""},
+        {{"usage", "--source", Path("readable"), Path("built-in")}, "", 0, ""},
         {{"key", "show"}, "", 0, ""},
         {{"key", "show", "--key-file", first}, "", 0, ""},
         {{"key", "show", "--key-file", "-"}, second, 0, ""},

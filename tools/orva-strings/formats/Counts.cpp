@@ -8,6 +8,7 @@ Counts CountsIn(const Report& report) {
         for (const RuleFinding& finding : file.findings) {
             counts.errors += finding.severity == Severity::kError ? 1U : 0U;
             counts.warnings += finding.severity == Severity::kWarning ? 1U : 0U;
+            counts.notes += finding.severity == Severity::kNote ? 1U : 0U;
         }
     }
     return counts;
@@ -16,12 +17,17 @@ Counts CountsIn(const Report& report) {
 std::string Summary(const Report& report) {
     const Counts counts = CountsIn(report);
     std::string summary;
+    const auto add = [&](const std::string& count, const char* separator) {
+        summary += (summary.empty() ? "" : separator) + count;
+    };
     if (counts.errors > 0) {
-        summary = Count(counts.errors, "error", "errors");
+        add(Count(counts.errors, "error", "errors"), "");
     }
     if (counts.warnings > 0) {
-        summary += summary.empty() ? "" : " and ";
-        summary += Count(counts.warnings, "warning", "warnings");
+        add(Count(counts.warnings, "warning", "warnings"), counts.notes > 0 ? ", " : " and ");
+    }
+    if (counts.notes > 0) {
+        add(Count(counts.notes, "note", "notes"), " and ");
     }
     const std::string files = Count(report.size(), "file", "files");
     return (summary.empty() ? "no findings" : summary) + " in " + files;
