@@ -35,6 +35,11 @@ constexpr char kCheckFlag[] = "--check";
 constexpr char kCheckHelp[] =
     "Change nothing; say what would change, and end with exit status 1 if anything would";
 
+constexpr char kDiffFlag[] = "--diff";
+constexpr char kDiffHelp[] =
+    "Change nothing; show what would change, as a unified diff, and end with exit status 1 if "
+    "anything would";
+
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",
     "File of 64 hexadecimal digits; - is standard input; without this option, the built-in key",
