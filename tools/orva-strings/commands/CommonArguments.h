@@ -23,6 +23,11 @@ constexpr Argument kReference = {
     "--reference", "LANGUAGE",
     "The section that the others are compared with; the first by default"};
 
+constexpr Argument kBase = {
+    "--base", "OLD",
+    "An earlier state of FILE, to find translations of texts that have changed since", Role::kFile};
+constexpr char kBaseNeedsOneFile[] = "--base can be compared with only one FILE";
+
 constexpr Argument kScope = {
     "--scope", "NAME",
     "What holds the constants: a namespace in C++, by default keys, an enumeration in Swift, by "

@@ -12,6 +12,7 @@ std::unique_ptr<Command> MakeRekey();
 std::unique_ptr<Command> MakeReveal();
 std::unique_ptr<Command> MakeSections();
 std::unique_ptr<Command> MakeShow();
+std::unique_ptr<Command> MakeStats();
 std::unique_ptr<Command> MakeSync();
 std::unique_ptr<Command> MakeUsage();
 std::unique_ptr<Command> MakeWhere();
@@ -19,8 +20,8 @@ std::unique_ptr<Command> MakeWhere();
 Commands MakeCommands() {
     Commands commands;
     for (const auto make :
-         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeSync, MakeExplain,
-          MakeShow, MakeSections, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
+         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeSync, MakeExplain, MakeShow,
+          MakeSections, MakeStats, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;

@@ -263,7 +263,7 @@ SyncedStrings::SyncedStrings(const std::string& bytes, const SyncOptions& option
     }
     const auto find = [&](const std::string& language) {
         Findings findings;
-        const auto section = FindSection(bytes, language, false, findings);
+        auto section = FindSection(bytes, language, false, findings);
         m_obstacles.insert(m_obstacles.end(), findings.begin(), findings.end());
         return section;
     };

@@ -14,7 +14,10 @@ Counts CountsIn(const Report& report) {
 }
 
 std::string Summary(const Report& report) {
-    const Counts counts = CountsIn(report);
+    return Summary(CountsIn(report), report.size());
+}
+
+std::string Summary(const Counts& counts, std::size_t files) {
     std::string summary;
     if (counts.errors > 0) {
         summary = Count(counts.errors, "error", "errors");
@@ -23,6 +26,5 @@ std::string Summary(const Report& report) {
         summary += summary.empty() ? "" : " and ";
         summary += Count(counts.warnings, "warning", "warnings");
     }
-    const std::string files = Count(report.size(), "file", "files");
-    return (summary.empty() ? "no findings" : summary) + " in " + files;
+    return (summary.empty() ? "no findings" : summary) + " in " + Count(files, "file", "files");
 }

@@ -16,6 +16,7 @@ struct Counts {
 Counts CountsIn(const Report& report);
 
 // Such as "3 errors and 1 warning in 2 files".
+std::string Summary(const Counts& counts, std::size_t files);
 std::string Summary(const Report& report);
 
 #endif
