@@ -58,6 +58,20 @@ TEST_F(Stats, ComparesWithAnotherReference) {
                   "3 errors and 4 warnings in 1 file\n");
 }
 
+TEST_F(Stats, TakesAnEmptyTextForTheReferencesOwn) {
+    EXPECT_EQ(Run({"stats", "-"}, "QVLANG=en\nABCD=\nABCE=1\nQVLANG=de\nABCD=\nABCE=\n"), 0);
+    EXPECT_NE(m_out.find("        2       50        0      -      1     1  "), std::string::npos)
+        << m_out;
+}
+
+TEST_F(Stats, CountsNoFindingOutsideSectionsForALanguage) {
+    EXPECT_EQ(Run({"stats", "-"}, "ABCD=1\nQVLANG=\n"), 0);
+    EXPECT_EQ(m_out, kHeading +
+                         "        0      100        0      -      0     0          0       1         0"
+                         "  \"\"  (reference)\n"
+                         "1 error and 1 warning in 1 file\n");
+}
+
 TEST_F(Stats, FindsWhatIsStaleWithAnEarlierFile) {
     const std::string key = Write("key", std::string(64, '1'));
     ASSERT_EQ(Run({"protect", "--key-file", key, "-"},

@@ -1,4 +1,5 @@
 // The command sync.
+#include <cstddef>
 #include <set>
 #include <sstream>
 #include <string>
@@ -84,6 +85,26 @@ TEST_F(OrvaStringsSync, ShowsADiff) {
     EXPECT_EQ(m_err, "");
     EXPECT_EQ(Run({"sync", "--diff", "-"}, kSynced), 0);
     EXPECT_EQ(m_out + m_err, "");
+}
+
+TEST_F(OrvaStringsSync, ShowsChangesTogetherWhoseLinesAroundThemMeet) {
+    const auto hunks = [&](int between) {
+        std::string reference = "QVLANG=en\nAAAA=1\nBBBB=1\n";
+        std::string section = "QVLANG=de\nBBBB=1\nAAAA=1\n";
+        for (int i = 0; i < between; ++i) {
+            reference += "MMM" + std::to_string(i) + "=1\n";
+            section += "MMM" + std::to_string(i) + "=1\n";
+        }
+        Run({"sync", "--diff", "-"}, reference + "YYYY=1\nZZZZ=1\n" + section + "ZZZZ=1\nYYYY=1\n");
+        std::size_t count = 0;
+        for (std::size_t i = 0; (i = m_out.find("\n@@ -", i)) != std::string::npos; ++i) {
+            ++count;
+        }
+        return count;
+    };
+    EXPECT_EQ(hunks(0), 1U);
+    EXPECT_EQ(hunks(6), 1U);
+    EXPECT_EQ(hunks(7), 2U);
 }
 
 TEST_F(OrvaStringsSync, IsAFilterForStandardInput) {

@@ -22,6 +22,15 @@ ExitStatus TranslationsCommand::Run(const Console& console) {
     if (!m_base.empty() && m_files.size() != 1) {
         throw UsageError(kBaseNeedsOneFile);
     }
+    bool hasTaken = false;
+    const ExitStatus status = TakeFiles(console, hasTaken);
+    if (hasTaken) {
+        Write(console);  // when the keys are gone
+    }
+    return status;
+}
+
+ExitStatus TranslationsCommand::TakeFiles(const Console& console, bool& hasTaken) {
     const ProtectionKeys keys = console.ReadKey(m_keyFile).Derive();
     CheckOptions options(keys);
     options.reference = m_reference;
@@ -29,7 +38,6 @@ ExitStatus TranslationsCommand::Run(const Console& console) {
         m_base.empty() ? std::nullopt : std::optional(ReadFile(m_base));
     options.base = base;
     ExitStatus status = kDone;
-    bool hasTaken = false;
     for (const std::string& file : m_files) {
         const std::optional<FileSnapshot> content = console.ReadOrSay(file);
         if (!content) {
@@ -38,19 +46,15 @@ ExitStatus TranslationsCommand::Run(const Console& console) {
         }
         const std::string& name = NameOf(file, m_stdinName);
         Findings findings;
-        std::optional<Translations> translations =
+        auto translations =
             ReadTranslations(content->bytes, m_reference, options.base, keys, findings);
         status = std::max(status, console.Report(findings, name));
         if (translations) {
             hasTaken = true;
-            status =
-                std::max(status, Take({name, std::move(*translations),
-                                       CheckStrings(content->bytes, options), base.has_value()},
-                                      console));
+            const TranslatedFile taken = {name, std::move(*translations),
+                                          CheckStrings(content->bytes, options), base.has_value()};
+            status = std::max(status, Take(taken, console));
         }
-    }
-    if (hasTaken) {
-        Write(console);
     }
     return status;
 }

@@ -30,6 +30,9 @@ protected:
     explicit TranslationsCommand(CommandText text) : Command(std::move(text)) {}
 
 private:
+    // Takes the files that can be read. Sets hasTaken if there is one.
+    ExitStatus TakeFiles(const Console& console, bool& hasTaken);
+
     // Takes a file that could be read, in the order of the arguments.
     virtual ExitStatus Take(const TranslatedFile& file, const Console& console) = 0;
 

@@ -6,8 +6,7 @@ Counts CountsIn(const Report& report) {
     Counts counts;
     for (const FileReport& file : report) {
         for (const RuleFinding& finding : file.findings) {
-            counts.errors += finding.severity == Severity::kError ? 1U : 0U;
-            counts.warnings += finding.severity == Severity::kWarning ? 1U : 0U;
+            counts.Add(finding.severity);
         }
     }
     return counts;

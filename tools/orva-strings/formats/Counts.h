@@ -11,6 +11,11 @@
 struct Counts {
     std::size_t errors = 0;
     std::size_t warnings = 0;
+
+    void Add(Severity severity) {
+        errors += severity == Severity::kError ? 1U : 0U;
+        warnings += severity == Severity::kWarning ? 1U : 0U;
+    }
 };
 
 Counts CountsIn(const Report& report);

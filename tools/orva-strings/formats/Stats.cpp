@@ -4,23 +4,33 @@
 #include <cctype>
 #include <cstring>
 #include <iomanip>
-#include <iterator>
+#include <string_view>
+#include <unordered_map>
 
-#include "strings/Line.h"
+#include "tools/orva-strings/checks/SectionKeys.h"
 #include "tools/orva-strings/cli/Json.h"
 #include "tools/orva-strings/cli/Printable.h"
 #include "tools/orva-strings/document/NearHeader.h"
 
 namespace {
 
-Counts CountsIn(const RuleFindings& findings, const std::string& language) {
-    Report own(1);
-    std::copy_if(findings.begin(), findings.end(), std::back_inserter(own[0].findings),
-                 [&](const RuleFinding& finding) {
-                     return !finding.section.empty() &&
-                            IsName(MeantSectionName(finding.section), language.c_str());
-                 });
-    return CountsIn(own);
+// What the library compares of a section's name.
+std::string_view Compared(std::string_view name) {
+    return name.substr(0, name.find('\0'));
+}
+
+using CountsByName =
+    std::unordered_map<std::string_view, Counts, HashWithoutCase, EqualWithoutCase>;
+
+// Counts the findings in sections, the first of which begins on this line.
+CountsByName CountBySection(const RuleFindings& findings, std::size_t firstLine) {
+    CountsByName counts;
+    for (const RuleFinding& finding : findings) {
+        if (finding.place && finding.place->line >= firstLine) {
+            counts[Compared(MeantSectionName(finding.section))].Add(finding.severity);
+        }
+    }
+    return counts;
 }
 
 std::string Capitals(const char* name) {
@@ -65,9 +75,10 @@ std::string Total(const std::vector<FileStats>& files) {
 FileStats StatsOf(const std::string& file, const Translations& translations,
                   const RuleFindings& findings, bool isStaleKnown) {
     FileStats stats = {file, {}, CountsIn({{file, findings}})};
+    CountsByName countsByName = CountBySection(findings, translations.languages[0].line);
     for (const Translation& language : translations.languages) {
         const std::string name(language.name);
-        const Counts counts = CountsIn(findings, name);
+        const Counts counts = countsByName[Compared(language.name)];
         const auto stale =
             isStaleKnown ? std::optional(language.CountOf(TextState::kStale)) : std::nullopt;
         stats.languages.push_back({name,
