@@ -53,7 +53,7 @@ TEST_F(Stats, ComparesWithAnotherReference) {
                   "  deutsch  (reference)\n"
                   "        1       50        1      -      0     1          0       1         1"
                   "  It\n"
-                  "        0        0        2      -      0     0          0       0         0"
+                  "        0        0        2      -      0     0          0       1         2"
                   "  \"\"\n"
                   "3 errors and 4 warnings in 1 file\n");
 }

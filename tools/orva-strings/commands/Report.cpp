@@ -3,6 +3,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
@@ -33,9 +34,9 @@ private:
 
     // Replaces no file but such a page, so that a slip costs nothing.
     void Write(const Console& console) override {
-        const std::string page = TranslationPage(m_parts);
+        const auto page = [&](const TakePiece& take) { WritePage(m_parts, take); };
         if (m_output.empty() || m_output == "-") {
-            console.Out() << page;
+            page([&](std::string_view piece) { console.Out() << piece; });
             return;
         }
         if (std::filesystem::exists(m_output)) {
@@ -46,7 +47,7 @@ private:
             }
         }
         console.SayDone(m_output, "wrote the report on " + Count(m_count, "file", "files"),
-                        [&] { WriteFile(m_output, [&](const TakePiece& take) { take(page); }); });
+                        [&] { WriteFile(m_output, page); });
     }
 
     std::string m_output;

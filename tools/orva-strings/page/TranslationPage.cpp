@@ -241,7 +241,7 @@ std::string FilePart(const std::string& file, const Translations& translations,
     return Tagged("section", "", part);
 }
 
-std::string TranslationPage(const std::string& parts) {
+void WritePage(const std::string& parts, const TakePiece& take) {
     std::string head = "<meta charset=\"utf-8\">\n";
     head += "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src ";
     head += InlineSource(kPageStyle) + "; script-src " + InlineSource(kPageScript);
@@ -249,9 +249,9 @@ std::string TranslationPage(const std::string& parts) {
     head += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
     head += Tagged("title", "", "Translations");
     head += Tagged("style", "", kPageStyle);
-    const std::string body = Tagged("h1", "", "Translations") + Tagged("main", "", parts) +
-                             Tagged("script", "", kPageScript);
-    std::string page(kPageBegin);
-    page += Tagged("head", "", head) + Tagged("body", "", body);
-    return page + "</html>\n";
+    take(kPageBegin);
+    take(Tagged("head", "", head));
+    take("<body>\n" + Tagged("h1", "", "Translations") + "<main>\n");
+    take(parts);
+    take("</main>\n" + Tagged("script", "", kPageScript) + "</body>\n</html>\n");
 }

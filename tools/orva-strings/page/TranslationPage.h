@@ -6,6 +6,7 @@
 
 #include "tools/orva-strings/checks/RuleFinding.h"
 #include "tools/orva-strings/checks/Translations.h"
+#include "tools/orva-strings/system/Files.h"
 
 // What every page begins with.
 constexpr std::string_view kPageBegin =
@@ -16,7 +17,7 @@ constexpr std::string_view kPageBegin =
 std::string FilePart(const std::string& file, const Translations& translations,
                      const RuleFindings& findings);
 
-// The whole page with these parts. It loads nothing, and runs no script but its own.
-std::string TranslationPage(const std::string& parts);
+// Calls take with the whole page with these parts. It loads nothing, and runs no script but its own.
+void WritePage(const std::string& parts, const TakePiece& take);
 
 #endif
