@@ -11,6 +11,14 @@
 
 namespace {
 
+constexpr Argument kStatsFormat = {
+    "--format",          "FORMAT", "The form of the output; text by default",
+    Role::kText,         false,    nullptr,
+    "text|json|markdown"};
+
+constexpr Argument kFailUnder = {"--fail-under", "PERCENT",
+                                 "End with exit status 1 if less of a language is translated"};
+
 // The number that --fail-under names. Throws UsageError if it is not a percentage.
 std::size_t PercentOf(const std::string& text) {
     const bool isNumber = !text.empty() && text.size() <= 3 &&
@@ -32,12 +40,8 @@ public:
 
     void Declare(Arguments& arguments) override {
         TranslationsCommand::Declare(arguments);
-        arguments.Add({"--format", "FORMAT", "The form of the output; text by default", Role::kText,
-                       false, nullptr, "text|json|markdown"},
-                      m_format);
-        arguments.Add({"--fail-under", "PERCENT",
-                       "End with exit status 1 if less of a language is translated"},
-                      m_failUnder);
+        arguments.Add(kStatsFormat, m_format);
+        arguments.Add(kFailUnder, m_failUnder);
     }
 
     ExitStatus Run(const Console& console) override {

@@ -13,6 +13,18 @@
 
 namespace {
 
+constexpr Argument kSection = {"--language", "SECTION",
+                               "A section to change, instead of all; may be given several times"};
+
+constexpr Argument kFill = {
+    "--fill",
+    "TEXTS",
+    "Whether to add the entries that are missing, with the reference's texts; none by default",
+    Role::kText,
+    false,
+    nullptr,
+    "reference|none"};
+
 // What is done to a file, or would be if it is only planned; empty if nothing is.
 std::string Changes(const SyncedStrings& synced, bool isOnlyPlanned) {
     std::size_t moved = 0;
@@ -42,15 +54,9 @@ public:
 
     void Declare(Arguments& arguments) override {
         arguments.Add(kStringsFile, m_file);
-        arguments.Add({"--language", "SECTION",
-                       "A section to change, instead of all; may be given several times"},
-                      m_options.languages);
+        arguments.Add(kSection, m_options.languages);
         arguments.Add(kReference, m_options.reference);
-        arguments.Add({"--fill", "TEXTS",
-                       "Whether to add the entries that are missing, with the reference's texts; "
-                       "none by default",
-                       Role::kText, false, nullptr, "reference|none"},
-                      m_fill);
+        arguments.Add(kFill, m_fill);
         arguments.AddFlag("--prune", "Remove the entries whose keys the reference lacks",
                           m_options.isPruned);
         m_flags.Declare(arguments);

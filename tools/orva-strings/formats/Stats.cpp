@@ -6,6 +6,7 @@
 #include <iomanip>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "tools/orva-strings/checks/SectionKeys.h"
 #include "tools/orva-strings/cli/Json.h"
@@ -79,20 +80,22 @@ FileStats StatsOf(const std::string& file, const Translations& translations,
     for (const Translation& language : translations.languages) {
         const std::string name(language.name);
         const Counts counts = countsByName[Compared(language.name)];
-        const auto stale =
-            isStaleKnown ? std::optional(language.CountOf(TextState::kStale)) : std::nullopt;
-        stats.languages.push_back({name,
-                                   language.line,
-                                   &language == &translations.Reference(),
-                                   {{{"entries", language.entries.All().size()},
-                                     {"percent", language.Percent()},
-                                     {"missing", language.CountOf(TextState::kMissing)},
-                                     {"stale", stale},
-                                     {"empty", language.CountOf(TextState::kEmpty)},
-                                     {"same", language.CountOf(TextState::kSame)},
-                                     {"protected", language.ProtectedCount()},
-                                     {"errors", counts.errors},
-                                     {"warnings", counts.warnings}}}});
+        const bool isReference = &language == &translations.Reference();
+        LanguageStats own = {name, language.line, isReference, {}};
+        const auto add = [&](const char* what, std::optional<std::size_t> value) {
+            own.numbers.push_back({what, value});
+        };
+        add("entries", language.entries.All().size());
+        add("percent", language.Percent());
+        add("missing", language.CountOf(TextState::kMissing));
+        const std::size_t stale = language.CountOf(TextState::kStale);
+        add("stale", isStaleKnown ? std::optional(stale) : std::nullopt);
+        add("empty", language.CountOf(TextState::kEmpty));
+        add("same", language.CountOf(TextState::kSame));
+        add("protected", language.ProtectedCount());
+        add("errors", counts.errors);
+        add("warnings", counts.warnings);
+        stats.languages.push_back(std::move(own));
     }
     return stats;
 }

@@ -1,7 +1,6 @@
 #ifndef ORVALANGUAGE_TOOLS_FORMATS_STATS_H
 #define ORVALANGUAGE_TOOLS_FORMATS_STATS_H
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <ostream>
@@ -21,7 +20,7 @@ struct LanguageStats {
         const char* name;
         std::optional<std::size_t> value;  // nothing if it is not known
     };
-    std::array<Number, 9> numbers;
+    std::vector<Number> numbers;
 };
 
 struct FileStats {
