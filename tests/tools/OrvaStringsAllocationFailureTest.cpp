@@ -194,6 +194,26 @@ TEST_F(OrvaStringsAllocationFailure, LeavesAFileToMendWhole) {
     FailAtEach({"fix", "-"});
 }
 
+TEST_F(OrvaStringsAllocationFailure, LeavesAFileToSyncWhole) {
+    const std::string whole = "QVLANG=en\nMENU_OPEN_RECENT_DOCUMENTS=1\nMENU_QUIT=2\nMENU_OK=3\n";
+    const std::string unsynced = whole +
+                                 "QVLANG=de\n# a comment\nMENU_QUIT=2\nOLD_KEY=1\n"
+                                 "MENU_OPEN_RECENT_DOCUMENTS=1\n";
+    const std::string synced = whole +
+                               "QVLANG=de\nMENU_OPEN_RECENT_DOCUMENTS=1\n# a comment\n"
+                               "MENU_QUIT=2\nOLD_KEY=1\nMENU_OK=3\n";
+    FailAtEach(
+        {"sync", "--fill", "reference", Path("file")}, [&] { m_folder.Write("file", unsynced); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("file")), status == 0 ? synced : unsynced);
+            EXPECT_EQ(FilesInFolder(), 5U) << "nothing but the file";
+        });
+    m_input = unsynced;
+    FailAtEach({"sync", "-"});
+    FailAtEach({"stats", "--base", Path("readable"), Path("readable")});
+    FailAtEach({"report", "-"});
+}
+
 TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
     const std::vector<std::string> arguments = {"protect",        "--key-file", Path("key"),
                                                 Path("readable"), "-o",         Path("out")};

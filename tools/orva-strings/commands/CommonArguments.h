@@ -23,6 +23,11 @@ constexpr Argument kReference = {
     "--reference", "LANGUAGE",
     "The section that the others are compared with; the first by default"};
 
+constexpr Argument kBase = {
+    "--base", "OLD",
+    "An earlier state of FILE, to find translations of texts that have changed since", Role::kFile};
+constexpr char kBaseNeedsOneFile[] = "--base can be compared with only one FILE";
+
 constexpr Argument kScope = {
     "--scope", "NAME",
     "What holds the constants: a namespace in C++, by default keys, an enumeration in Swift, by "
@@ -34,6 +39,11 @@ constexpr char kOutputHelp[] =
 constexpr char kCheckFlag[] = "--check";
 constexpr char kCheckHelp[] =
     "Change nothing; say what would change, and end with exit status 1 if anything would";
+
+constexpr char kDiffFlag[] = "--diff";
+constexpr char kDiffHelp[] =
+    "Change nothing; show what would change, as a unified diff, and end with exit status 1 if "
+    "anything would";
 
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",

@@ -9,17 +9,20 @@ std::unique_ptr<Command> MakeKeyShow();
 std::unique_ptr<Command> MakeKeys();
 std::unique_ptr<Command> MakeProtect();
 std::unique_ptr<Command> MakeRekey();
+std::unique_ptr<Command> MakeReport();
 std::unique_ptr<Command> MakeReveal();
 std::unique_ptr<Command> MakeSections();
 std::unique_ptr<Command> MakeShow();
+std::unique_ptr<Command> MakeStats();
+std::unique_ptr<Command> MakeSync();
 std::unique_ptr<Command> MakeUsage();
 std::unique_ptr<Command> MakeWhere();
 
 Commands MakeCommands() {
     Commands commands;
-    for (const auto make :
-         {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain, MakeShow,
-          MakeSections, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
+    for (const auto make : {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeSync,
+                            MakeExplain, MakeShow, MakeSections, MakeStats, MakeReport, MakeKeys,
+                            MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;
