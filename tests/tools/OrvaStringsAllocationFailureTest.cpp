@@ -233,6 +233,30 @@ TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
         });
 }
 
+TEST_F(OrvaStringsAllocationFailure, ExportsAWholeDocumentOrNone) {
+    m_folder.Write("texts",
+                   "QVLANG=English\n# orva: language en\n# the first entry of a menu\n"
+                   "# orva: max-length 60\nMENU_OPEN_RECENT=\"Open one of those documents\"\n"
+                   "# \xFF\nA_KEY_WITH_A_WRONG_COMMENT=\"A text that is not short & sweet\"\n"
+                   "QVLANG=Deutsch\n# orva: language de\n"
+                   "MENU_OPEN_RECENT=\"Eines der Dokumente öffnen\"\nQVLANG=deutsch\n");
+    const std::vector<std::string> arguments = {"export", "--all", "-o", Path("xliff"),
+                                                Path("texts")};
+    std::string whole;
+    FailAtEach(
+        arguments, [&] { fs::remove_all(Path("xliff")); },
+        [&](int status) {
+            const std::string out = Path("xliff/de.xlf");
+            const std::string bytes = fs::exists(out) ? ReadFile(out) : "";
+            whole = whole.empty() ? bytes : whole;
+            // What is found in the file is said last.
+            EXPECT_TRUE(bytes == whole || (status != 0 && bytes.empty())) << bytes;
+        });
+    EXPECT_NE(whole.find("short &amp; sweet"), std::string::npos) << whole;
+    FailAtEach({"export", "--language", "Deutsch", "--code", "English=en", "--code", "Deutsch=de",
+                "--reveal", "--key-file", Path("key"), "-o", "-", Path("protected")});
+}
+
 TEST_F(OrvaStringsAllocationFailure, IsReportedWhereTheResultIsWritten) {
     FailAtEach({"protect", "--key-file", Path("key"), "-"});
     FailAtEach({"reveal", "--key-file", Path("key"), Path("protected")});

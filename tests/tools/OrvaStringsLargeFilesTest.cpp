@@ -174,6 +174,22 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesAreComparedWithSourcesInSixteenTimesThe
     EXPECT_LE(peak.Bytes(), 16 * file.size());
 }
 
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreExportedInThreeTimesTheirSizeAtMost) {
+    const std::string file = Translations(2000);
+    m_folder.Write("file", file);
+    std::vector<std::string> command = {"export", "--all", "-o", Path("xliff"), Path("file")};
+    for (int language = 0; language < 30; ++language) {
+        const std::string number = std::to_string(language);
+        command.insert(command.end(), {"--code", "language " + number + "=aa-" + number});
+    }
+    const AllocationPeak peak;
+    EXPECT_EQ(Run(command), 0);
+    EXPECT_EQ(m_err.last, Path("xliff/aa-29.xlf") + ": wrote 2000 entries\n");
+    EXPECT_EQ(m_err.writes, 29U);
+    EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+    EXPECT_LE(peak.Bytes(), 3 * file.size());
+}
+
 // Time that grows with the square of the findings would exceed the time limit here and below.
 TEST_F(OrvaStringsLargeFiles, OfMegabytesAreCheckedInTimeInProportionToTheirFindings) {
     constexpr std::size_t kFindings = 20'000;

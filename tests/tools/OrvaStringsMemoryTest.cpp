@@ -127,6 +127,7 @@ protected:
             m_folder.Write("first", File(Stored(kText, first)));
             m_folder.Write("second", File(Stored(kText, second)));
             m_folder.Write("built-in", File(Stored(kText, DevelopmentKey())));
+            m_folder.Write("two", File(Stored(kText, first)) + "QVLANG=de\n");
             m_folder.Write("bad", File(std::string(96, '0')));
             m_folder.Write("long.key", ToHex(first) + ToHex(second) + "\n");
             m_folder.Write("wrong.key", ToHex(first).replace(63, 1, "x"));
@@ -219,6 +220,11 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         {{"show", "--all-languages", "--key-file", "-", Path("second")}, second, 0, ""},
         {{"show", "--key-file", first, "--format", "json", Path("second")}, "", 1, ""},
         {{"sections", Path("first")}, "", 0, ""},
+        {{"export", "--language", "de", "--code", "en=en", "--code", "de=de", "--reveal",
+          "--key-file", first, "-o", "-", Path("two")},
+         "",
+         0,
+         ""},
         {{"fix", "-"}, Path("first"), 0, "first"},
         {{"keys", "--language", "c", Path("built-in")}, "", 0, ""},
         {{"usage", "--source", Path("readable"), Path("built-in")}, "", 0, ""},
@@ -236,7 +242,8 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
         InAnotherProcess([&] {
             EXPECT_EQ(Run(c.arguments, c.input.empty() ? "/dev/null" : c.input), c.status);
             EXPECT_EQ(m_search.Found(), Hits());
-            if (c.arguments[0] != "show") {  // show still needs the key
+            // These still need the key.
+            if (c.arguments[0] != "show" && c.arguments[0] != "export") {
                 EXPECT_EQ(m_atOutput, Hits());
             }
             if (!c.result.empty()) {

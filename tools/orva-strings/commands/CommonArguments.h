@@ -27,6 +27,8 @@ constexpr Argument kBase = {
     "--base", "OLD",
     "An earlier state of FILE, to find translations of texts that have changed since", Role::kFile};
 constexpr char kBaseNeedsOneFile[] = "--base can be compared with only one FILE";
+constexpr Argument kLanguageCode = {
+    "--code", "CODE", "The language of a section, such as Deutsch=de; may be given several times"};
 
 constexpr Argument kScope = {
     "--scope", "NAME",
@@ -44,6 +46,8 @@ constexpr char kDiffFlag[] = "--diff";
 constexpr char kDiffHelp[] =
     "Change nothing; show what would change, as a unified diff, and end with exit status 1 if "
     "anything would";
+constexpr char kRevealFlag[] = "--reveal";
+constexpr char kRevealHelp[] = "Include protected texts, readable";
 
 constexpr Argument kKeyFile = {
     "--key-file", "KEYFILE",

@@ -45,7 +45,7 @@ public:
             "--fallback",
             "If no section has that name, show the first one, as the library would load it",
             m_hasFallback);
-        arguments.AddFlag("--reveal", "Show protected texts too", m_isRevealed);
+        arguments.AddFlag(kRevealFlag, kRevealHelp, m_isRevealed);
         arguments.Add(kKeyFile, m_keyFile);
         arguments.Add(kTextOrJson, m_format);
         arguments.Add(kStdinName, m_stdinName);

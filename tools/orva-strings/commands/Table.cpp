@@ -3,6 +3,7 @@
 // Each is defined in its command's file.
 std::unique_ptr<Command> MakeCheck();
 std::unique_ptr<Command> MakeExplain();
+std::unique_ptr<Command> MakeExport();
 std::unique_ptr<Command> MakeFix();
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
@@ -21,8 +22,8 @@ std::unique_ptr<Command> MakeWhere();
 Commands MakeCommands() {
     Commands commands;
     for (const auto make : {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeSync,
-                            MakeExplain, MakeShow, MakeSections, MakeStats, MakeReport, MakeKeys,
-                            MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
+                            MakeExplain, MakeShow, MakeSections, MakeStats, MakeReport, MakeExport,
+                            MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;
