@@ -23,6 +23,9 @@ constexpr Argument kReference = {
     "--reference", "LANGUAGE",
     "The section that the others are compared with; the first by default"};
 
+constexpr Argument kLanguageCode = {
+    "--code", "CODE", "The language of a section, such as Deutsch=de; may be given several times"};
+
 constexpr Argument kScope = {
     "--scope", "NAME",
     "What holds the constants: a namespace in C++, by default keys, an enumeration in Swift, by "

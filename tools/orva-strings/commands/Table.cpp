@@ -4,6 +4,7 @@
 std::unique_ptr<Command> MakeCheck();
 std::unique_ptr<Command> MakeExplain();
 std::unique_ptr<Command> MakeFix();
+std::unique_ptr<Command> MakeImport();
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
 std::unique_ptr<Command> MakeKeys();
@@ -19,7 +20,7 @@ Commands MakeCommands() {
     Commands commands;
     for (const auto make :
          {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeExplain, MakeShow,
-          MakeSections, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
+          MakeSections, MakeImport, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;

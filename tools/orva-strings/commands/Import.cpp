@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/orva-strings/cli/Command.h"
+#include "tools/orva-strings/cli/Count.h"
+#include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/document/FindSection.h"
+#include "tools/orva-strings/exchange/Importer.h"
+#include "tools/orva-strings/system/Files.h"
+
+namespace {
+
+// Brings the texts that translators have written into a strings file.
+class Import : public Command {
+public:
+    Import()
+        : Command({"import",
+                   "Bring translations from XLIFF 1.2 files into a strings file",
+                   {"import --code English=en --code Deutsch=de Source.strings de.xlf"}}) {}
+
+    void Declare(Arguments& arguments) override {
+        arguments.Add(kStringsFile, m_file);
+        arguments.Add({"XLIFF", "", "The XLIFF files", Role::kFile, true}, m_documents);
+        arguments.Add(kLanguageCode, m_codes);
+        arguments.Add(kReference, m_reference);
+        arguments.AddFlag("--create",
+                          "Add the section of a language, and entries, that are missing",
+                          m_options.creates);
+        arguments.AddFlag("--accept-stale",
+                          "Import a text even if its source is no longer the reference's text",
+                          m_options.acceptsStale);
+        arguments.Add(
+            {"--accept-state", "STATE",
+             "Import texts in this state, though it says that they are not finished; may be "
+             "given several times",
+             Role::kText, false, nullptr,
+             "new|needs-adaptation|needs-l10n|needs-review-adaptation|needs-review-l10n|"
+             "needs-review-translation|needs-translation"},
+            m_options.acceptedStates);
+        arguments.Add(kKeyFile, m_keyFile);
+        arguments.AddFlag(kCheckFlag, kCheckHelp, m_isCheck);
+    }
+
+    ExitStatus Run(const Console& console) override {
+        const FileSnapshot before = console.Read(m_file);
+        const LanguageCodes codes(m_codes);
+        Findings findings;
+        const auto reference = FindSection(before.bytes, m_reference, false, findings);
+        if (!reference) {
+            return console.Report(findings, m_file);
+        }
+        const ProtectionKeys keys = console.ReadKey(m_keyFile).Derive();
+        StringsDocument document(before.bytes);
+        Importer importer(document, before.bytes, *reference, codes, keys, m_options);
+        const bool isRead = ReadDocuments(importer);
+        if (isRead) {
+            importer.Apply();
+        }
+        const ExitStatus status = Report(importer, console);
+        return isRead ? std::max(status, Write(document, importer.Counts(), before, console))
+                      : status;
+    }
+
+private:
+    // Returns whether all could be read and no text came twice.
+    bool ReadDocuments(Importer& importer) const {
+        bool isRead = true;
+        for (const std::string& file : m_documents) {
+            importer.BeginDocument();
+            XliffReader reader([&](const XliffFile& part) { importer.BeginFile(part); },
+                               [&](const XliffUnit& unit) { importer.Take(unit); });
+            try {
+                ReadFileInPieces(file, [&](std::string_view piece) { reader.Read(piece); });
+                reader.Finish();
+            } catch (const XliffError& error) {
+                importer.AllFindings().back().push_back(
+                    {Severity::kError, error.Line(), error.what()});
+                isRead = false;
+            }
+        }
+        return isRead && !importer.HasDoubled();
+    }
+
+    ExitStatus Report(Importer& importer, const Console& console) const {
+        ExitStatus status = kDone;
+        for (std::size_t i = 0; i < m_documents.size(); ++i) {
+            const Findings& findings = importer.AllFindings()[i];
+            status = std::max(status, console.Report(findings, m_documents[i]));
+        }
+        return status;
+    }
+
+    ExitStatus Write(const StringsDocument& document, const ImportCounts& counts,
+                     const FileSnapshot& before, const Console& console) const {
+        const auto result = [&](const TakePiece& take) { document.WriteInPieces(take); };
+        if (m_isCheck) {
+            if (document.IsChanged()) {
+                console.SayDone(m_file, Summary(counts), [] {});
+            }
+            return document.IsChanged() ? kFindings : kDone;
+        }
+        if (m_file == "-") {
+            result([&](std::string_view piece) { console.Out() << piece; });
+        } else {
+            console.SayDone(m_file, Summary(counts), [&] {
+                if (document.IsChanged()) {
+                    ReplaceFile(m_file, before, result);
+                }
+            });
+        }
+        return kDone;
+    }
+
+    std::string Summary(const ImportCounts& counts) const {
+        std::string summary = m_isCheck ? "would change " : "changed ";
+        summary += Count(counts.changed, "entry", "entries");
+        if (counts.added > 0) {
+            summary += ", " + std::string(m_isCheck ? "add " : "added ");
+            summary += std::to_string(counts.added);
+        }
+        if (counts.same > 0) {
+            summary += ", " + Count(counts.same, "was the same", "were the same");
+        }
+        if (counts.unfinished > 0) {
+            summary += ", " + Count(counts.unfinished, "is not finished", "are not finished");
+        }
+        return summary;
+    }
+
+    std::string m_file;
+    std::vector<std::string> m_documents;
+    std::vector<std::string> m_codes;
+    std::string m_reference;
+    std::string m_keyFile;
+    ImportOptions m_options;
+    bool m_isCheck = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeImport() {
+    return std::make_unique<Import>();
+}
