@@ -63,7 +63,7 @@ std::optional<std::string> Imported(const std::string& file, const std::string& 
     if (name.empty()) {
         return std::nullopt;
     }
-    const LanguageCodes codes({name + "=en", "Deutsch=de"});
+    const LanguageCodes codes({name + "=en", "Deutsch=de"}, StringsReader(file), findings);
     StringsDocument document(file);
     Importer importer(document, file, *reference, codes, Keys(), options);
     importer.BeginDocument();

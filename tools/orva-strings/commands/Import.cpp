@@ -45,11 +45,11 @@ public:
 
     ExitStatus Run(const Console& console) override {
         const FileSnapshot before = console.Read(m_file);
-        const LanguageCodes codes(m_codes);
         Findings findings;
         const auto reference = FindSection(before.bytes, m_reference, false, findings);
-        if (!reference) {
-            return console.Report(findings, m_file);
+        const LanguageCodes codes(m_codes, StringsReader(before.bytes), findings);
+        if (console.Report(findings, m_file) != kDone) {
+            return kFindings;
         }
         const ProtectionKeys keys = console.ReadKey(m_keyFile).Derive();
         StringsDocument document(before.bytes);

@@ -3,7 +3,7 @@
 #include "strings/Line.h"
 #include "tools/orva-strings/cli/UsageError.h"
 
-LanguageCodes::LanguageCodes(const std::vector<std::string>& codes) {
+LanguageCodes::LanguageCodes(const std::vector<std::string>& codes, StringsReader, Findings&) {
     for (const std::string& code : codes) {
         const std::size_t at = code.rfind('=');
         if (at == std::string::npos || at == 0 || at + 1 == code.size()) {

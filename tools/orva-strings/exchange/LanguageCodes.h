@@ -7,9 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/document/StringsReader.h"
+
 class LanguageCodes {
 public:
-    explicit LanguageCodes(const std::vector<std::string>& codes);
+    LanguageCodes(const std::vector<std::string>& codes, StringsReader lines, Findings& findings);
     std::optional<std::string> CodeOf(std::string_view section) const;
     std::optional<std::string> SectionOf(std::string_view code) const;
 
