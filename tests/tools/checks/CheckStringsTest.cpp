@@ -612,6 +612,18 @@ TEST(CheckStrings, FindsDirectivesThatCannotBeFollowed) {
               "2:1 warning bad-directive\n2:1 warning commented-entry\n"
               "2:9 warning bad-directive\n");
     EXPECT_EQ(CheckLine("# orvaline: nothing"), "");
+    EXPECT_EQ(CheckLine("# orva: language"), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: language Deutsch"), "2:9 warning bad-directive\n");
+    EXPECT_EQ(CheckLine("# orva: language de AT"), "2:9 warning bad-directive\n");
+}
+
+TEST(CheckStrings, WantsTheLanguageOfASectionRightBelowItsHeader) {
+    const std::string language = "# orva: language en\n";
+    EXPECT_EQ(Check("QVLANG=en\n" + language + "MENU=\"x\"\n"), "");
+    EXPECT_EQ(Check("QVLANG=en\n# x\n\n# orva: max-length 1\n" + language + "MENU=\"x\"\n"), "");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"x\"\n" + language), "3:9 warning unused-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\nMENU=\"x\"\n# x\n" + language), "4:9 warning unused-directive\n");
+    EXPECT_EQ(Check(language + "QVLANG=en\nMENU=\"x\"\n"), "1:9 warning unused-directive\n");
 }
 
 TEST(CheckStrings, LimitsLengths) {

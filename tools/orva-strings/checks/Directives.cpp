@@ -1,57 +1,22 @@
 #include "tools/orva-strings/checks/Directives.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
-
-namespace {
-
-// The first word of a text, without the blanks before it. Removes both from the text.
-std::string_view TakeWord(std::string_view& text) {
-    text = TrimBlanks(text);
-    const std::size_t length = std::min(text.find_first_of(" \t"), text.size());
-    const std::string_view word = text.substr(0, length);
-    text.remove_prefix(length);
-    return word;
-}
-
-// What a comment says after "orva:", if it does.
-std::optional<std::string_view> DirectiveText(std::string_view comment) {
-    comment.remove_prefix(std::min(comment.find_first_not_of(" \t/#;*-"), comment.size()));
-    constexpr std::string_view kMark = "orva:";
-    if (comment.substr(0, kMark.size()) != kMark) {
-        return std::nullopt;
-    }
-    comment = TrimBlanks(comment.substr(kMark.size()));
-    if (comment.size() >= 2 && comment.substr(comment.size() - 2) == "*/") {
-        comment.remove_suffix(2);
-    }
-    return TrimBlanks(comment);
-}
-
-std::optional<std::size_t> ReadNumber(std::string_view text) {
-    std::size_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(number)
-                                                                    : std::nullopt;
-}
-
-}  // namespace
 
 void Directives::Read(const MeantReader& line, FindingCollector& findings) {
     if (line.Kind() == LineKind::kComment) {
-        if (const auto text = DirectiveText(line.Text())) {
+        if (const auto directive = ReadDirective(line.Text())) {
             if (line.Entry() && line.IsInSection()) {
                 findings.Add(Rule::kBadDirective, line.Line(), line.Text(), {},
                              "this directive is an entry, too; write it without an equals sign");
             }
-            ReadDirective(*text, line, findings);
+            Follow(*directive, line.Line(), findings);
             return;
         }
     }
+    m_isBelowHeader = IsRightBelowHeader(line.Lines(), m_isBelowHeader);
     for (; m_pending < m_silences.size(); ++m_pending) {
         m_silences[m_pending].line = line.Line().number;
     }
@@ -63,22 +28,31 @@ void Directives::Read(const MeantReader& line, FindingCollector& findings) {
     m_nextLimit = kNoLimit;
 }
 
-void Directives::ReadDirective(std::string_view text, const MeantReader& line,
-                               FindingCollector& findings) {
-    const std::string_view name = TakeWord(text);
-    if (name == "disable-next-line" && !TrimBlanks(text).empty()) {
-        AddSilences(text, line.Line(), findings);
+void Directives::Follow(const Directive& directive, const StringsLine& line,
+                        FindingCollector& findings) {
+    const auto [name, value] = directive;
+    if (name == "disable-next-line" && !value.empty()) {
+        AddSilences(value, line, findings);
         return;
     }
-    const std::optional<std::size_t> number = ReadNumber(TrimBlanks(text));
-    if (name == "max-length" && number) {
+    if (name == kLanguageDirective && IsLanguageCode(value)) {
+        if (!m_isBelowHeader) {
+            findings.Add(Rule::kUnusedDirective, line, name, {},
+                         "this is not right below the header of a section, whose language it could "
+                         "say");
+        }
+        return;
+    }
+    const std::optional<std::size_t> number = ReadNumber(value);
+    if (name == kMaxLengthDirective && number) {
         m_nextLimit = *number;
-        m_limitLine = line.Line();
+        m_limitLine = line;
         return;
     }
-    findings.Add(Rule::kBadDirective, line.Line(), name, {},
-                 "this directive has no effect; write 'disable-next-line RULE' or 'max-length "
-                 "NUMBER'");
+    findings.Add(
+        Rule::kBadDirective, line, name, {},
+        "this directive has no effect; write 'disable-next-line RULE', 'max-length NUMBER' "
+        "or 'language CODE'");
 }
 
 void Directives::AddSilences(std::string_view names, const StringsLine& line,

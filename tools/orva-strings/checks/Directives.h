@@ -8,11 +8,13 @@
 
 #include "tools/orva-strings/checks/FindingCollector.h"
 #include "tools/orva-strings/checks/MeantReader.h"
+#include "tools/orva-strings/document/Directive.h"
 
 // The directives in a file: comments that say "orva:" first, and then
 //
 //     disable-next-line RULE…    no findings of these rules about the next line
 //     max-length NUMBER          limits the texts of the next line's key
+//     language CODE              below a section's header: its language, for other programs
 //
 // The next line is the first one after it that is no directive itself.
 class Directives {
@@ -39,12 +41,13 @@ private:
         bool isUsed;
     };
 
-    void ReadDirective(std::string_view text, const MeantReader& line, FindingCollector& findings);
+    void Follow(const Directive& directive, const StringsLine& line, FindingCollector& findings);
     void CheckLimit(FindingCollector& findings) const;
     void AddSilences(std::string_view names, const StringsLine& line, FindingCollector& findings);
 
     std::vector<Silence> m_silences;
-    std::size_t m_pending = 0;  // the first silence whose line is not known yet
+    std::size_t m_pending = 0;     // the first silence whose line is not known yet
+    bool m_isBelowHeader = false;  // only comments and blank lines come between
     std::size_t m_nextLimit = kNoLimit;
     StringsLine m_limitLine = {};  // which sets it
     std::unordered_map<std::string_view, std::size_t> m_limits;

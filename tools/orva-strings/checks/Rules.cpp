@@ -320,13 +320,13 @@ const RuleText kRules[] = {
     {"bad-directive",
      kWarning,
      "a directive that can't be followed, or is an entry itself",
-     "A directive is a comment: '# orva: disable-next-line RULE' or '# orva: max-length NUMBER'. "
-     "It contains no equals sign.",
+     "A directive is a comment: '# orva: disable-next-line RULE', '# orva: max-length NUMBER' or, "
+     "right below a section's header, '# orva: language CODE'. It contains no equals sign.",
      {"QVLANG=en\n# orva: max-length twelve\nMENU_OPEN=\"Open\"\n",
       "QVLANG=en\n# orva: max-length 12\nMENU_OPEN=\"Open\"\n"}},
     {"unused-directive",
      kWarning,
-     "a directive that has no effect on the next line",
+     "a directive that has no effect where it stands",
      "What it was for is gone, or on another line. Remove it, before it hides something else.",
      {"QVLANG=en\n# orva: disable-next-line key-blanks\nMENU_OPEN=\"Open\"\n",
       "QVLANG=en\nMENU_OPEN=\"Open\"\n"}},
