@@ -60,8 +60,8 @@ std::optional<std::string> Imported(const std::string& file, const std::string& 
         return std::nullopt;
     }
     const std::string name(reference->SectionName());
-    if (name.empty()) {
-        return std::nullopt;
+    if (name.empty() || naive::IsHeader(name, "", "Deutsch")) {
+        return std::nullopt;  // it would have no code, or a second one
     }
     const LanguageCodes codes({name + "=en", "Deutsch=de"}, StringsReader(file), findings);
     StringsDocument document(file);

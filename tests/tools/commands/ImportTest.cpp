@@ -384,6 +384,20 @@ TEST_F(Import, ChangesTheLanguagesOfTheCodesAlone) {
     }
 }
 
+TEST_F(Import, FindsCodesInTheFile) {
+    const std::string document = Write("x.xlf", Whole(Part("de", Xml({"MENU", "a", "b"}))));
+    const std::string source = "QVLANG=English\n# orva: language en\nMENU=a\nQVLANG=Deutsch\n";
+    Write("s.strings", source + "# orva: language de\nMENU=x\n");
+    EXPECT_EQ(Run({"import", Path("s.strings"), document}), 0);
+    EXPECT_EQ(Strings(), source + "# orva: language de\nMENU=b\n");
+
+    Write("s.strings", source + "# orva: language en\nMENU=x\n");
+    EXPECT_EQ(Run({"import", Path("s.strings"), document}), 1);
+    EXPECT_EQ(m_err.substr(0, m_err.find(" the directive")), Path("s.strings") + ":5: error:");
+    EXPECT_EQ(Strings(), source + "# orva: language en\nMENU=x\n");
+    EXPECT_EQ(Run({"import", "--code", "Deutsch", Path("s.strings"), document}), 2);
+}
+
 TEST_F(Import, TakesAnotherReference) {
     EXPECT_EQ(RunOn(Whole(Part("en", Xml({"MENU_OPEN", "Auf", "Open it"}), "de")),
                     {"--reference", "deutsch"}),
