@@ -1,6 +1,7 @@
 #include <algorithm>
-#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/orva-strings/cli/Command.h"
@@ -51,45 +52,52 @@ public:
         if (console.Report(findings, m_file) != kDone) {
             return kFindings;
         }
-        const ProtectionKeys keys = console.ReadKey(m_keyFile).Derive();
         StringsDocument document(before.bytes);
-        Importer importer(document, before.bytes, *reference, codes, keys, m_options);
-        const bool isRead = ReadDocuments(importer);
-        if (isRead) {
-            importer.Apply();
+        const Outcome outcome = ImportInto(document, before.bytes, *reference, codes, console);
+        ExitStatus status = kDone;
+        for (std::size_t i = 0; i < m_documents.size(); ++i) {
+            status = std::max(status, console.Report(outcome.findings[i], m_documents[i]));
         }
-        const ExitStatus status = Report(importer, console);
-        return isRead ? std::max(status, Write(document, importer.Counts(), before, console))
-                      : status;
+        return outcome.isRead ? std::max(status, Write(document, outcome.counts, before, console))
+                              : status;
     }
 
 private:
-    // Returns whether all could be read and no text came twice.
-    bool ReadDocuments(Importer& importer) const {
+    struct Outcome {
+        bool isRead;  // each document, and no text came twice
+        ImportCounts counts;
+        std::vector<Findings> findings;  // about each document
+    };
+
+    // The key is gone when this returns.
+    Outcome ImportInto(StringsDocument& document, std::string_view bytes,
+                       const StringsReader& reference, const LanguageCodes& codes,
+                       const Console& console) const {
+        const ProtectionKeys keys = console.ReadKey(m_keyFile).Derive();
+        Importer importer(document, bytes, reference, codes, keys, m_options);
         bool isRead = true;
         for (const std::string& file : m_documents) {
-            importer.BeginDocument();
-            XliffReader reader([&](const XliffFile& part) { importer.BeginFile(part); },
-                               [&](const XliffUnit& unit) { importer.Take(unit); });
-            try {
-                ReadFileInPieces(file, [&](std::string_view piece) { reader.Read(piece); });
-                reader.Finish();
-            } catch (const XliffError& error) {
-                importer.AllFindings().back().push_back(
-                    {Severity::kError, error.Line(), error.what()});
-                isRead = false;
-            }
+            isRead = ReadDocument(file, importer) && isRead;
         }
-        return isRead && !importer.HasDoubled();
+        isRead = isRead && !importer.HasDoubled();
+        if (isRead) {
+            importer.Apply();
+        }
+        return {isRead, importer.Counts(), std::move(importer.AllFindings())};
     }
 
-    ExitStatus Report(Importer& importer, const Console& console) const {
-        ExitStatus status = kDone;
-        for (std::size_t i = 0; i < m_documents.size(); ++i) {
-            const Findings& findings = importer.AllFindings()[i];
-            status = std::max(status, console.Report(findings, m_documents[i]));
+    static bool ReadDocument(const std::string& file, Importer& importer) {
+        importer.BeginDocument();
+        try {
+            XliffReader reader([&](const XliffFile& part) { importer.BeginFile(part); },
+                               [&](const XliffUnit& unit) { importer.Take(unit); });
+            ReadFileInPieces(file, [&](std::string_view piece) { reader.Read(piece); });
+            reader.Finish();
+            return true;
+        } catch (const XliffError& error) {
+            importer.AllFindings().back().push_back({Severity::kError, error.Line(), error.what()});
+            return false;
         }
-        return status;
     }
 
     ExitStatus Write(const StringsDocument& document, const ImportCounts& counts,
