@@ -234,7 +234,7 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesAreImportedInSixTimesTheirSizeAtMost) {
     }
 }
 
-// A document of 100 MB that does harm with little: many parts for two languages in turn, and many
+// Documents of 10 MB that do harm with little: many parts for two languages in turn, and many
 // units that no section knows.
 TEST_F(OrvaStringsLargeFiles, OfManyPartsAreImportedInTimeInProportion) {
     std::string file = "QVLANG=English\n";
@@ -243,7 +243,7 @@ TEST_F(OrvaStringsLargeFiles, OfManyPartsAreImportedInTimeInProportion) {
     }
     m_folder.Write("file", file + "QVLANG=Deutsch\nQVLANG=French\n");
     std::string parts = "<xliff version=\"1.2\">";
-    for (const char* language = "de"; parts.size() < 50'000'000;
+    for (const char* language = "de"; parts.size() < 10'000'000;
          language = language[0] == 'd' ? "fr" : "de") {
         parts += "<file source-language=\"en\" target-language=\"" + std::string(language) +
                  "\"><body/></file>";
@@ -251,7 +251,7 @@ TEST_F(OrvaStringsLargeFiles, OfManyPartsAreImportedInTimeInProportion) {
     m_folder.Write("parts.xlf", parts + "</xliff>");
     std::string units =
         "<xliff version=\"1.2\"><file source-language=\"en\" target-language=\"de\"><body>";
-    while (units.size() < 50'000'000) {
+    while (units.size() < 10'000'000) {
         units += "<trans-unit id=\"a\"><target>x</target></trans-unit>\n";
     }
     m_folder.Write("units.xlf", units + "</body></file></xliff>");
