@@ -276,7 +276,7 @@ TEST_F(Import, RefusesInlineElementsThatATextCantHold) {
               1);
     EXPECT_EQ(m_err,
               "x.xlf:2: error: MENU_OPEN: the inline element <g> stands for what a text can't "
-              "hold\n"
+              "hold, so the text is not imported\n"
               "s.strings: changed 1 entry\n");
     EXPECT_EQ(Strings(), With({{"Ende", "End"}}));
     EXPECT_EQ(RunOn(Whole(Part("de", unit("MENU_OPEN", "Open<x id=\"1\"/>", "Öffnen")))), 1);
@@ -358,6 +358,20 @@ TEST_F(Import, AddsNoSectionWithoutAnEntry) {
                     {"--create"}),
               0);
     EXPECT_EQ(Strings(), kSource);
+}
+
+TEST_F(Import, AddsNoSectionWithALineEndInItsName) {
+    const std::string document =
+        Write("x.xlf", Whole(Part("nl", Xml({"MENU_QUIT", "Quit", "Einde"}))));
+    for (const std::string name : {"Neder\nlands", "Nederlands\r"}) {
+        EXPECT_EQ(Run({"import", "--create", "--code", "English=en", "--code", name + "=nl",
+                       Path("s.strings"), document}),
+                  1);
+        EXPECT_NE(m_err.find("x.xlf:1: error: a section can't have the name Neder"),
+                  std::string::npos)
+            << m_err;
+        EXPECT_EQ(Strings(), kSource);
+    }
 }
 
 TEST_F(Import, WritesTheLineEndsOfTheFile) {
@@ -580,8 +594,8 @@ TEST_F(Import, WritesAThousandRealisticTextsOrNamesThem) {
         units.push_back({key, "Text", texts[i]});
         if (!CanBeWritten(texts[i], line)) {
             refused += "x.xlf:" + std::to_string(4 * i + 2) + ": error: " + key +
-                       ": the text can't be written so that it reads back the same; the entry "
-                       "stays as it is\n";
+                       ": the text can't be written so that it reads back the same, so it is not "
+                       "imported\n";
             isRefused[i] = true;
         }
     }

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr char kUnwritable[] =
-    "the text can't be written so that it reads back the same; the entry stays as it is";
+    "the text can't be written so that it reads back the same, so it is not imported";
 
 bool IsStored(const StringsEntry& entry) {
     return IsProtectedKey(entry.key.data()) && LooksStored(entry.value);
@@ -119,6 +119,9 @@ Importer::Target Importer::NewTarget(const std::string& name, std::size_t fileLi
     if (!m_options.creates) {
         throw XliffError(fileLine, "there is no section " + name + "; --create adds it");
     }
+    if (name.find_first_of("\r\n") != std::string::npos) {
+        throw XliffError(fileLine, "a section can't have the name " + name);
+    }
     m_newNames.push_back(name);
     const std::size_t count = m_reference.size();
     return {name,
@@ -180,8 +183,8 @@ void Importer::TakeText(const XliffUnit& unit, std::size_t position) {
     if (!IsAccepted(unit.state)) {
         ++m_counts.unfinished;
     } else if (!unit.lost.empty()) {
-        const std::string text =
-            "the inline element <" + unit.lost + "> stands for what a text can't hold";
+        const std::string text = "the inline element <" + unit.lost +
+                                 "> stands for what a text can't hold, so the text is not imported";
         Say(Severity::kError, unit.line, reference.key, text.c_str());
     } else if (!source) {
         Say(Severity::kError, unit.line, reference.key,

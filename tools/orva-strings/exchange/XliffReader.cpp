@@ -34,13 +34,11 @@ bool IsAmong(const Names& names, std::string_view name) {
 }  // namespace
 
 struct XliffReader::Handlers {
-    // Calls a function of the reader. If it throws, the parser stops.
+    // Calls a function of the reader. If it throws, the parser stops, at the latest after the end of
+    // an empty element.
     template <typename Function>
     static void Call(void* data, const Function& function) {
         auto& reader = *static_cast<XliffReader*>(data);
-        if (reader.m_exception) {
-            return;  // the parser may still call the end of an empty element
-        }
         try {
             function(reader);
         } catch (...) {

@@ -2,6 +2,7 @@
 #define ORVALANGUAGE_TOOLS_EXCHANGE_XLIFFREADER_H
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <optional>
 #include <stdexcept>
