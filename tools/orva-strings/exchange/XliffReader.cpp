@@ -1,6 +1,8 @@
 #include "tools/orva-strings/exchange/XliffReader.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <exception>
 #include <expat.h>
 #include <iterator>
@@ -29,6 +31,51 @@ std::string_view Attribute(const char** attributes, std::string_view name) {
 template <typename Names>
 bool IsAmong(const Names& names, std::string_view name) {
     return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+// The parser's memory comes from operator new, like all other, so that the tests can measure it and
+// make each allocation fail. A block's size precedes it.
+constexpr std::size_t kHeader = alignof(std::max_align_t);
+
+std::size_t SizeOf(const void* memory) {
+    std::size_t size = 0;
+    std::memcpy(&size, static_cast<const char*>(memory) - kHeader, sizeof size);
+    return size;
+}
+
+void* Allocate(std::size_t size) {
+    try {
+        auto* const block = static_cast<char*>(::operator new(kHeader + size));
+        std::memcpy(block, &size, sizeof size);
+        return block + kHeader;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void Free(void* memory) {
+    if (memory != nullptr) {
+        ::operator delete(static_cast<char*>(memory) - kHeader);
+    }
+}
+
+void* Reallocate(void* memory, std::size_t size) {
+    void* const other = Allocate(size);
+    if (memory != nullptr && other != nullptr) {
+        std::memcpy(other, memory, std::min(size, SizeOf(memory)));
+        Free(memory);
+    }
+    return other;
+}
+
+XML_Parser MakeParser() {
+    constexpr XML_Memory_Handling_Suite kMemory = {Allocate, Reallocate, Free};
+    const char separator[] = {kNamespaceEnd, '\0'};
+    const XML_Parser parser = XML_ParserCreate_MM(nullptr, &kMemory, separator);
+    if (parser == nullptr) {
+        throw std::bad_alloc();
+    }
+    return parser;
 }
 
 }  // namespace
@@ -69,12 +116,7 @@ struct XliffReader::Handlers {
 };
 
 XliffReader::XliffReader(TakeFile takeFile, TakeUnit takeUnit)
-    : m_takeFile(std::move(takeFile)),
-      m_takeUnit(std::move(takeUnit)),
-      m_parser(XML_ParserCreateNS(nullptr, kNamespaceEnd)) {
-    if (m_parser == nullptr) {
-        throw std::bad_alloc();
-    }
+    : m_takeFile(std::move(takeFile)), m_takeUnit(std::move(takeUnit)), m_parser(MakeParser()) {
     XML_SetUserData(m_parser, this);
     XML_SetElementHandler(m_parser, Handlers::Start, Handlers::End);
     XML_SetCharacterDataHandler(m_parser, Handlers::Text);
