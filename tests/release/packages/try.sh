@@ -11,7 +11,7 @@ quietly() { "$@" >/try/log 2>&1 || { cat /try/log; fail "failed: $*"; }; }
 
 # What only the build of the project needs, and no host.
 mapfile -t unneeded < <(dpkg-query --show --showformat '${binary:Package}\n' \
-    nettle-dev libcli11-dev nlohmann-json3-dev libutfcpp-dev libgtest-dev 2>/dev/null)
+    nettle-dev libexpat1-dev libcli11-dev nlohmann-json3-dev libutfcpp-dev libgtest-dev 2>/dev/null)
 if [ ${#unneeded[@]} -gt 0 ]; then
     quietly dpkg --force-depends --remove "${unneeded[@]}"
 fi

@@ -5,6 +5,7 @@ std::unique_ptr<Command> MakeCheck();
 std::unique_ptr<Command> MakeExplain();
 std::unique_ptr<Command> MakeExport();
 std::unique_ptr<Command> MakeFix();
+std::unique_ptr<Command> MakeImport();
 std::unique_ptr<Command> MakeKeyNew();
 std::unique_ptr<Command> MakeKeyShow();
 std::unique_ptr<Command> MakeKeys();
@@ -23,7 +24,7 @@ Commands MakeCommands() {
     Commands commands;
     for (const auto make : {MakeProtect, MakeReveal, MakeRekey, MakeCheck, MakeFix, MakeSync,
                             MakeExplain, MakeShow, MakeSections, MakeStats, MakeReport, MakeExport,
-                            MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
+                            MakeImport, MakeKeys, MakeUsage, MakeWhere, MakeKeyNew, MakeKeyShow}) {
         commands.push_back(make());
     }
     return commands;
