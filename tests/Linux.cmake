@@ -59,6 +59,12 @@ add_test(NAME recipes COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/recipes_test.sh
     "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
 set_tests_properties(recipes PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
 
+# So do those that read what export writes.
+add_test(NAME translating COMMAND
+    "${CMAKE_CURRENT_SOURCE_DIR}/tools/exchange/translating_test.sh"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
+set_tests_properties(translating PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+
 # The run path of an embedded library, and both generators.
 if(ORVA_INSTALL)
     add_test(NAME cmake_functions COMMAND

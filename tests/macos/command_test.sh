@@ -34,6 +34,7 @@ for file in native other; do
     compare reveal "$work/$file"
     compare show --reveal --language Deutsch "$work/$file"
     compare show --all-languages --format json "$work/$file"
+    compare export --language Deutsch --code English=en --code Deutsch=de --reveal -o - "$work/$file"
     compare sections "$work/$file"
     compare sections --format json "$work/$file"
 done

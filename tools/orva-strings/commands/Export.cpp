@@ -20,6 +20,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr Argument kTarget = {
+    "--language", "TARGET", "A section to export; may be given several times",
+    Role::kText,  false,    "--all"};
+
+constexpr Argument kXliff = {
+    "-o,--output", "XLIFF",
+    "The file to write, or the folder for a file of each language; - is standard output",
+    Role::kOutput, true};
+
 // The sections that a load can reach, each a reader at its header.
 std::vector<StringsReader> ReachableSections(std::string_view bytes, Findings& findings) {
     std::vector<StringsReader> sections;
@@ -74,18 +83,12 @@ public:
     void Declare(Arguments& arguments) override {
         arguments.Add(kStringsFile, m_file);
         arguments.AddFlag("--all", "Export every section but the reference", m_isAll);
-        arguments.Add({"--language", "TARGET", "A section to export; may be given several times",
-                       Role::kText, false, "--all"},
-                      m_languages);
+        arguments.Add(kTarget, m_languages);
         arguments.Add(kLanguageCode, m_codes);
         arguments.Add(kReference, m_reference);
         arguments.AddFlag(kRevealFlag, kRevealHelp, m_isRevealed);
         arguments.Add(kKeyFile, m_keyFile);
-        arguments.Add({"-o,--output", "XLIFF",
-                       "The file to write, or the folder for a file of each language; - is "
-                       "standard output",
-                       Role::kOutput, true},
-                      m_output);
+        arguments.Add(kXliff, m_output);
     }
 
     ExitStatus Run(const Console& console) override {
