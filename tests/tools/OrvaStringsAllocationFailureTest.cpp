@@ -221,6 +221,10 @@ TEST_F(OrvaStringsAllocationFailure, ImportsIntoTheFileOrLeavesItWhole) {
                "</target></trans-unit>";
     };
     const std::string recent = "Open one of the documents that were open before";
+    std::string attributes;  // many, so that the parser needs more memory for them
+    for (int i = 0; i < 20; ++i) {
+        attributes += " a" + std::to_string(i) + "=\"\"";
+    }
     m_folder.Write(
         "de.xlf",
         "<xliff version=\"1.2\"><file source-language=\"en\" target-language=\"de\"><body>" +
@@ -230,13 +234,12 @@ TEST_F(OrvaStringsAllocationFailure, ImportsIntoTheFileOrLeavesItWhole) {
             unit("IDE_REGISTRATION_TITLE", "Register this copy of the application\nnow",
                  "Jetzt diese Kopie der Anwendung anmelden") +
             unit("A_KEY_THAT_NO_SECTION_HAS", "x", "y") +
-            "</body></file><file source-language=\"en\" target-language=\"nl\"><body>" +
-            unit("MENU_OPEN_RECENT", recent, "Een recent document openen") +
+            "</body></file><file source-language=\"en\" target-language=\"nl\"" + attributes +
+            "><body>" + unit("MENU_OPEN_RECENT", recent, "Een recent document openen") +
             "</body></file></xliff>");
     const std::vector<std::string> arguments = {
-        "import",     "--create", "--key-file",     Path("key"), "--code",
-        "English=en", "--code",   "Deutsch=de",     "--code",    "Nederlands=nl",
-        Path("file"), Path("de.xlf")};
+        "import", "--create",   "--key-file", Path("key"),     "--code",     "English=en",
+        "--code", "Deutsch=de", "--code",     "Nederlands=nl", Path("file"), Path("de.xlf")};
     const std::string before = ReadFile(Path("protected"));
     m_folder.Write("file", before);
     ASSERT_EQ(Run(arguments), 0) << m_err;

@@ -151,6 +151,17 @@ TEST(XliffReader, TakesTheFirstSourceAndTarget) {
     EXPECT_EQ(unit.state, "");
 }
 
+TEST(XliffReader, ReadsElementsWithManyAttributes) {
+    std::string attributes;
+    for (int i = 0; i < 100; ++i) {
+        attributes += " a" + std::to_string(i) + "=\"" + std::string(1000, 'x') + '"';
+    }
+    const Parts parts = Read(Document("<trans-unit id=\"A\"" + attributes + " resname=\"B\"/>"));
+    ASSERT_EQ(parts.units.size(), 1U);
+    EXPECT_EQ(parts.units[0].id, "A");
+    EXPECT_EQ(parts.units[0].resname, "B");
+}
+
 TEST(XliffReader, KeepsNothingOfTheUnitBefore) {
     const Parts parts = Read(Document(
         "<trans-unit id=\"A\" resname=\"R\"><source>a</source><target state=\"new\"><g>b</g>"
