@@ -66,10 +66,15 @@ TEST_F(Stats, TakesAnEmptyTextForTheReferencesOwn) {
 
 TEST_F(Stats, CountsNoFindingOutsideSectionsForALanguage) {
     EXPECT_EQ(Run({"stats", "-"}, "ABCD=1\nQVLANG=\n"), 0);
-    EXPECT_EQ(m_out, kHeading +
-                         "        0      100        0      -      0     0          0       1         0"
-                         "  \"\"  (reference)\n"
-                         "1 error and 1 warning in 1 file\n");
+    EXPECT_EQ(m_out,
+              kHeading +
+                  "        0      100        0      -      0     0          0       1         0"
+                  "  \"\"  (reference)\n"
+                  "1 error and 1 warning in 1 file\n");
+    EXPECT_EQ(Run({"stats", "-"}, "\xFF\xFE\nQVLANG=en\n"), 0);
+    EXPECT_NE(m_out.find("          0       0         0  en  (reference)\n1 error in 1 file\n"),
+              std::string::npos)
+        << m_out;
 }
 
 TEST_F(Stats, FindsWhatIsStaleWithAnEarlierFile) {

@@ -255,7 +255,8 @@ TEST(SyncedStrings, MovesAsFewLinesAsItCan) {
     const auto moved = [](const std::string& section) {
         std::string numbers;
         const std::string bytes = kReference + section;
-        for (const SyncedLine& line : SyncedStrings(bytes, {}).Lines()) {
+        const SyncedStrings synced(bytes, {});
+        for (const SyncedLine& line : synced.Lines()) {
             if (line.hasMoved) {
                 numbers += std::to_string(line.before.value()) + ' ';
             }

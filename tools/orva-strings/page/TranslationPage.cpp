@@ -117,7 +117,8 @@ std::string Matrix(const Translations& translations) {
             const TextState state = language.states[i];
             isComplete = isComplete && IsDone(state);
             const std::string name = NameOf(state);
-            row += "<td class=\"" + name + "\">" + (IsDone(state) ? "✓" : name) + "</td>";
+            row += "<td class=\"" + name + "\">";
+            row += (IsDone(state) ? "✓" : name) + "</td>";
         }
         if (!isComplete) {
             const std::string key = HtmlText(keys[i].key);
