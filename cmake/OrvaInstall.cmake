@@ -22,7 +22,11 @@ install(DIRECTORY docs
 # Beside the documents, which link to them.
 install(DIRECTORY examples
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
-    PATTERN CMakeLists.txt EXCLUDE)
+    PATTERN CMakeLists.txt EXCLUDE
+    PATTERN "*.xcodeproj" EXCLUDE)  # its paths are those of the sources
+install(CODE "set(orva_source \"${PROJECT_SOURCE_DIR}\")
+set(orva_docdir \"${CMAKE_INSTALL_DOCDIR}\")" COMPONENT development)
+install(SCRIPT cmake/OrvaMendLinks.cmake COMPONENT development)
 install(DIRECTORY docs/man/
     DESTINATION "${CMAKE_INSTALL_MANDIR}/man3" COMPONENT development
     FILES_MATCHING PATTERN "*.3")

@@ -42,8 +42,10 @@ else()
 endif()
 
 # orva_link_library(TARGET VERSION_SCRIPT EXPORTED_SYMBOLS): the library's name, version, place and
-# exports, in the linker's terms. orva_write_export_lists writes the two files.
+# exports, in the linker's terms. orva_write_export_lists writes the two files. The property
+# ORVA_EMBEDDED_FILES names what an application that carries the library has: orva_embed.
 function(orva_link_library target version_script exported_symbols)
+    set_target_properties(${target} PROPERTIES EXPORT_PROPERTIES ORVA_EMBEDDED_FILES)
     if(APPLE)
         # Where the application's executable finds the library in its bundle.
         set_target_properties(${target} PROPERTIES
@@ -52,6 +54,7 @@ function(orva_link_library target version_script exported_symbols)
             MACHO_CURRENT_VERSION "${PROJECT_VERSION}"
             MACHO_COMPATIBILITY_VERSION "${PROJECT_VERSION_MAJOR}.0.0"
             LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/Frameworks"
+            ORVA_EMBEDDED_FILES "lib${target}.dylib"
             LINK_DEPENDS "${exported_symbols}")
         target_link_options(${target} PRIVATE
             "SHELL:-Xlinker -exported_symbols_list -Xlinker \"${exported_symbols}\"")
@@ -62,7 +65,15 @@ function(orva_link_library target version_script exported_symbols)
         # system's library folders.
         set(nettle_folders "${Nettle_LIBRARY_DIRS}")
         list(REMOVE_ITEM nettle_folders "" ${CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES})
+        set(embedded "lib${target}.so.${PROJECT_VERSION_MAJOR}")
+        foreach(file IN LISTS Nettle_LINK_LIBRARIES)
+            file(REAL_PATH "${file}" file)
+            if(file MATCHES "/(libnettle\\.so\\.[0-9]+)[^/]*$")
+                list(APPEND embedded "${CMAKE_MATCH_1}")
+            endif()
+        endforeach()
         set_target_properties(${target} PROPERTIES
+            ORVA_EMBEDDED_FILES "${embedded}"
             VERSION "${PROJECT_VERSION}"
             SOVERSION "${PROJECT_VERSION_MAJOR}"
             INSTALL_RPATH "$ORIGIN;${CMAKE_INSTALL_RPATH};${nettle_folders}"

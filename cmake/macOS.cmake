@@ -22,5 +22,8 @@ foreach(kind IN ITEMS EXE SHARED MODULE)
     set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,-fatal_warnings")
 endforeach()
 
+# Packages of this machine would name its own libraries.
+set(ENV{PKG_CONFIG_LIBDIR} "${CMAKE_OSX_SYSROOT}/usr/lib/pkgconfig")
+
 # Without a loader, the tests can't list their names while they are built.
 set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)

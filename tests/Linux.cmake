@@ -82,6 +82,11 @@ add_test(NAME sarif_schema COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/formats/sa
     "$<TARGET_FILE:print_sarif>")
 set_tests_properties(sarif_schema PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
 
+# The page that report writes, in a browser from Debian's packages.
+add_test(NAME report_page COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/report_page_test.py"
+    "$<TARGET_FILE:orva-strings>")
+set_tests_properties(report_page PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+
 # git starts the command, which scripts/macos could only run in its loader.
 add_test(NAME git_diff COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tools/git_diff_test.sh"
     "$<TARGET_FILE:orva-strings>" "${PROJECT_SOURCE_DIR}/tools/orva-strings/orva-strings.1")
@@ -228,8 +233,12 @@ add_test(NAME manuals COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/manuals_test.
 set_tests_properties(manuals PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
 
 add_test(NAME links COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/links_test.py"
-    "${PROJECT_SOURCE_DIR}")
-set_tests_properties(links PROPERTIES LABELS builds)
+    "${PROJECT_SOURCE_DIR}" "$<$<BOOL:${ORVA_INSTALL}>:${PROJECT_BINARY_DIR}>")
+set_tests_properties(links PROPERTIES LABELS builds RESOURCE_LOCK installation)
+
+# Xcode's project, read as text.
+add_test(NAME xcode_project COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/release/xcode_project_test.py"
+    "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
 
 # The documents' commands are those for Linux.
 if(ORVA_INSTALL)

@@ -108,11 +108,25 @@ inline Language ParseTag(std::string_view tag) {
         isFirst = false;
     }
 
-    // Former codes, which some systems still use.
-    constexpr std::string_view kFormerCodes[][2] = {{"iw", "he"}, {"in", "id"}, {"no", "nb"}};
-    for (const auto& [former, code] : kFormerCodes) {
-        if (found.language == former) {
+    if (found.language == "sh" && found.script.empty()) {
+        found.script = "latn";
+    }
+    // Former codes, which some systems still use, and those of three letters for languages that have
+    // one of two: those of CommonSections.
+    constexpr std::string_view kOtherCodes[][2] = {
+        {"iw", "he"},  {"in", "id"},  {"ji", "yi"},  {"mo", "ro"},  {"no", "nb"},  {"sh", "sr"},
+        {"tl", "fil"}, {"eng", "en"}, {"ind", "id"}, {"cat", "ca"}, {"ces", "cs"}, {"cze", "cs"},
+        {"dan", "da"}, {"deu", "de"}, {"ger", "de"}, {"est", "et"}, {"spa", "es"}, {"fra", "fr"},
+        {"fre", "fr"}, {"hrv", "hr"}, {"ita", "it"}, {"lav", "lv"}, {"lit", "lt"}, {"hun", "hu"},
+        {"nld", "nl"}, {"dut", "nl"}, {"nor", "nb"}, {"nob", "nb"}, {"nno", "nn"}, {"pol", "pl"},
+        {"por", "pt"}, {"ron", "ro"}, {"rum", "ro"}, {"slk", "sk"}, {"slo", "sk"}, {"slv", "sl"},
+        {"fin", "fi"}, {"swe", "sv"}, {"vie", "vi"}, {"tur", "tr"}, {"ell", "el"}, {"gre", "el"},
+        {"bul", "bg"}, {"rus", "ru"}, {"ukr", "uk"}, {"heb", "he"}, {"ara", "ar"}, {"hin", "hi"},
+        {"tha", "th"}, {"kor", "ko"}, {"jpn", "ja"}, {"zho", "zh"}, {"chi", "zh"}, {"cmn", "zh"}};
+    for (const auto& [other, code] : kOtherCodes) {
+        if (found.language == other) {
             found.language = code;
+            break;
         }
     }
     found.script = Script(found, modifier);
@@ -140,6 +154,70 @@ inline std::string LoadedName() {
     return name != nullptr ? name : "";
 }
 
+inline LoadedSection Load(const std::string& section, const char* file, __CFBundle* bundle) {
+    const int entries = ZuLoadStrings(section.c_str(), file, bundle);
+    return {entries, LoadedName(), false};
+}
+
+// Loads a section of this name, perhaps with a blank after it, which nobody sees in a file. Returns
+// nothing, after a load of the first section, if there is no such section.
+inline std::optional<LoadedSection> LoadNamed(const std::string& name, const char* file,
+                                              __CFBundle* bundle) {
+    for (const char* const end : {"", " "}) {
+        LoadedSection loaded = Load(name + end, file, bundle);
+        const std::string_view seen(loaded.section);
+        if (LowerAscii(seen.substr(0, seen.find_last_not_of(' ') + 1)) == LowerAscii(name)) {
+            return loaded;
+        }
+    }
+    return std::nullopt;
+}
+
+// The tags that may be the name of a section that suits a user who wants the language, the best first.
+inline std::vector<std::string> TagsOf(const Language& wanted) {
+    std::vector<std::string> tags;
+    for (const bool hasScript : {true, false}) {
+        for (const bool hasRegion : {true, false}) {
+            if ((hasScript && wanted.script.empty()) || (hasRegion && wanted.region.empty())) {
+                continue;
+            }
+            for (const char* const separator : {"-", "_"}) {
+                std::string tag = wanted.language;
+                tag += hasScript ? separator + wanted.script : "";
+                tag += hasRegion ? separator + wanted.region : "";
+                const bool isNew = tags.empty() || tags.back() != tag;
+                if (isNew && Match(wanted, ParseTag(tag)) > 0) {
+                    tags.push_back(tag);
+                }
+            }
+        }
+    }
+    return tags;
+}
+
+// Loads the section that suits a user who wants the language best. Returns nothing, after any load,
+// if the file has none.
+inline std::optional<LoadedSection> LoadLanguage(const Language& wanted, const char* file,
+                                                 __CFBundle* bundle,
+                                                 const std::vector<SectionTag>& sections) {
+    for (int match = kBestMatch; match > 0; --match) {
+        for (const SectionTag& offered : sections) {
+            if (Match(wanted, ParseTag(offered.tag)) != match) {
+                continue;
+            }
+            if (auto loaded = LoadNamed(offered.section, file, bundle)) {
+                return loaded;
+            }
+        }
+    }
+    for (const std::string& tag : TagsOf(wanted)) {
+        if (auto loaded = LoadNamed(tag, file, bundle)) {
+            return loaded;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace detail
 
 // The names of a strings file's sections that a load can find, in the file's order: for a language
@@ -150,7 +228,8 @@ inline std::string LoadedName() {
 // path is the file's, not one in a bundle. A relative path is resolved against the current folder.
 //
 // Returns nothing if the file can't be opened, is a folder, or the stream reports that reading
-// failed; an empty list if the file has no section. Reads the file on any thread, whether or not it
+// failed; an empty list if the file has no section, also where a byte-order mark before the only
+// header makes it an ordinary line, as for a load. Reads the file on any thread, whether or not it
 // is loaded; the rules for a stream are those of KorString. On Linux the host needs the standard
 // library that the library was built with, since KorString::GetLine takes one of its streams. None
 // of the other functions here do.
@@ -184,25 +263,45 @@ inline std::optional<std::vector<std::string>> Sections(const std::filesystem::p
 // Languages by the names that they have for themselves.
 inline const std::vector<SectionTag>& CommonSections() {
     static const std::vector<SectionTag> sections = {
-        {"English", "en"},       {"Bahasa Indonesia", "id"},
-        {"Català", "ca"},        {"Čeština", "cs"},
-        {"Dansk", "da"},         {"Deutsch", "de"},
-        {"Eesti", "et"},         {"Español", "es"},
-        {"Français", "fr"},      {"Hrvatski", "hr"},
-        {"Italiano", "it"},      {"Latviešu", "lv"},
-        {"Lietuvių", "lt"},      {"Magyar", "hu"},
-        {"Nederlands", "nl"},    {"Norsk", "nb"},
-        {"Norsk bokmål", "nb"},  {"Polski", "pl"},
-        {"Português", "pt"},     {"Português (Brasil)", "pt-BR"},
-        {"Română", "ro"},        {"Slovenčina", "sk"},
-        {"Slovenščina", "sl"},   {"Suomi", "fi"},
-        {"Svenska", "sv"},       {"Tiếng Việt", "vi"},
-        {"Türkçe", "tr"},        {"Ελληνικά", "el"},
-        {"Български", "bg"},     {"Русский", "ru"},
-        {"Українська", "uk"},    {"עברית", "he"},
-        {"العربية", "ar"},       {"हिन्दी", "hi"},
-        {"ไทย", "th"},           {"한국어", "ko"},
-        {"日本語", "ja"},        {"简体中文", "zh-Hans"},
+        {"English", "en"},
+        {"Bahasa Indonesia", "id"},
+        {"Català", "ca"},
+        {"Čeština", "cs"},
+        {"Dansk", "da"},
+        {"Deutsch", "de"},
+        {"Eesti", "et"},
+        {"Español", "es"},
+        {"Français", "fr"},
+        {"Hrvatski", "hr"},
+        {"Italiano", "it"},
+        {"Latviešu", "lv"},
+        {"Lietuvių", "lt"},
+        {"Magyar", "hu"},
+        {"Nederlands", "nl"},
+        {"Norsk", "nb"},
+        {"Norsk bokmål", "nb"},
+        {"Norsk nynorsk", "nn"},
+        {"Polski", "pl"},
+        {"Português", "pt"},
+        {"Português (Brasil)", "pt-BR"},
+        {"Română", "ro"},
+        {"Slovenčina", "sk"},
+        {"Slovenščina", "sl"},
+        {"Suomi", "fi"},
+        {"Svenska", "sv"},
+        {"Tiếng Việt", "vi"},
+        {"Türkçe", "tr"},
+        {"Ελληνικά", "el"},
+        {"Български", "bg"},
+        {"Русский", "ru"},
+        {"Українська", "uk"},
+        {"עברית", "he"},
+        {"العربية", "ar"},
+        {"हिन्दी", "hi"},
+        {"ไทย", "th"},
+        {"한국어", "ko"},
+        {"日本語", "ja"},
+        {"简体中文", "zh-Hans"},
         {"繁體中文", "zh-Hant"},
     };
     return sections;
@@ -215,13 +314,18 @@ inline const std::vector<SectionTag>& CommonSections() {
 //           Language, script and region count, ignoring case. "C" and "POSIX" end the list: there
 //           the file's first section is what is wanted.
 // file, bundle  as for ZuLoadStrings
-// sections  the language of each section that the file may have. A section must be known by its
-//           name here to be found. Names with double quotes are not found.
+// sections  the language of each section that the file may have. To be found, a section must be
+//           known here by its name, or have a tag as its name, such as "de" or "pt-BR". It may have
+//           one blank after its name in the file. Names with double quotes are not found.
 //
 // For each tag, the sections in its language are tried, the best first: the same script before one
 // that is not given on both sides, then the same region, then no region, then another one, then the
-// order in sections. So "de-AT" finds "de", and "pt-BR" finds "pt" before "pt-PT". A section in
-// another script does not match: "zh-TW" finds "zh-Hant" but not "zh-CN". Whether the file has a
+// order in sections. After these, the tag itself and its shorter forms are tried as names: "de-AT",
+// "de_AT", "de". So "de-AT" finds "de", and "pt-BR" finds "pt" before "pt-PT". A section in
+// another script does not match: "zh-TW" finds "zh-Hant" but not "zh-CN". "nb" and "nn" find each
+// other last. Some codes are other names of a language: former ones such as "iw" and "sh", and those
+// of three letters for the languages of CommonSections. Nothing more is known of related languages:
+// "gsw" does not find "de". Whether the file has a
 // section shows only after a load: "QVLANG" must then answer its name, ignoring the case of ASCII
 // letters.
 //
@@ -235,25 +339,25 @@ inline LoadedSection LoadPreferred(const std::vector<std::string>& tags, const c
                                    __CFBundle* bundle,
                                    const std::vector<SectionTag>& sections = CommonSections()) {
     for (const std::string& tag : tags) {
-        const detail::Language wanted = detail::ParseTag(tag);
+        detail::Language wanted = detail::ParseTag(tag);
         if (wanted.language == "c" || wanted.language == "posix") {
             break;
         }
-        for (int match = detail::kBestMatch; match > 0; --match) {
-            for (const SectionTag& offered : sections) {
-                if (detail::Match(wanted, detail::ParseTag(offered.tag)) != match) {
-                    continue;
-                }
-                const int entries = ZuLoadStrings(offered.section.c_str(), file, bundle);
-                std::string loaded = detail::LoadedName();
-                if (detail::LowerAscii(loaded) == detail::LowerAscii(offered.section)) {
-                    return {entries, std::move(loaded), false};
-                }
+        if (auto loaded = detail::LoadLanguage(wanted, file, bundle, sections)) {
+            return *std::move(loaded);
+        }
+        // Whoever reads one Norwegian reads the other.
+        const bool isBokmal = wanted.language == "nb";
+        if (isBokmal || wanted.language == "nn") {
+            wanted.language = isBokmal ? "nn" : "nb";
+            if (auto loaded = detail::LoadLanguage(wanted, file, bundle, sections)) {
+                return *std::move(loaded);
             }
         }
     }
-    const int entries = ZuLoadStrings("", file, bundle);
-    return {entries, detail::LoadedName(), entries > 0};
+    LoadedSection loaded = detail::Load("", file, bundle);
+    loaded.isFallback = loaded.entries > 0;
+    return loaded;
 }
 
 // The user's languages as the system knows them, the preferred one first: for LoadPreferred.

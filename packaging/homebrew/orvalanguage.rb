@@ -13,6 +13,8 @@ class Orvalanguage < Formula
   depends_on "pkgconf" => :build
   depends_on "utf8cpp" => :build
 
+  uses_from_macos "expat"
+
   on_linux do
     depends_on "nettle"
   end

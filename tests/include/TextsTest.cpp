@@ -171,7 +171,8 @@ TEST_F(Preferred, ReadsTagsAndLocaleNames) {
         {"de-x-AT", "de"},
         {"de-u-co-phonebk", "de"},
         {"d", "(first)"},
-        {"deu", "(first)"},
+        {"deu", "de"},
+        {"gsw", "(first)"},
         {"pt-BR", "pt"},
         {"pt-PT", "pt-PT"},
         {"es-MX", "es-419"},
@@ -197,6 +198,12 @@ TEST_F(Preferred, ReadsTagsAndLocaleNames) {
         {"in", "id"},
         {"no", "nb"},
         {"nb-NO", "nb"},
+        {"nn-NO", "nb"},
+        {"sh_BA", "sr-Latn"},
+        {"sh-Cyrl", "sr"},
+        {"cmn-Hant-TW", "zh-Hant"},
+        {"zho", "zh-Hans"},
+        {"nno", "nb"},
     };
     for (const auto& [tag, section] : cases) {
         EXPECT_EQ(Load({tag}, sections), section) << tag;
@@ -237,6 +244,69 @@ TEST_F(Preferred, TriesTheBetterMatchFirst) {
     }
 }
 
+TEST_F(Preferred, FindsSectionsThatAreNamedByATag) {
+    const struct {
+        Names names;
+        std::string tag;
+        std::string section;
+    } cases[] = {
+        {{"en", "de"}, "de", "de"},
+        {{"en", "de"}, "de_AT.UTF-8", "de"},
+        {{"en", "DE"}, "deu", "DE"},
+        {{"en", "de", "de-AT"}, "de_AT", "de-AT"},
+        {{"en", "de", "de_AT"}, "de-AT", "de_AT"},
+        {{"en", "de_AT", "de-AT"}, "de-AT", "de-AT"},
+        {{"en", "de-CH"}, "de-AT", "(en)"},  // not among its shorter forms
+        {{"en", "zh"}, "zh-TW", "(en)"},
+        {{"en", "zh-CN", "zh", "zh-TW"}, "zh-TW", "zh-TW"},
+        {{"en", "zh-TW", "zh_Hant"}, "zh-TW", "zh_Hant"},
+        {{"en", "zh_hant", "zh-Hant-TW"}, "zh-TW", "zh-Hant-TW"},
+        {{"en", "sr"}, "sr-Latn-RS", "sr"},
+        {{"en", "nn", "nb"}, "no", "nb"},
+        {{"en", "nn"}, "nb-NO", "nn"},
+        {{"en", "nb"}, "nn-NO", "nb"},
+        {{"en", "Deutsch", "de"}, "de", "Deutsch"},  // the table first
+    };
+    for (const auto& c : cases) {
+        Write(c.names);
+        EXPECT_EQ(Load({c.tag}, {{"Deutsch", "de"}}), c.section)
+            << c.tag << " among " << PrintToString(c.names);
+    }
+}
+
+TEST_F(Preferred, FindsFormerCodesInTheTable) {
+    Write({"first", "A"});
+    for (const auto& [wanted, offered] : std::map<std::string, std::string>{{"he", "iw"},
+                                                                            {"iw", "he"},
+                                                                            {"ji", "yi"},
+                                                                            {"ro-MD", "mo"},
+                                                                            {"mo", "ro"},
+                                                                            {"fil", "tl"},
+                                                                            {"tl", "fil"},
+                                                                            {"ger", "de"},
+                                                                            {"de", "deu"},
+                                                                            {"sr-Latn", "sh"},
+                                                                            {"fre", "fr"},
+                                                                            {"spa", "es"},
+                                                                            {"jpn", "ja"},
+                                                                            {"chi", "zh"}}) {
+        EXPECT_EQ(Load({wanted}, {{"A", offered}}), "A") << wanted;
+    }
+}
+
+TEST_F(Preferred, FindsASectionWithABlankAfterItsName) {
+    m_bundle.Write(
+        "x.strings",
+        "QVLANG=English \nMENU_OPEN=\"English \"\nQVLANG=Deutsch \nMENU_OPEN=\"Deutsch \"\n"
+        "QVLANG=fr \nMENU_OPEN=\"fr \"\nQVLANG=it  \nMENU_OPEN=x\nQVLANG= es\nMENU_OPEN=x\n");
+    const std::vector<SectionTag> sections = {{"English", "en"}, {"Deutsch", "de"}};
+    EXPECT_EQ(Load({"de"}, sections), "Deutsch ");
+    EXPECT_EQ(Load({"en"}, sections), "English ");
+    EXPECT_EQ(Load({"fr"}, sections), "fr ");
+    EXPECT_EQ(Load({"it"}, sections), "(English )");  // two of them
+    EXPECT_EQ(Load({"es"}, sections), "(English )");
+}
+
 TEST_F(Preferred, KnowsAFallbackWhateverTheCaseOfNames) {
     Write({"english", "DEUTSCH"});
     EXPECT_EQ(Load({"de"}, {{"Deutsch", "de"}}), "DEUTSCH");
@@ -246,10 +316,10 @@ TEST_F(Preferred, KnowsAFallbackWhateverTheCaseOfNames) {
 }
 
 TEST_F(Preferred, CannotConfirmANameWithQuotes) {
-    m_bundle.Write("x.strings", "QVLANG=\"en\"\nABCD=1\n");
-    const auto loaded = LoadPreferred({"en"}, "x.strings", m_bundle.Get(), {{"\"en\"", "en"}});
+    m_bundle.Write("x.strings", "QVLANG=\"English\"\nABCD=1\n");
+    const auto loaded = LoadPreferred({"en"}, "x.strings", m_bundle.Get(), {{"\"English\"", "en"}});
     EXPECT_EQ(loaded.entries, 2);
-    EXPECT_EQ(loaded.section, "en");
+    EXPECT_EQ(loaded.section, "English");
     EXPECT_TRUE(loaded.isFallback);
 }
 

@@ -39,5 +39,8 @@ for file in native other; do
     compare sections --format json "$work/$file"
 done
 compare show "$work/missing"
+printf '<xliff version="1.2"><file source-language="en" target-language="de"><body><trans-unit id="MENU_QUIT"><source>Quit</source><target>Schluss</target></trans-unit></body></file></xliff>' >"$work/de.xlf"
+compare import --code English=en --code Deutsch=de --check "$work/native" "$work/de.xlf"
+compare import --code English=en --code Deutsch=de "$work/native" "$sample"
 compare protect --key-file "$sample" "$sample"
 [ "$("${other[@]}" reveal "$work/native")" = "$(cat "$sample")" ]

@@ -68,7 +68,7 @@ made() { # FOLDER
     sleep 0.02  # a file system's clock may be coarse
     cmake --build "$work/$1" >"$work/log" 2>&1 || return 1
     (cd "$work/$1" && find . -type f -newer "$work/before" ! -name '.ninja*' ! -name '*.stamp' \
-        ! -path './CMakeFiles/*' | LC_ALL=C sort | tr '\n' ' ')
+        ! -path '*/CMakeFiles/*' | LC_ALL=C sort | tr '\n' ' ')
 }
 later() { sleep 1.1; } # for a build system that compares whole seconds
 
@@ -92,6 +92,22 @@ for generator in "Unix Makefiles" Ninja; do
     expect "after a text has changed, $generator makes" \
         './App.strings ./myapp ./myapp_orva/keys/Keys.h ' "$(made "$name")"
     expect "the host of $generator says" 'Hi, My App' "$("$work/$name/myapp")"
+
+    # What was deleted is made again, and nothing else.
+    later
+    rm "$work/$name/App.strings"
+    expect "after the strings file was deleted, $generator makes" './App.strings ' "$(made "$name")"
+    rm "$work/$name/myapp_orva/keys/Keys.h"
+    made "$name" >"$work/made" || fail "$generator does not make the constants again:"
+    for library in OrvaLanguage nettle; do
+        later
+        rm "$work/$name/myapp_orva/lib/lib$library".so.*
+        expect "after lib$library was deleted, $generator makes" \
+            './myapp_orva/lib/libOrvaLanguage ./myapp_orva/lib/libnettle ' \
+            "$(made "$name" | sed 's/\.so[^ ]*//g')"
+    done
+    later
+    expect "and then" '' "$(made "$name")"
 
     # A finding fails the build, is shown, and leaves what was there. Mended, the build goes on.
     later
@@ -124,6 +140,34 @@ expect "it has the libraries" 'libOrvaLanguage libnettle ' \
 ldd "$work/moved/lib/myapp"/libOrvaLanguage.* | grep -F "$work/moved/lib/myapp/libnettle" >/dev/null ||
     fail "the library does not find the copy of Nettle"
 mv "$work/prefix/gone" "$work/prefix/lib"
+
+# Each configuration has its own.
+configure multi "Ninja Multi-Config" -DCMAKE_CONFIGURATION_TYPES=Debug || fail "it does not configure:"
+expect "Ninja Multi-Config makes" './Debug/App.strings ./Debug/myapp ' \
+    "$(made multi | sed -E 's|\./myapp_orva/[^ ]* ||g')"
+later
+expect "and then" '' "$(made multi)"
+
+# Known findings are accepted as long as they are known, and rules that the host disables. A file that
+# an argument names counts as changed.
+cp "$host/My App.strings" "$work/good"
+echo 'GREETING="again"' >>"$host/My App.strings"
+"$tool" check --write-baseline "$host/Known.txt" "$host/My App.strings" >"$work/log" 2>&1
+configure known Ninja "-Dmore=CHECK_ARGUMENTS;--baseline;Known.txt" || fail "it does not configure:"
+cmake --build "$work/known" >"$work/log" 2>&1 || fail "a known finding fails the build:"
+later
+expect "with a baseline, a second build makes" '' "$(made known)"
+rm "$host/Known.txt"
+"$tool" check --write-baseline "$host/Known.txt" "$work/good" >"$work/log" 2>&1
+if cmake --build "$work/known" >"$work/log" 2>&1; then fail "a change of the baseline is not noticed:"; fi
+sed -i.bak 's/ CHECK / /' "$host/CMakeLists.txt"
+configure checked Ninja "-Dmore=CHECK_ARGUMENTS;--warn;near-header" || fail "it does not configure:"
+if cmake --build "$work/checked" >"$work/log" 2>&1; then fail "CHECK_ARGUMENTS alone checks nothing:"; fi
+grep -F '[duplicate-key]' "$work/log" >/dev/null || fail "the build does not say why it ends:"
+configure checked Ninja "-Dmore=CHECK_ARGUMENTS;--disable;duplicate-key" || fail "it does not configure:"
+cmake --build "$work/checked" >"$work/log" 2>&1 || fail "a disabled rule fails the build:"
+mv "$host/CMakeLists.txt.bak" "$host/CMakeLists.txt"
+cp "$work/good" "$host/My App.strings"
 
 # A folder laid out like a bundle, with a key of its own.
 "$tool" key new "$work/key"
@@ -161,11 +205,86 @@ library=$(find "$work/prefix" -name 'libOrvaLanguage.so.*' -type f)
 cmake "-DCOMMAND_FILE=$tool" "-DLIBRARY=$library" -P "$functions" >"$work/log" 2>&1 ||
     fail "it refuses the library with the command's key:"
 
+# Applications in one folder share their resources and libraries, which are made once. Names that are
+# one to a target's name stay two. The build may make a source.
+mkdir -p "$work/pair/second"
+cat >"$work/pair/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.22)
+project(Pair LANGUAGES CXX)
+find_package(OrvaLanguage 1.0 REQUIRED)
+set(folder "${CMAKE_CURRENT_BINARY_DIR}/Pair/Contents/Linux")
+add_executable(first main.cpp)
+target_link_libraries(first PRIVATE OrvaLanguage::OrvaLanguage)
+set_target_properties(first PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${folder}")
+orva_add_strings(TARGET first SOURCE Pair.strings NAME App.strings)
+orva_add_strings(TARGET first SOURCE Pair.strings NAME App_strings)
+add_custom_command(OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/Made.strings"
+    COMMAND "${CMAKE_COMMAND}" -E copy "${CMAKE_CURRENT_SOURCE_DIR}/Pair.strings" Made.strings)
+orva_add_strings(TARGET first SOURCE "${CMAKE_CURRENT_BINARY_DIR}/Made.strings")
+orva_embed(TARGET first)
+add_subdirectory(second)
+END
+cat >"$work/pair/second/CMakeLists.txt" <<'END'
+add_executable(second ../main.cpp)
+target_link_libraries(second PRIVATE OrvaLanguage::OrvaLanguage)
+set_target_properties(second PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${folder}")
+orva_add_strings(TARGET second SOURCE ../Pair.strings NAME App.strings)
+orva_embed(TARGET second)
+END
+sed '/Keys.h/d; s/app::keys::\([A-Z_]*\)/"\1"/' "$host/main.cpp" >"$work/pair/main.cpp"
+cp "$host/My App.strings" "$work/pair/Pair.strings"
+for generator in "Unix Makefiles" Ninja; do
+    name=pair_${generator##* }
+    host=$work/pair configure "$name" "$generator" || fail "two applications do not configure:"
+    cmake --build "$work/$name" -j 2 >"$work/log" 2>&1 || fail "two applications do not build:"
+    expect "$generator makes the libraries and App.strings" '2 times' \
+        "$(grep -cE 'Copying libOrvaLanguage|: App\.strings' "$work/log") times"
+    for application in first second; do
+        expect "the $application application says" 'Hi, My App' "$("$work/$name/Pair/Contents/Linux/$application")"
+    done
+    expect "they have" 'App.strings App_strings Made.strings ' \
+        "$(cd "$work/$name/Pair/Contents/Resources" && printf '%s\n' * | LC_ALL=C sort | tr '\n' ' ')"
+    later
+    expect "$generator then makes" '' "$(made "$name")"
+done
+
+# For macOS, as far as this system can tell: files get where CMake puts the bundles, and only once.
+mkdir "$work/mac"
+cat >"$work/mac/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.22)
+project(Mac LANGUAGES CXX)
+find_package(OrvaLanguage 1.0 REQUIRED)
+add_executable(plain MACOSX_BUNDLE main.cpp)
+add_executable(named MACOSX_BUNDLE main.cpp)
+set_target_properties(named PROPERTIES OUTPUT_NAME "My App" BUNDLE_EXTENSION tool)
+add_custom_target(all_files)
+foreach(app IN ITEMS plain named)
+    orva_add_strings(TARGET ${app} SOURCE App.strings)
+    orva_embed(TARGET ${app})
+    add_dependencies(all_files ${app}_orva_strings_App_strings ${app}_orva_library)
+    file(GENERATE OUTPUT ${app}.txt CONTENT "$<TARGET_BUNDLE_CONTENT_DIR:${app}>\n")
+endforeach()
+END
+cp "$work/pair/Pair.strings" "$work/mac/App.strings"
+cp "$work/pair/main.cpp" "$work/mac/"
+host=$work/mac configure bundles Ninja -DCMAKE_SYSTEM_NAME=Darwin -DCMAKE_CXX_COMPILER_FORCED=ON \
+    -DCMAKE_INSTALL_NAME_TOOL=none || fail "bundles do not configure:"
+cmake --build "$work/bundles" --target all_files >"$work/log" 2>&1 || fail "a bundle's files are not made:"
+for application in plain named; do
+    contents=$(cat "$work/bundles/$application.txt")
+    expect "in $contents are" './Frameworks/libOrvaLanguage ./Frameworks/libnettle ./Resources/App ' \
+        "$(cd "$contents" && find . -name '*.s*' | sed 's/\.s[^/]*$//' | LC_ALL=C sort | tr '\n' ' ')"
+done
+cmake --build "$work/bundles" --target all_files >"$work/log" 2>&1
+grep -F 'no work to do' "$work/log" >/dev/null || fail "a bundle's files are made twice:"
+
 # What the document shows is a whole application.
-mkdir -p "$work/documented/src"
-awk '/^## /{is_inside = 0} /^## An application that ships$/{is_inside = 1}
-     /^```$/{is_code = 0} is_inside && is_code; /^```cmake$/{is_code = 1}' \
-    "$document" >"$work/documented/CMakeLists.txt"
+mkdir -p "$work/documented/src" "$work/folder"
+shown() { # HEADING
+    awk -v heading="$1" '/^##/{is_inside = $0 == heading}
+        /^```$/{is_code = 0} is_inside && is_code; /^```cmake$/{is_code = 1}' "$document"
+}
+shown '## An application that ships' >"$work/documented/CMakeLists.txt"
 printf 'QVLANG=en\nMENU_OPEN="Open"\n' >"$work/documented/MyApp.strings"
 sed 's/App.strings/MyApp.strings/; s/app::keys::[A-Z_]*/keys::MENU_OPEN/' "$host/main.cpp" \
     >"$work/documented/src/main.cpp"
@@ -175,6 +294,22 @@ ctest --test-dir "$work/shown" >"$work/log" 2>&1 || fail "the document's test fa
 grep -F '100% tests passed, 0 tests failed out of 1' "$work/log" >/dev/null || fail "it has no test:"
 cmake --install "$work/shown" --prefix "$work/documented/root" >"$work/log"
 expect "the document's application says" 'Open, Open' "$("$work/documented/root/bin/myapp")"
+
+# Its other lines make one of a single folder, which is installed whole.
+cp -R "$work/documented/src" "$work/documented/MyApp.strings" "$work/folder/"
+shown '### In one folder' >"$work/lines"
+{
+    sed '/^# Checks and protects/,$d' "$work/documented/CMakeLists.txt"
+    sed '/^install/,$d' "$work/lines"
+    sed -n '/^# Checks and protects/,/^orva_embed/p' "$work/documented/CMakeLists.txt"
+    sed -n '/^install/,$p' "$work/lines"
+} >"$work/folder/CMakeLists.txt"
+host=$work/folder configure folded Ninja || fail "the document's other lines do not configure:"
+cmake --build "$work/folded" >"$work/log" 2>&1 || fail "the document's other lines do not build:"
+cmake --install "$work/folded" --prefix "$work/folder/root" >"$work/log"
+mv "$work/prefix/lib" "$work/prefix/gone"
+expect "the folder's application says" 'Open, Open' "$("$work/folder/root/MyApp/Contents/Linux/myapp")"
+mv "$work/prefix/gone" "$work/prefix/lib"
 
 # Constants cause no warning and leave nothing in a program that does not use them.
 printf 'QVLANG=en\nMENU_A="*/ /* \\"\nmenu.b="??/"\nA"B\\%s="c"\nIDE_X="x"\n' '????/' >"$work/odd.strings"
@@ -207,6 +342,38 @@ cp "$host/main.cpp" "$work/wrong/"
 refused 'orva_add_strings: SOURCE must name' 'orva_add_strings(TARGET myapp)'
 refused "TARGET must name a target, not 'other'" 'orva_embed(TARGET other)'
 refused 'unknown or without a value: CHEK' 'orva_add_strings(TARGET myapp SOURCE a.strings CHEK)'
+touch "$work/wrong/a.strings" "$work/wrong/b.strings"
+folder=$(realpath "$work/wrong")
+refused "with the type EXECUTABLE. 'texts' is not" 'add_library(texts INTERFACE)
+orva_add_strings(TARGET texts SOURCE a.strings)'
+refused "with the type EXECUTABLE. 'alias' is not" 'add_executable(alias ALIAS myapp)
+orva_embed(TARGET alias)'
+refused "with the type EXECUTABLE. 'other' is not" 'add_executable(other IMPORTED)
+orva_embed(TARGET other)'
+refused "'texts' is not" 'add_library(texts INTERFACE)
+orva_generate_keys(TARGET texts SOURCE a.strings LANGUAGE c)'
+refused "orva_add_strings: SOURCE: there is no file $folder/c.strings" \
+    'orva_add_strings(TARGET myapp SOURCE c.strings)'
+refused "orva_generate_keys: SOURCE: there is no file $folder/c.strings" \
+    'orva_generate_keys(TARGET myapp SOURCE c.strings LANGUAGE c)'
+refused "SOURCE: there is no file $folder" 'orva_add_strings(TARGET myapp SOURCE .)'
+refused "KEY_FILE: there is no file $folder/key" \
+    'orva_add_strings(TARGET myapp SOURCE a.strings KEY_FILE key)'
+refused "NAME must be a file's name, without a folder, not 'a/b'" \
+    'orva_add_strings(TARGET myapp SOURCE a.strings NAME a/b)'
+refused "OUTPUT must be a file's name, without a folder, not 'a/b'" \
+    'orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE c OUTPUT a/b)'
+refused "$folder/a.strings would be replaced by its protected form" \
+    "set_target_properties(myapp PROPERTIES RUNTIME_OUTPUT_DIRECTORY [[$folder]])
+orva_add_strings(TARGET myapp SOURCE a.strings)"
+refused 'the target myapp_orva_strings_App of an earlier call makes' 'add_executable(other main.cpp)
+orva_add_strings(TARGET myapp SOURCE a.strings NAME App)
+orva_add_strings(TARGET other SOURCE b.strings NAME App)'
+refused 'Use another NAME, or a folder of its own for myapp' \
+    'orva_add_strings(TARGET myapp SOURCE a.strings NAME App)
+orva_add_strings(TARGET myapp SOURCE a.strings NAME App SHIPPED)'
+refused 'Use another OUTPUT' 'orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE c)
+orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE c++)'
 refused 'LANGUAGE must be c, c++ or swift' 'orva_generate_keys(TARGET myapp SOURCE a.strings LANGUAGE java)'
 refused 'needs cmake_minimum_required(VERSION 3.22)' 'orva_add_strings(TARGET myapp SOURCE a.strings)' 3.16
 rm "$work/prefix/lib"*/cmake/OrvaLanguage/OrvaLanguageTools* "$work/prefix/lib"/*/cmake/OrvaLanguage/OrvaLanguageTools* 2>/dev/null || true

@@ -1,10 +1,13 @@
 #!/usr/bin/python3
-"""No link or path in the documents is dead, and docs/README.md leads to everything.
+"""No link or path in the documents is dead, and docs/README.md leads to everything. The documents that
+BUILD installs have no dead link either.
 
-Usage: links_test.py SOURCE
+Usage: links_test.py SOURCE BUILD   BUILD may be empty: nothing to install
 """
 import re
+import subprocess
 import sys
+import tempfile
 from pathlib import Path
 
 SOURCE = Path(sys.argv[1]).resolve()
@@ -32,20 +35,40 @@ def anchors(path):
     return anchors_found
 
 
+def links(document):
+    """Each link to a file or an anchor: as written, its file, and its anchor."""
+    for target in re.findall(r"\]\(([^)\s]+)\)", prose(document)):
+        if not re.match("https?:", target):
+            name, _, anchor = target.partition("#")
+            yield target, (document.parent / name).resolve() if name else document, anchor
+
+
+def is_dead(path, anchor):
+    return not path.exists() or anchor and (path.suffix != ".md" or anchor not in anchors(path))
+
+
+def dead_installed_links(build):
+    """Those of the installed documents, which must still have links and what these lead to."""
+    with tempfile.TemporaryDirectory() as prefix:
+        subprocess.run(["cmake", "--install", build, "--prefix", prefix, "--component",
+                        "development"], check=True, stdout=subprocess.DEVNULL)
+        installed = [(document.name, *link) for document in sorted(Path(prefix).glob("**/*.md"))
+                     for link in links(document)]
+        dead = [f"installed, {name}: there is no {target}"
+                for name, target, path, anchor in installed if is_dead(path, anchor)]
+    kept = {name for *_, path, anchor in installed for name in (path.name, anchor)}
+    lost = {"building.md", "SampleHost.cpp", "SECURITY.md", "the-development-key"} - kept
+    return dead + [f"installed, no link leads to {name}" for name in sorted(lost)]
+
+
 documents = found("**/*.md")
 faults, leads_to, count = [], {}, 0
 for document in sorted(documents):
     leads_to[document] = set()
-    for target in re.findall(r"\]\(([^)\s]+)\)", prose(document)):
-        if re.match("https?:", target):
-            continue
+    for target, path, anchor in links(document):
         count += 1
-        name, _, anchor = target.partition("#")
-        path = (document.parent / name).resolve() if name else document
         leads_to[document].add(path)
-        if not path.exists():
-            faults.append(f"{document.relative_to(SOURCE)}: there is no {name}")
-        elif anchor and (path.suffix != ".md" or anchor not in anchors(path)):
+        if is_dead(path, anchor):
             faults.append(f"{document.relative_to(SOURCE)}: there is no {target}")
 
     for name in re.findall(r"`([\w.-]+/[\w./-]*)", prose(document)):
@@ -63,6 +86,8 @@ while unread:
 wanted = documents | found("docs/man/*", "tools/**/*.[1-9]", "include/**/*.h*")
 for path in sorted(wanted - reached):
     faults.append(f"docs/README.md does not lead to {path.relative_to(SOURCE)}")
+if sys.argv[2]:
+    faults += dead_installed_links(sys.argv[2])
 
 print(f"{count} links and paths, {len(wanted)} pages and headers", *faults, sep="\n")
 sys.exit(bool(faults))

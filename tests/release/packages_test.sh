@@ -30,7 +30,7 @@ cp -R "$source/tests/release/hosts" try/
 
 if [ "$fresh" = --fresh ]; then
     mapfile -t sources < <(find /etc/apt -name sources.list -o -name debian.sources)
-    mmdebstrap --quiet --variant=apt --include=g++,cmake,ninja-build,pkg-config,dpkg-dev,man-db,libnettle8 \
+    mmdebstrap --quiet --variant=apt --include=g++,cmake,ninja-build,pkg-config,dpkg-dev,man-db,libnettle8,libexpat1 \
         "$(sh -c '. /etc/os-release; echo "$VERSION_CODENAME"')" "$root" "${sources[@]}"
 else
     try_mount -t overlay none -o "lowerdir=/,upperdir=$work/upper,workdir=$work/overlay" "$root"

@@ -194,6 +194,65 @@ TEST_F(OrvaStringsAllocationFailure, LeavesAFileToMendWhole) {
     FailAtEach({"fix", "-"});
 }
 
+TEST_F(OrvaStringsAllocationFailure, LeavesAFileToSyncWhole) {
+    const std::string whole = "QVLANG=en\nMENU_OPEN_RECENT_DOCUMENTS=1\nMENU_QUIT=2\nMENU_OK=3\n";
+    const std::string unsynced = whole +
+                                 "QVLANG=de\n# a comment\nMENU_QUIT=2\nOLD_KEY=1\n"
+                                 "MENU_OPEN_RECENT_DOCUMENTS=1\n";
+    const std::string synced = whole +
+                               "QVLANG=de\nMENU_OPEN_RECENT_DOCUMENTS=1\n# a comment\n"
+                               "MENU_QUIT=2\nOLD_KEY=1\nMENU_OK=3\n";
+    FailAtEach(
+        {"sync", "--fill", "reference", Path("file")}, [&] { m_folder.Write("file", unsynced); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("file")), status == 0 ? synced : unsynced);
+            EXPECT_EQ(FilesInFolder(), 5U) << "nothing but the file";
+        });
+    m_input = unsynced;
+    FailAtEach({"sync", "-"});
+    FailAtEach({"stats", "--base", Path("readable"), Path("readable")});
+    FailAtEach({"report", "-"});
+}
+
+TEST_F(OrvaStringsAllocationFailure, ImportsIntoTheFileOrLeavesItWhole) {
+    const auto unit = [](const std::string& key, const std::string& source,
+                         const std::string& target) {
+        return "<trans-unit id=\"" + key + "\"><source>" + source + "</source><target>" + target +
+               "</target></trans-unit>";
+    };
+    const std::string recent = "Open one of the documents that were open before";
+    std::string attributes;  // many, so that the parser needs more memory for them
+    for (int i = 0; i < 20; ++i) {
+        attributes += " a" + std::to_string(i) + "=\"\"";
+    }
+    m_folder.Write(
+        "de.xlf",
+        "<xliff version=\"1.2\"><file source-language=\"en\" target-language=\"de\"><body>" +
+            unit("MENU_OPEN_RECENT", recent,
+                 "Eines der zuletzt ge\xC3\xB6"
+                 "ffneten <ph>%1</ph>") +
+            unit("IDE_REGISTRATION_TITLE", "Register this copy of the application\nnow",
+                 "Jetzt diese Kopie der Anwendung anmelden") +
+            unit("A_KEY_THAT_NO_SECTION_HAS", "x", "y") +
+            "</body></file><file source-language=\"en\" target-language=\"nl\"" + attributes +
+            "><body>" + unit("MENU_OPEN_RECENT", recent, "Een recent document openen") +
+            "</body></file></xliff>");
+    const std::vector<std::string> arguments = {
+        "import", "--create",   "--key-file", Path("key"),     "--code",     "English=en",
+        "--code", "Deutsch=de", "--code",     "Nederlands=nl", Path("file"), Path("de.xlf")};
+    const std::string before = ReadFile(Path("protected"));
+    m_folder.Write("file", before);
+    ASSERT_EQ(Run(arguments), 0) << m_err;
+    const std::string after = ReadFile(Path("file"));
+    EXPECT_NE(after.find("QVLANG=Nederlands\nMENU_OPEN_RECENT=\"Een recent"), std::string::npos);
+    FailAtEach(
+        arguments, [&] { m_folder.Write("file", before); },
+        [&](int status) {
+            EXPECT_EQ(ReadFile(Path("file")), status == 0 ? after : before);
+            EXPECT_EQ(FilesInFolder(), 6U) << "nothing but the file";
+        });
+}
+
 TEST_F(OrvaStringsAllocationFailure, WritesNoPartOfAnOutputFile) {
     const std::vector<std::string> arguments = {"protect",        "--key-file", Path("key"),
                                                 Path("readable"), "-o",         Path("out")};

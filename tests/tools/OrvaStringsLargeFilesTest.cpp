@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <ostream>
 #include <streambuf>
@@ -142,6 +143,37 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesAreCheckedInThreeTimesTheirSizeAtMost) 
     }
 }
 
+// Each key is kept with its text and its place, and each constant is longer than its entry.
+TEST_F(OrvaStringsLargeFiles, OfMegabytesBecomeConstantsInSixteenTimesTheirSizeAtMost) {
+    const std::string file = Entries(std::size_t{1} << 20U, 1, 10);
+    m_folder.Write("file", file);
+    for (const char* const language : {"c", "c++", "swift"}) {
+        SCOPED_TRACE(language);
+        std::filesystem::remove(Path("out"));
+        const AllocationPeak peak;
+        EXPECT_EQ(Run({"keys", "--language", language, "-o", Path("out"), Path("file")}), 0);
+        EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+        EXPECT_LE(peak.Bytes(), 16 * file.size());
+    }
+}
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreComparedWithSourcesInSixteenTimesTheirSizeAtMost) {
+    const std::string file = Entries(std::size_t{1} << 20U, 1, 10);
+    m_folder.Write("file", file);
+    // Names of constants, and literals.
+    std::string source;
+    for (std::size_t i = 0; i < 50'000; ++i) {
+        const std::string number = std::to_string(i);
+        source += "f(MENU_" + number + "_ENTRY, \"IDE_" + number + "_ENTRY\");\n";
+    }
+    m_folder.Write("a.c", source);
+    const AllocationPeak peak;
+    EXPECT_EQ(Run({"usage", "--source", Path("a.c"), "--keep", "*", Path("file")}), 0);
+    EXPECT_EQ(m_out.first, "no findings in 2 files");
+    EXPECT_GT(peak.Bytes(), file.size()) << "the file was not read";
+    EXPECT_LE(peak.Bytes(), 16 * file.size());
+}
+
 TEST_F(OrvaStringsLargeFiles, OfMegabytesAreExportedInThreeTimesTheirSizeAtMost) {
     const std::string file = Translations(2000);
     m_folder.Write("file", file);
@@ -208,6 +240,73 @@ TEST_F(OrvaStringsLargeFiles, OfMegabytesInOneLineAreCheckedInTimeInProportion) 
                                    "\"\n# " + text + '\n');
         EXPECT_LT(Run({"check", "--shipped", Path("file")}), 2) << m_err.last;
     }
+}
+
+// XLIFF for each language but the first, with a new text for each key.
+std::string NewTranslations(std::size_t keys) {
+    std::string file = "<xliff version=\"1.2\">\n";
+    for (int language = 1; language < 30; ++language) {
+        const std::string number = std::to_string(language);
+        file += "<file source-language=\"aa-0\" target-language=\"aa-" + number + "\"><body>\n";
+        for (std::size_t key = 0; key < keys; ++key) {
+            file += "<trans-unit id=\"MENU_" + std::to_string(key) +
+                    "_ENTRY\" xml:space=\"preserve\">\n<source>Text 0 of %d and {name}, with "
+                    "ümlauts</source>\n<target>New text " +
+                    number + " of %d and {name}, with ümlauts</target>\n</trans-unit>\n";
+        }
+        file += "</body></file>\n";
+    }
+    return file + "</xliff>\n";
+}
+
+TEST_F(OrvaStringsLargeFiles, OfMegabytesAreImportedInSixTimesTheirSizeAtMost) {
+    constexpr std::size_t kKeys = 2000;
+    const std::string file = Translations(kKeys);
+    m_folder.Write("all.xlf", NewTranslations(kKeys));
+    std::vector<std::string> command = {"import", "--create", Path("file"), Path("all.xlf")};
+    for (int language = 0; language < 30; ++language) {
+        const std::string number = std::to_string(language);
+        command.insert(command.end(), {"--code", "language " + number + "=aa-" + number});
+    }
+    // All texts change, or all entries and sections but the first are new.
+    const std::pair<std::string, std::string> cases[] = {
+        {file, ": changed 58000 entries\n"},
+        {file.substr(0, file.find("QVLANG=language 1\n")), ": changed 0 entries, added 58000\n"},
+    };
+    for (const auto& [bytes, said] : cases) {
+        m_folder.Write("file", bytes);
+        const AllocationPeak peak;
+        EXPECT_EQ(Run(command), 0) << m_err.last;
+        EXPECT_EQ(m_err.last, Path("file") + said);
+        EXPECT_LE(peak.Bytes(), 6 * ReadFile(Path("file")).size());
+    }
+}
+
+// Documents of 10 MB that do harm with little: many parts for two languages in turn, and many
+// units that no section knows.
+TEST_F(OrvaStringsLargeFiles, OfManyPartsAreImportedInTimeInProportion) {
+    std::string file = "QVLANG=English\n";
+    for (int key = 0; key < 10'000; ++key) {
+        file += "KEY_" + std::to_string(key) + "=x\n";
+    }
+    m_folder.Write("file", file + "QVLANG=Deutsch\nQVLANG=French\n");
+    std::string parts = "<xliff version=\"1.2\">";
+    for (const char* language = "de"; parts.size() < 10'000'000;
+         language = language[0] == 'd' ? "fr" : "de") {
+        parts += "<file source-language=\"en\" target-language=\"" + std::string(language) +
+                 "\"><body/></file>";
+    }
+    m_folder.Write("parts.xlf", parts + "</xliff>");
+    std::string units =
+        "<xliff version=\"1.2\"><file source-language=\"en\" target-language=\"de\"><body>";
+    while (units.size() < 10'000'000) {
+        units += "<trans-unit id=\"a\"><target>x</target></trans-unit>\n";
+    }
+    m_folder.Write("units.xlf", units + "</body></file></xliff>");
+    EXPECT_EQ(Run({"import", "--code", "English=en", "--code", "Deutsch=de", "--code", "French=fr",
+                   Path("file"), Path("parts.xlf"), Path("units.xlf")}),
+              0);
+    EXPECT_EQ(m_err.last, Path("file") + ": changed 0 entries\n");
 }
 
 // The file with one byte replaced by others wherever it is.

@@ -131,6 +131,12 @@ protected:
             m_folder.Write("bad", File(std::string(96, '0')));
             m_folder.Write("long.key", ToHex(first) + ToHex(second) + "\n");
             m_folder.Write("wrong.key", ToHex(first).replace(63, 1, "x"));
+            m_folder.Write(
+                "de.xlf",
+                "<xliff version=\"1.2\"><file source-language=\"en\" "
+                "target-language=\"de\"><body><trans-unit id=\"IDE_TITLE\"><source>" +
+                    std::string(kText) +
+                    "</source><target>Titel</target></trans-unit></body></file></xliff>");
             MemorySearch::Secrets secrets = SecretsOfKeyFile(DevelopmentKey());
             for (const Bytes& material : {first, second}) {
                 for (const auto& secret : SecretsOfKeyFile(material)) {
@@ -226,6 +232,17 @@ TEST_F(OrvaStringsMemory, HoldsNoKeyAfterACommand) {
          0,
          ""},
         {{"fix", "-"}, Path("first"), 0, "first"},
+        {{"keys", "--language", "c", Path("built-in")}, "", 0, ""},
+        {{"usage", "--source", Path("readable"), Path("built-in")}, "", 0, ""},
+        {{"sync", "-"}, Path("first"), 0, "first"},
+        {{"stats", Path("built-in")}, "", 0, ""},
+        {{"stats", "--key-file", "-", Path("second")}, second, 0, ""},
+        {{"report", "--key-file", first, "-o", Path("page"), Path("first")}, "", 0, ""},
+        {{"import", "--key-file", first, "--code", "en=en", "--code", "de=de", "--create", "-",
+          Path("de.xlf")},
+         Path("first"),
+         0,
+         ""},
         {{"key", "show"}, "", 0, ""},
         {{"key", "show", "--key-file", first}, "", 0, ""},
         {{"key", "show", "--key-file", "-"}, second, 0, ""},

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# What `orva-strings fix --diff` prints, patch(1) applies: the result is what `orva-strings fix` makes.
+# What `orva-strings fix --diff` and `orva-strings sync --diff` print, patch(1) applies: the result is
+# what the command makes without --diff.
 #
 # Usage: fix_diff_test.sh ORVA_STRINGS
 set -euo pipefail
@@ -16,13 +17,14 @@ fail() {
 
 mark=$'\xEF\xBB\xBF'
 count=0
+command=(fix)
 expect() { # NAME FORMAT: a file of these bytes, as printf makes them
     # shellcheck disable=SC2059  # the format is the test's own
     printf "$2" >"$1"
     local status=0
-    "$tool" fix --diff "$1" >changes || status=$?
+    "$tool" "${command[@]}" --diff "$1" >changes || status=$?
     [ "$status" = 1 ] || fail "'$2': --diff ended with $status"
-    "$tool" fix - <"$1" >fixed
+    "$tool" "${command[@]}" - <"$1" >fixed
     cp "$1" before
     patch -p0 --binary --quiet <changes || fail "'$2': patch refuses this:"
     cmp "$1" fixed || fail "'$2': patched otherwise:"
@@ -43,4 +45,14 @@ expect returns2 'QVLANG=en\r ABCD=1'
 expect marks "${mark}QVLANG=en\n1\n2\n3\n4\n5\n6\n7\n${mark}8\n9\n10\n11\n12\n13\n14\n15\n16\n$mark"
 expect dashes 'QVLANG=en\n -- A=1\n++ A =1\n-- A =1\n++ A =1\n++ B =2\n'
 expect binary ' QVLANG=en\nABCD =\0\xFF\x1B\n'
+command=(sync --fill reference --prune)
+en='QVLANG=en\nAAAA=1\nBBBB=2\nCCCC=3\nDDDD=4\nEEEE=5\nFFFF=6\nGGGG=7\nHHHH=8\nIIII=9\n'
+expect 'Some sample.strings' "${en}QVLANG=de\nBBBB=2\nAAAA=1\n"
+expect unended "${en}QVLANG=de\nBBBB=2\nAAAA=1"
+expect header "${en}QVLANG=de"
+expect kept "${en}QVLANG=de\nAAAA=1\nBBBB=2\nCCCC=3\nDDDD=4\nEEEE=5\nFFFF=6\nGGGG=7\nHHHH=8"
+expect pruned "${en}${en/en/de}XXXX=1"
+expect apart "${en}QVLANG=de\nBBBB=2\nAAAA=1\nCCCC=3\nDDDD=4\nEEEE=5\nFFFF=6\nGGGG=7\nIIII=9\nHHHH=8\n"
+expect near "${en}QVLANG=de\nBBBB=2\nAAAA=1\nCCCC=3\nDDDD=4\nEEEE=5\nFFFF=6\nHHHH=8\nGGGG=7\nIIII=9\n"
+expect windows "${en}QVLANG=de\r\nBBBB=2\r\n# a\nAAAA=1\r\n\r\n# end\r"
 echo "$count diffs applied and taken back"

@@ -11,7 +11,7 @@ quietly() { "$@" >/try/log 2>&1 || { cat /try/log; fail "failed: $*"; }; }
 
 # What only the build of the project needs, and no host.
 mapfile -t unneeded < <(dpkg-query --show --showformat '${binary:Package}\n' \
-    nettle-dev libcli11-dev nlohmann-json3-dev libutfcpp-dev libgtest-dev 2>/dev/null)
+    nettle-dev libexpat1-dev libcli11-dev nlohmann-json3-dev libutfcpp-dev libgtest-dev 2>/dev/null)
 if [ ${#unneeded[@]} -gt 0 ]; then
     quietly dpkg --force-depends --remove "${unneeded[@]}"
 fi
@@ -44,6 +44,9 @@ done
 for file in README.md CHANGELOG.md docs/building.md docs/format.md; do
     [ -s "/usr/share/doc/liborvalanguage-dev/$file" ] || fail "$file is not installed"
 done
+if grep -F '](../include/' /usr/share/doc/liborvalanguage-dev/docs/README.md; then
+    fail "a document links to what is not beside it"
+fi
 MANPAGER="cat" quietly man orva-strings
 grep -F "strings files" log >said || fail "the manual page is not there"
 if readelf --dynamic "$(readlink -f /usr/lib/*/libOrvaLanguage.so.1)" | grep -E "RPATH|RUNPATH"; then

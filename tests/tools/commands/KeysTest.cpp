@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -60,7 +61,8 @@ TEST_F(Keys, WritesMacrosForC) {
 
 #endif
 )");
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err,
+              Path("My App.strings") + ":3: note: menu.quit: the constant is KEY_menu_quit\n");
 }
 
 TEST_F(Keys, WritesVariablesForCpp) {
@@ -110,10 +112,11 @@ TEST_F(Keys, MakesTextsHarmlessInComments) {
     EXPECT_EQ(CommentOf("a\tb\x01"
                         "c\x7F\xC2\x85"
                         "d\\n\\"),
-              "/** \"a b c  d \\\" */");
+              "/** \"a b c  d \\\\\" */");
     EXPECT_EQ(CommentOf("a\xFF\xC3z"), "/** \"a\xEF\xBF\xBD\xEF\xBF\xBDz\" */");
     // A line separator, and what would change the direction of the rest of the line.
     EXPECT_EQ(CommentOf("a\u2028b\u202Ec\u2066d\u061Ce"), "/** \"a b c d e\" */");
+    EXPECT_EQ(CommentOf("\\param @file <b>"), "/** \"\\\\param \\@file \\<b>\" */");
     EXPECT_EQ(CommentOf("\"He\" said"), "/** \"\"He\" said\" */");
     EXPECT_EQ(CommentOf(std::string(79, 'a')), "/** \"" + std::string(79, 'a') + "\" */");
     std::string umlauts;
@@ -121,6 +124,18 @@ TEST_F(Keys, MakesTextsHarmlessInComments) {
         umlauts += "ä";
     }
     EXPECT_EQ(CommentOf(umlauts), "/** \"" + umlauts.substr(0, std::size_t{2} * 79) + "…\" */");
+}
+
+TEST_F(Keys, ShowsInvisibleCharactersByTheirNumbers) {
+    EXPECT_EQ(CommentOf("a\u200Bb\uFEFFc\u00ADd\u2060e\u2064f\U000E0041g\U000E007Fh"),
+              "/** \"a[U+200B]b[U+FEFF]c[U+00AD]d[U+2060]e[U+2064]f[U+E0041]g[U+E007F]h\" */");
+    EXPECT_EQ(CommentOf("\u180E\u206A\u206F\U000E0000"),
+              "/** \"[U+180E][U+206A][U+206F][U+E0000]\" */");
+    // What languages and pictures need, and the neighbours of what is not seen.
+    const std::string shown =
+        "\u00AC\u00AE\u180D\u180F\u200A\u200C\u200D\u205F\u2065\u2070\uFE0F"
+        "\uFEFE\uFF01\U000DFFFF\U000E0080";
+    EXPECT_EQ(CommentOf(shown), "/** \"" + shown + "\" */");
 }
 
 TEST_F(Keys, WritesKeysAsLiterals) {
@@ -142,8 +157,9 @@ TEST_F(Keys, TakesEachKeyOnceAndNoComment) {
 // Nor of what was probably meant as a protected key.
 TEST_F(Keys, NeverShowsTheTextOfAProtectedKey) {
     for (const char* const line :
-         {"IDE_NAME=\"Secret\"", "ide_name=\"Secret\"", "IDEA=Secret", "ABCD=\"a IDE_NAME=Secret",
-          "ABCD=\"a\" // IDE_NAME=\"Secret\"", "ABCD=1\rIDE_NAME=\"Secret\""}) {
+         {"IDE_NAME=\"Secret\"", "ide_name=\"Secret\"", "IDEA=Secret", "DIE_W=Secret",
+          "ABCD=\"a IDE_NAME=Secret", "ABCD=\"a\" // IDE_NAME=\"Secret\"",
+          "ABCD=1\rIDE_NAME=\"Secret\""}) {
         const std::string constant = ConstantOf(line);
         EXPECT_EQ(constant.substr(0, 29), "/** A protected text. */\n#def") << line;
         EXPECT_EQ(m_out.find("Secret"), std::string::npos) << line;
@@ -151,12 +167,52 @@ TEST_F(Keys, NeverShowsTheTextOfAProtectedKey) {
     EXPECT_EQ(CommentOf("A WIDE screen"), "/** \"A WIDE screen\" */");
 }
 
+TEST_F(Keys, NeverShowsATextThatIsAlsoThatOfAProtectedKey) {
+    for (const char* const other :
+         {"IDE_NAME=\"Secret\"", "ide_name : \"Secret\"", "DIE_W=\"Secret\"", "ied_x=Secret",
+          "// IDE_NAME=\"Secret\"", "AB\rIDE_NAME=\"Secret\"\rCD", "IDE_X:\"Secret\"=\"y\"",
+          "\xEF\xBB\xBFIDE_NAME=\"Secret\"", "IDE_X:Secret=y"}) {
+        EXPECT_EQ(CommentOf("Secret\"\nQVLANG=de\n" + std::string(other) + "\n//\""),
+                  "/** A protected text. */")
+            << other;
+    }
+    EXPECT_EQ(CommentOf("a Secret1b\"\nIDE_X=\"Secret1"), "/** \"a Secret1b\" */");
+    EXPECT_EQ(CommentOf("a Secret12\"\nIDE_X=\"Secret12"), "/** A protected text. */");
+}
+
+TEST_F(Keys, ShowsOrdinaryTexts) {
+    for (const char* const line :
+         {"HIDE_ALL=Text", "Died=Text", "EDI_X=Text", "ideal=Text", "ID_X=Text", "IEDx=Text"}) {
+        EXPECT_EQ(ConstantOf(line).substr(0, 10), "/** \"Text\"") << line;
+    }
+}
+
+// Not in the constant and not in a message.
+TEST_F(Keys, NeverWritesAKeyThatHoldsAProtectedText) {
+    const std::string fault =
+        "there can be no constant: it would contain what was probably meant as the text of a "
+        "protected entry\n";
+    EXPECT_EQ(FaultOf("c", "IDE_X:\"SECRET\"=\"y\"\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "IDE_X:SECRET==\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "Ide_V \"SECRET=x\"\n"), "-:2: error: Ide_V: " + fault);
+    EXPECT_EQ(FaultOf("c", "DIE_W:\"SECRET\" = x\n"), "-:2: error: DIE_W: " + fault);
+    EXPECT_EQ(FaultOf("c", "\"IDE_X\":\"SECRET\"=x\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "SECRET IDE_X=y\n"), "-:2: error: " + fault);
+    EXPECT_EQ(FaultOf("c", "A SECRET B=x\nIDE_X=\"A SECRET\"\n"), "-:2: error: " + fault);
+    EXPECT_EQ(FaultOf("c", "OPEN=x\nIDE_X=\"OPEN\"\n"), "-:2: error: " + fault);
+    EXPECT_EQ(FaultOf("c", "IDE_SECRET:x=y\nIDE_Z=IDE_SECRET\n"), "-:2: error: " + fault);
+    // A text that only repeats its key says nothing new.
+    EXPECT_EQ(ConstantOf("IDE_X=IDE_X"), "/** A protected text. */\n#define KEY_IDE_X \"IDE_X\"\n");
+    EXPECT_EQ(ConstantOf("IDE.X-1/B=x"),
+              "/** A protected text. */\n#define KEY_IDE_X_1_B \"IDE.X-1/B\"\n");
+}
+
 TEST_F(Keys, FindsKeysWithoutAConstant) {
     const std::string none = "there can be no constant: ";
-    EXPECT_EQ(
-        FaultOf("c", "MENU.A=1\nMENU-A=2\nMENU A=3\n"),
-        "-:3: error: MENU-A: " + none + "MENU_A is already the constant of MENU.A on line 2\n" +
-            "-:4: error: MENU A: " + none + "MENU_A is already the constant of MENU.A on line 2\n");
+    EXPECT_EQ(FaultOf("c", "MENU.A=1\nMENU-A=2\nMENU A=3\n"),
+              "-:2: note: MENU.A: the constant is KEY_MENU_A\n-:3: error: MENU-A: " + none +
+                  "MENU_A is already the constant of MENU.A on line 2\n" + "-:4: error: MENU A: " +
+                  none + "MENU_A is already the constant of MENU.A on line 2\n");
     EXPECT_EQ(FaultOf("c++", "while=1\n1ABC=2\n_ABC=3\nA__B=4\nA..B=5\n_abc=6\n"),
               "-:2: error: while: " + none + "it is a reserved word of C++\n" +
                   "-:3: error: 1ABC: " + none + "no name begins with a digit\n" +
@@ -165,6 +221,13 @@ TEST_F(Keys, FindsKeysWithoutAConstant) {
                   "-:6: error: A..B: " + none + "C++ reserves names like A__B\n");
     EXPECT_EQ(FaultOf("swift", "self=1\nnamespace=2\n"),
               "-:2: error: self: " + none + "it is a reserved word of Swift\n");
+    const std::string macro = " is a macro of compilers or of the standard library\n";
+    EXPECT_EQ(FaultOf("c++", "linux=1\nerrno=2\ntypeof=3\nstdin=4\nINT_MAX=5\nNULL=6\nerrnos=7\n"),
+              "-:2: error: linux: " + none + "linux" + macro + "-:3: error: errno: " + none +
+                  "errno" + macro + "-:4: error: typeof: " + none +
+                  "it is a reserved word of C++\n" + "-:5: error: stdin: " + none + "stdin" +
+                  macro + "-:6: error: INT_MAX: " + none + "INT_MAX" + macro +
+                  "-:7: error: NULL: " + none + "NULL" + macro);
     EXPECT_EQ(FaultOf("c",
                       "ABCD =1\n\tEFGH=2\nA\0BCD=3\n\xC3\xA4"
                       "bcd=4\n"s),
@@ -177,6 +240,36 @@ TEST_F(Keys, FindsKeysWithoutAConstant) {
                   none + "the key is not ASCII\n");
 }
 
+// In C, a name with its scope can be a macro.
+TEST_F(Keys, FindsMacrosInTheWholeNamesOfC) {
+    const std::string file = Write("App.strings", "QVLANG=en\nSUCCESS=1\nerrno=2\n");
+    EXPECT_EQ(Run({"keys", "--language", "c", "--scope", "EXIT", file}), 1);
+    EXPECT_EQ(m_err, file +
+                         ":2: error: SUCCESS: there can be no constant: EXIT_SUCCESS is a macro "
+                         "of compilers or of the standard library\n");
+    EXPECT_EQ(Run({"keys", "--language", "c", "--scope", "linux", file}), 0) << m_err;
+    EXPECT_EQ(Run({"keys", "--language", "swift", file}), 0) << m_err;
+}
+
+TEST_F(Keys, NamesTheConstantsOfKeysThatAreNoNames) {
+    std::string keys = "QVLANG=en\nPLAIN=x\n";
+    std::string notes;
+    for (char c = 'a'; c <= 'j'; ++c) {
+        const std::string end = std::string(1, c) + 'z';
+        keys += "a." + end + "=x\n";
+        notes += "-:" + std::to_string(c - 'a' + 3) + ": note: a." + end + ": the constant is a_" +
+                 end + '\n';
+    }
+    EXPECT_EQ(Run({"keys", "--language", "c++", "-"}, keys), 0);
+    EXPECT_EQ(m_err, notes);
+    const std::string more =
+        " other characters than names can have, for which the constants have underscores\n";
+    EXPECT_EQ(Run({"keys", "--language", "c++", "-"}, keys + "a.kz=x\n"), 0);
+    EXPECT_EQ(m_err, "-: note: 1 more key has" + more + notes);
+    EXPECT_EQ(Run({"keys", "--language", "c++", "-"}, keys + "a.kz=x\na.lz=x\n"), 0);
+    EXPECT_EQ(m_err, "-: note: 2 more keys have" + more + notes);
+}
+
 TEST_F(Keys, NeedsASection) {
     EXPECT_EQ(Run({"keys", "--language", "c", "-"}, "ABCD=1\n"), 1);
     EXPECT_EQ(m_err, "-: error: the file has no section\n");
@@ -187,9 +280,11 @@ TEST_F(Keys, NeedsASection) {
 TEST_F(Keys, WritesAFileOnlyIfItChanges) {
     const std::string source = Write("App.strings", kSource);
     const std::string output = Path("Keys.h");
+    const std::string note = source + ":3: note: menu.quit: the constant is KEY_menu_quit\n";
+    const std::string noteInCpp = source + ":3: note: menu.quit: the constant is menu_quit\n";
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", output, source}), 0);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err, output + ": wrote 4 constants\n");
+    EXPECT_EQ(m_err, note + output + ": wrote 4 constants\n");
     const std::string written = ReadFile(output);
     EXPECT_EQ(Run({"keys", "--language", "c", source}), 0);
     EXPECT_EQ(written, m_out);
@@ -197,16 +292,16 @@ TEST_F(Keys, WritesAFileOnlyIfItChanges) {
     const auto old = std::filesystem::last_write_time(output) - std::chrono::hours(1);
     std::filesystem::last_write_time(output, old);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", output, source}), 0);
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err, note);
     EXPECT_EQ(std::filesystem::last_write_time(output), old);
     EXPECT_EQ(Run({"keys", "--language", "c", "--check", "-o", output, source}), 0);
-    EXPECT_EQ(m_err, "");
+    EXPECT_EQ(m_err, note);
 
     EXPECT_EQ(Run({"keys", "--language", "c++", "--check", "-o", output, source}), 1);
-    EXPECT_EQ(m_err, output + ": would write 4 constants\n");
+    EXPECT_EQ(m_err, noteInCpp + output + ": would write 4 constants\n");
     EXPECT_EQ(ReadFile(output), written);
     EXPECT_EQ(Run({"keys", "--language", "c++", "-o", output, source}), 0);
-    EXPECT_EQ(m_err, output + ": wrote 4 constants\n");
+    EXPECT_EQ(m_err, noteInCpp + output + ": wrote 4 constants\n");
     EXPECT_NE(ReadFile(output), written);
 }
 
@@ -219,10 +314,28 @@ TEST_F(Keys, WritesNothingAfterAnError) {
 TEST_F(Keys, ReplacesNothingButConstants) {
     const std::string source = Write("App.strings", kSource);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", source, source}), 2);
-    EXPECT_EQ(m_err, "orva-strings: error: " + source +
+    EXPECT_EQ(m_err, source + ":3: note: menu.quit: the constant is KEY_menu_quit\n" +
+                         "orva-strings: error: " + source +
                          ": not replaced, since 'orva-strings keys' has not written it\n");
     EXPECT_EQ(ReadFile(source), kSource);
     EXPECT_EQ(Run({"keys", "--language", "c", "-o", Write("empty", ""), source}), 0);
+}
+
+// To read a pipe, or a device without an end, would never end.
+TEST_F(Keys, ReplacesNoPipeAndNoDevice) {
+    const std::string source = Write("App.strings", "QVLANG=en\nABCD=1\n");
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    for (const std::string& output : {Path("pipe"), std::string("/dev/zero"), Path("")}) {
+        for (const bool isCheck : {false, true}) {
+            std::vector<std::string> arguments = {"keys", "--language", "c", "-o", output, source};
+            if (isCheck) {
+                arguments.emplace_back("--check");
+            }
+            EXPECT_EQ(Run(arguments), 2);
+            EXPECT_EQ(m_err,
+                      "orva-strings: error: " + output + ": only a regular file can be replaced\n");
+        }
+    }
 }
 
 TEST_F(Keys, RefusesWrongArguments) {
@@ -240,6 +353,9 @@ TEST_F(Keys, RefusesWrongArguments) {
                                                           {"c++", "a::"},
                                                           {"c++", "::a"},
                                                           {"c++", "class"},
+                                                          {"c++", "int"},
+                                                          {"c++", "linux"},
+                                                          {"swift", "in"},
                                                           {"c++", "a__b"},
                                                           {"c++", "\xC3\xA4"},
                                                           {"swift", "a::b"},

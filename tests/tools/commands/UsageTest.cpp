@@ -1,6 +1,9 @@
 // The command usage, run in this process. Its output is compared whole.
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -74,19 +77,46 @@ TEST_F(Usage, FindsThemWhereverTheFirstArgumentIsALiteral) {
     const char* const call = "ZuGetLocalizedString(";
     for (const char* const argument :
          {"\"XX\")", "(\"XX\"))", "c ? \"XX\" : d)", "c ? d : \"XX\")", "(c) ? (\"XX\") : d)",
-          "(const char*)\"XX\")", "R\"(XX)\")", "\"X\" /* \"ABCD\" */ \"X\")"}) {
-        const std::string found =
-            Find("a.cpp", std::string(call) + argument + ";\"ABCD\";", "ABCD");
+          "(const char*)\"XX\")", "R\"(XX)\")", "\"X\" /* \"ABCD\" */ \"X\")",
+          "[@\"XX\" UTF8String])", "@\"XX\".UTF8String)", "c ? [@\"XX\" UTF8String] : d)",
+          "std::string(\"XX\").c_str())", "std::string{\"XX\"}.data())", "\"XX\"s.c_str())",
+          "c ? std::string_view(\"XX\").data() : d)", "static_cast<const char*>(\"XX\"))",
+          "const_cast<char*>(\"XX\"))", "reinterpret_cast<const char*>(\"XX\"))",
+          "std::string(\"XX\"))"}) {
+        const std::string found = Find("a.mm", std::string(call) + argument + ";\"ABCD\";", "ABCD");
         EXPECT_NE(found.find("error: XX: there is no such key [unknown-key]\n1 error"),
                   std::string::npos)
             << argument << '\n'
             << found;
     }
-    for (const char* const argument :
-         {"Key(\"XX\"))", "a[\"XX\"])", "b == \"XX\" ? \"ABCD\" : \"ABCD\")", "b, \"XX\")",
-          "[a b:\"XX\"])", "a{\"XX\"})", "x); f(\"XX\")", "\"ABCD\", f(\"XX\"), (\"XX\"))",
-          ")[\"XX\"]"}) {
-        EXPECT_EQ(Find("a.cpp", std::string(call) + argument + ";\"ABCD\";", "ABCD"), kNothing)
+    for (const char* const argument : {"Key(\"XX\"))",
+                                       "a[\"XX\"])",
+                                       "b == \"XX\" ? \"ABCD\" : \"ABCD\")",
+                                       "b, \"XX\")",
+                                       "[a b:\"XX\"])",
+                                       "a{\"XX\"})",
+                                       "x); f(\"XX\")",
+                                       "\"ABCD\", f(\"XX\"), (\"XX\"))",
+                                       ")[\"XX\"]",
+                                       "[@\"XX\" lowercaseString])",
+                                       "[@\"XX\" UTF8String][0])",
+                                       "[b c:[@\"XX\" UTF8String]])",
+                                       "[[@\"XX\" UTF8String]])",
+                                       "std::string(\"XX\").append(b))",
+                                       "std::string(\"XX\", b).c_str())",
+                                       "b + std::string(\"XX\"))",
+                                       "b, std::string(\"XX\"))",
+                                       "std::string(b + \"XX\"))",
+                                       "std::string(b, \"XX\"))",
+                                       "\"XX\".b())",
+                                       "\"XX\".data(b))",
+                                       "std::vector(\"XX\"))",
+                                       "std::vector{\"XX\"}.data())",
+                                       "f<char*>(\"XX\"))",
+                                       "b, static_cast<char*>(\"XX\"))",
+                                       "b == static_cast<char*>(\"XX\"))",
+                                       "std::string{b[\"XX\"]})"}) {
+        EXPECT_EQ(Find("a.mm", std::string(call) + argument + ";\"ABCD\";", "ABCD"), kNothing)
             << argument;
     }
 }
@@ -107,6 +137,42 @@ TEST_F(Usage, KnowsOtherCalls) {
               "2 errors in 2 files\n");
 }
 
+TEST_F(Usage, KnowsQualifiedCalls) {
+    const std::string source =
+        "Foo::tr(\"AAAA\"); a::Foo::tr(\"BBBB\"); Bar::tr(\"CCCC\"); tr(\"DDDD\"); "
+        "x.Foo.tr(\"EEEE\");"
+        "Foo(tr(\"FFFF\")); Foo; ::tr(\"GGGG\"); Foo::a; tr(\"HHHH\"); Foo::tr \"I\" (\"JJJJ\");"
+        "c ? Foo : tr(\"KKKK\")";
+    const std::string found = Find("a.cpp", source, "ABCD", {"--call", "Foo::tr", "--keep", "*"});
+    EXPECT_EQ(found,
+              "src/a.cpp:1:9: error: AAAA: there is no such key [unknown-key]\n"
+              "src/a.cpp:1:29: error: BBBB: there is no such key [unknown-key]\n"
+              "src/a.cpp:1:76: error: EEEE: there is no such key [unknown-key]\n"
+              "3 errors in 2 files\n");
+    EXPECT_EQ(FindIn("ABCD", {"--call", "Foo.tr", "--keep", "*"}), found);
+    const std::string far = Find("a.cpp", std::string(300, 'x') + "::Foo::tr(\"AAAA\")", "ABCD",
+                                 {"--call", "Foo::tr", "--keep", "*"});
+    EXPECT_NE(far.find("error: AAAA"), std::string::npos) << far;
+}
+
+TEST_F(Usage, RefusesCallsThatNoSourceCanHave) {
+    const std::string file = Write("App.strings", "QVLANG=en\n");
+    for (const char* const call : {"", "a b", "1a", "a::", "::a", "a::1", "a..b", "a:b", "f()"}) {
+        EXPECT_EQ(Run({"usage", "--source", Path("src"), "--call", call, file}), 2) << call;
+        EXPECT_NE(m_err.find("--call: '" + std::string(call) + "' can't be the name of a function"),
+                  std::string::npos)
+            << m_err;
+    }
+    Write("src/a.c",
+          "gr\xC3\xB6\xC3\x9F"
+          "e9_(\"XX\")");
+    EXPECT_EQ(Run({"usage", "--source", Path("src"), "--call",
+                   "gr\xC3\xB6\xC3\x9F"
+                   "e9_",
+                   file}),
+              1);
+}
+
 TEST_F(Usage, WarnsOfKeysThatNoSourceMentions) {
     EXPECT_EQ(Find("a.cpp", "// \"ABCD\"\nABCDE(\"xABCD\", 'EFGH')", "ABCD EFGH IJKL MNOP"),
               "App.strings:2:1: warning: ABCD: no source mentions this key [unused-key]\n"
@@ -124,9 +190,14 @@ TEST_F(Usage, WarnsOfKeysThatNoSourceMentions) {
     EXPECT_EQ(m_status, 0);
 }
 
+TEST_F(Usage, NeverNamesAKeyThatHoldsAProtectedText) {
+    EXPECT_EQ(Find("a.cpp", "f(\"ABCD\")", "ABCD IDE_X:\"SECRET\""), kNothing);
+}
+
 TEST_F(Usage, TakesTheNamesOfConstantsForTheirKeys) {
     EXPECT_EQ(Find("a.c", "f(KEY_ABCD, KEY_a_bc);", "ABCD a.bc"), kNothing);
-    EXPECT_EQ(Find("a.c", "f(keys::ABCD, a_bc);", "ABCD a.bc a-bc"), kNothing);
+    EXPECT_EQ(Find("a.c", "f(keys::ABCD, .a_bc);", "ABCD a.bc a-bc"), kNothing);
+    EXPECT_EQ(Find("a.c", "f(keys :: ABCD, b().a_bc);", "ABCD a.bc"), kNothing);
     EXPECT_EQ(Find("a.c", "f(T_ABCD);", "ABCD", {"--scope", "T"}), kNothing);
     EXPECT_EQ(Find("a.c", "f(T_ABCD);", "ABCD"),
               "App.strings:2:1: warning: ABCD: no source mentions this key [unused-key]\n"
@@ -139,6 +210,22 @@ TEST_F(Usage, TakesTheNamesOfConstantsForTheirKeys) {
               "1 warning in 3 files\n");
 }
 
+// A variable may have the same name.
+TEST_F(Usage, TakesABareNameForAConstantOnlyWithItsNamespace) {
+    const std::string unused =
+        "App.strings:2:1: warning: ABCD: no source mentions this key [unused-key]\n"
+        "1 warning in 2 files\n";
+    EXPECT_EQ(Find("a.cpp", "int ABCD = 1; g(ABCD);", "ABCD"), unused);
+    EXPECT_EQ(Find("a.cpp", "using namespace other; c ? b : ABCD; d->ABCD", "ABCD"), unused);
+    EXPECT_EQ(Find("a.cpp", "using namespace monkeys; ABCD", "ABCD"), unused);
+    EXPECT_EQ(Find("a.cpp", "namespace a; keys; ABCD", "ABCD"), unused);
+    EXPECT_EQ(Find("a.cpp", "f(ABCD); using namespace keys;", "ABCD"), kNothing);
+    EXPECT_EQ(Find("a.cpp", "using namespace app::keys; f(ABCD);", "ABCD"), kNothing);
+    EXPECT_EQ(Find("a.cpp", "using namespace text; f(ABCD);", "ABCD", {"--scope", "app::text"}),
+              kNothing);
+    EXPECT_EQ(Find("a.cpp", "using namespace keys; f(ABCD);", "ABCD", {"--scope", "text"}), unused);
+}
+
 TEST_F(Usage, ListsKeysThatMayBePutTogetherAtRunTime) {
     EXPECT_EQ(
         Find("a.cpp",
@@ -149,7 +236,7 @@ TEST_F(Usage, ListsKeysThatMayBePutTogetherAtRunTime) {
         "src/a.cpp:2:31: note: ASK_: keys that begin so may be put together at run time; 1 is "
         "mentioned nowhere else: ASK_D [built-key]\n"
         "App.strings:6:1: warning: HELP: no source mentions this key [unused-key]\n"
-        "1 warning in 2 files\n");
+        "1 warning and 2 notes in 2 files\n");
     EXPECT_EQ(m_status, 0);
 }
 
@@ -157,7 +244,7 @@ TEST_F(Usage, KnowsTheWaysToPutAKeyTogether) {
     for (const char* const source :
          {"\"ABC\" + x", "std::string(\"ABC\") + x", "std::string{\"ABC\"} + x", "\"ABC%d\"",
           "std::format(\"ABC{}\")", "s << \"ABC\" << x", "f(\"ABC\" #x)", "\"ABC\" x",
-          "[@\"ABC\" stringByAppendingString:x]", "@\"ABC%@\"", "\"AB%s_\"",
+          "[@\"ABC\" stringByAppendingString:x]", "@\"ABC%@\"", "\"ABC%s_\"",
           "ZuGetLocalizedString((\"ABC\" + x).c_str())"}) {
         EXPECT_NE(Find("a.mm", source, "ABCD").find("note: AB"), std::string::npos) << source;
     }
@@ -174,13 +261,23 @@ TEST_F(Usage, KnowsTheWaysToPutAKeyTogether) {
     EXPECT_NE(Find("a.swift", "f(\"ABC\\(x)\")", "ABCD").find("note: ABC: "), std::string::npos);
 }
 
+// Else the unused keys with one letter would be hidden.
+TEST_F(Usage, TakesNoLetterForTheBeginningOfKeys) {
+    for (const char* const source :
+         {"\"A%d\"", "\"AB%d\"", "\"A\" + x", "std::string(\"AB\") + x"}) {
+        EXPECT_EQ(Find("a.cpp", source, "ABCD").find("note"), std::string::npos) << source;
+    }
+    EXPECT_NE(Find("a.cpp", "\"A_%d\"", "A_CD").find("note: A_: "), std::string::npos);
+    EXPECT_NE(Find("a.cpp", "TextOr(\"A%d\", 0)", "ABCD").find("note: A: "), std::string::npos);
+}
+
 TEST_F(Usage, FindsBeginningsThatNoKeyHas) {
     EXPECT_EQ(Find("a.cpp", "ZuGetLocalizedString(\"MENV_\" + x); ZuGetLocalizedString(\"A\" + x)",
                    "ABCD", {"--keep", "*"}),
               "src/a.cpp:1:22: error: MENV_: no key begins so [unknown-key]\n"
               "src/a.cpp:1:57: note: A: keys that begin so may be put together at run time; 1 is "
               "mentioned nowhere else: ABCD [built-key]\n"
-              "1 error in 2 files\n");
+              "1 error and 1 note in 2 files\n");
 }
 
 TEST_F(Usage, NamesOnlySomeOfManyKeys) {
@@ -189,7 +286,7 @@ TEST_F(Usage, NamesOnlySomeOfManyKeys) {
              "KEY_a KEY_b KEY_c KEY_d KEY_e KEY_f KEY_g KEY_h KEY_i KEY_j KEY_k KEY_l"),
         "src/a.cpp:1:1: note: KEY_: keys that begin so may be put together at run time; 12 are "
         "mentioned nowhere else: KEY_a, KEY_b, KEY_c, KEY_d, KEY_e, KEY_f, KEY_g, KEY_h, "
-        "KEY_i, KEY_j and 2 more [built-key]\nno findings in 2 files\n");
+        "KEY_i, KEY_j and 2 more [built-key]\n1 note in 2 files\n");
 }
 
 TEST_F(Usage, ReadsSwift) {
@@ -220,6 +317,48 @@ TEST_F(Usage, FindsSourcesByTheirNames) {
         FindIn("ABCD", {"--keep", "*", "--source", Path("src/"), "--source", Path("src/a.txt")})
             .find("\n13 errors in 14 files\n"),
         std::string::npos);
+}
+
+TEST_F(Usage, SaysWhatItDoesNotRead) {
+    Write("src/a.c", "\"ABCD\"");
+    Write("src/utf16le.m", std::string("\xFF\xFE"
+                                       "A\0",
+                                       4));
+    Write("src/utf16be.m", std::string("\xFE\xFF\0A", 4));
+    Write("src/short.m", "\xFF");
+    fs::create_symlink("missing", Path("src/link.c"));
+    fs::create_symlink("missing", Path("src/other"));
+    ASSERT_EQ(mkfifo(Path("src/pipe.h").c_str(), 0600), 0);
+    const std::string file = Write("App.strings", "QVLANG=en\nABCD=1\n");
+    const std::string warning = "orva-strings: warning: " + Path("src") + '/';
+    EXPECT_EQ(Run({"usage", "--source", Path("src"), file}), 0);
+    EXPECT_EQ(m_out, "no findings in 3 files\n");
+    EXPECT_EQ(m_err.find("link.c: No such file or directory\n") != std::string::npos, true);
+    EXPECT_NE(m_err.find(warning + "pipe.h: not a regular file\n"), std::string::npos) << m_err;
+    EXPECT_NE(m_err.find(warning + "utf16be.m: not read, since it is UTF-16\n" + warning +
+                         "utf16le.m: not read, since it is UTF-16\n"),
+              std::string::npos)
+        << m_err;
+    EXPECT_EQ(std::count(m_err.begin(), m_err.end(), '\n'), 4) << m_err;
+    // Not to wait for what may never come.
+    EXPECT_EQ(Run({"usage", "--source", Path("src/pipe.h"), file}), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: " + Path("src/pipe.h") + ": not a regular file\n");
+}
+
+// With a path that is too long to be opened, as not even root can.
+TEST_F(Usage, NamesAFolderThatCannotBeRead) {
+    const fs::path before = fs::current_path();
+    const std::string name(250, 'x');
+    Write("src/a.c", "");
+    fs::current_path(Path("src"));
+    for (int i = 0; i < 17; ++i) {
+        fs::create_directory(name);
+        fs::current_path(name);
+    }
+    fs::current_path(before);
+    EXPECT_EQ(Run({"usage", "--source", Path("src"), Write("App.strings", "QVLANG=en\n")}), 2);
+    EXPECT_NE(m_err.find(Path("src") + '/' + name), std::string::npos) << m_err;
+    EXPECT_NE(m_err.find(name + ": File name too long\n"), std::string::npos) << m_err;
 }
 
 TEST_F(Usage, NeedsSources) {
@@ -254,7 +393,7 @@ TEST_F(Usage, WritesTheFormatsOfCheck) {
             ",line=1,col=29,title=built-key::ABC: keys that begin "
             "so may be put together at run time; 1 is mentioned nowhere else: ABCD\n"
             "::warning file=App.strings,line=3,col=1,title=unused-key::EFGH: no source mentions "
-            "this key\n1 error and 1 warning in 2 files\n");
+            "this key\n1 error, 1 warning and 1 note in 2 files\n");
     const std::string json = run("json");
     EXPECT_NE(json.find("\"severity\":\"note\",\"rule\":\"built-key\""), std::string::npos) << json;
     EXPECT_NE(json.find("\"errors\":1,\"warnings\":1,\"files\":2}"), std::string::npos) << json;
@@ -266,7 +405,7 @@ TEST_F(Usage, WritesTheFormatsOfCheck) {
 // Many keys, many unknown ones, many beginnings, and names that are the same.
 TEST_F(Usage, ReadsManyKeysAndUses) {
     std::string file = "QVLANG=en\n";
-    std::string source;
+    std::string source = "using namespace keys;";
     for (int i = 0; i < 5'000; ++i) {
         const std::string number = std::to_string(i);
         file += "KEY." + number + "=x\n";
@@ -282,7 +421,7 @@ TEST_F(Usage, ReadsManyKeysAndUses) {
     }
     Write("src/a.c", source);
     EXPECT_EQ(Run({"usage", "--source", Path("src"), Write("App.strings", file)}), 1);
-    EXPECT_NE(m_out.find("\n5000 errors in 2 files\n"), std::string::npos);
+    EXPECT_NE(m_out.find("\n5000 errors and 10 notes in 2 files\n"), std::string::npos);
 }
 
 }  // namespace

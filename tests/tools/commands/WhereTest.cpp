@@ -2,6 +2,7 @@
 // compared whole.
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -102,6 +103,21 @@ TEST_F(Where, NeedsTheExecutable) {
         EXPECT_EQ(Run({"where", other, "a.strings"}), 2);
         EXPECT_EQ(m_err, "orva-strings: error: " + other +
                              " is no program; of a script, name the interpreter\n");
+    }
+}
+
+// Where a host would wait.
+TEST_F(Where, FindsPipesAndDevices) {
+    const std::string host = MakeProgram("usr/bin/host");
+    const std::string pipe = fs::path(host).parent_path() / "a.strings";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string device = fs::path(host).parent_path() / "b.strings";
+    fs::create_symlink("/dev/zero", device);
+    for (const std::string& path : {pipe, device}) {
+        EXPECT_EQ(Run({"where", host, fs::path(path).filename()}), 1);
+        EXPECT_EQ(m_out, Found(host, path));
+        EXPECT_EQ(m_err,
+                  "orva-strings: error: a load may never return: that is a pipe or a device\n");
     }
 }
 

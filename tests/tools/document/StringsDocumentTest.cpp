@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -325,6 +326,95 @@ TEST(StringsDocument, RefusesAValueThatWouldNotReadBackTheSame) {
             EXPECT_EQ(document.Bytes(), file);
         }
         EXPECT_EQ(isWritten, c.value == "back\\\n") << "backslash, line feed can be written";
+    }
+}
+
+TEST(StringsDocument, RemovesQuotesAroundAValue) {
+    const struct {
+        std::string line;
+        std::string value;
+        std::string written;  // empty: it can't be
+    } cases[] = {
+        {"ABCD=\"old\"", "back\\nslash", "ABCD=back\\nslash"},
+        {"ABCD=\"old\"\r\n", "back\\nslash", "ABCD=back\\nslash\r\n"},
+        {"ABCD=\"old", "back\\nslash", "ABCD=back\\nslash"},
+        {"ABCD=\"\"", "new", "ABCD=new"},
+        {"ABCD=\"", "new", "ABCD=new"},
+        {"ABCD=\"a\"b\"", "new", "ABCD=new"},
+        {"ABCD=\"old\"", "", "ABCD="},
+        {"ABCD=\"old\"", "say \"hi\"", ""},
+        {"ABCD=\"old\"", "a\nb", ""},
+        {"ABCD=\"old\"\n", "ends with a return\r", ""},
+        {"ABCD= \"old\"", "new", ""},
+        {"ABCD=a\"old", "new", ""},
+        {"ABCD=\"old\" ", "new", ""},
+        {"ABCD=\"old\";", "new", ""},
+        {"ABCD=old", "new", ""},
+        {"ABCD=", "new", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE("line " + PrintToString(c.line) + ", value " + PrintToString(c.value));
+        const std::string file = "QVLANG=en\n" + c.line;
+        StringsDocument document(file);
+        EXPECT_EQ(document.SetUnquoted(LineOf(document, 1), c.value), !c.written.empty());
+        EXPECT_EQ(document.Bytes(), c.written.empty() ? file : "QVLANG=en\n" + c.written);
+    }
+}
+
+TEST(StringsDocument, MakesNewLines) {
+    const struct {
+        std::string value;
+        std::optional<std::string> written;
+    } cases[] = {
+        {"new", "ABCD=\"new\""},
+        {"", "ABCD=\"\""},
+        {"say \"hi\"", "ABCD=\"say \"hi\"\""},
+        {"a\nb\r", "ABCD=\"a\\nb\r\""},
+        {"back\\nslash", "ABCD=back\\nslash"},
+        {"back\\nslash\r", std::nullopt},
+        {"back\\nslash\n", std::nullopt},
+        {"\"back\\nslash", std::nullopt},
+    };
+    for (const std::string end : {"\n", "\r\n"}) {
+        const std::string file = "QVLANG=en" + end + "ABCD=1";
+        StringsDocument document(file);
+        for (const auto& c : cases) {
+            const auto entry = document.NewEntry("ABCD", c.value);
+            EXPECT_EQ(entry, c.written ? std::optional(*c.written + end) : std::nullopt)
+                << PrintToString(c.value);
+        }
+        EXPECT_EQ(document.NewHeader("Deutsch"), "QVLANG=Deutsch" + end);
+        EXPECT_FALSE(document.IsChanged());
+    }
+    const std::string oneLine = "QVLANG=en\r";
+    EXPECT_EQ(StringsDocument(oneLine).NewHeader("de"), "QVLANG=de\n");
+    const std::string empty = "\nQVLANG=en\r\n";
+    EXPECT_EQ(StringsDocument(empty).NewHeader("de"), "QVLANG=de\n") << "as the first line's";
+}
+
+TEST(StringsDocument, AddsLinesBelowOthers) {
+    const struct {
+        std::string file;  // line 1 is changed, others are added below it
+        std::string expected;
+    } cases[] = {
+        {"QVLANG=en\nABCD=1\nLAST=2\n", "QVLANG=en\nABCD=new\nA=1\nB=2\nLAST=2\n"},
+        {"QVLANG=en\r\nABCD=1\r\nLAST=2", "QVLANG=en\r\nABCD=new\r\nA=1\r\nB=2\r\nLAST=2"},
+        {"QVLANG=en\nABCD=1\n", "QVLANG=en\nABCD=new\nA=1\nB=2\n"},
+        {"QVLANG=en\nABCD=1", "QVLANG=en\nABCD=new\nA=1\nB=2"},
+        {"QVLANG=en\r\nABCD=1", "QVLANG=en\r\nABCD=new\r\nA=1\r\nB=2"},
+        {"QVLANG=en\r\nABCD=1\r", "QVLANG=en\r\nABCD=new\r\nA=1\nB=2"},
+        {"QVLANG=en\nABCD=1\r", "QVLANG=en\nABCD=new\r\nA=1\nB=2"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(PrintToString(c.file));
+        StringsDocument document(c.file);
+        const StringsLine line = LineOf(document, 1);
+        const std::string end = document.NewHeader("").substr(7);
+        document.SetValue(line, "new");
+        document.InsertBelow(line, "A=1" + end);
+        document.InsertBelow(line, "B=2" + end);
+        EXPECT_EQ(document.Bytes(), c.expected);
+        EXPECT_EQ(document.ChangeCount(), 3U);
     }
 }
 

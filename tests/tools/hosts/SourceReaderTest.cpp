@@ -98,13 +98,26 @@ TEST(SourceReader, ReadsSwift) {
               (Texts{"\"A_\"+", "f", "(", "x", ",", "\"B\"", ")", ")", "+", "d"}));
     EXPECT_EQ(ReadSwift(R"("A\(b)C\(d)E" f)"), (Texts{"\"A\"+", "b", ")", "d", ")", "f"}));
     EXPECT_EQ(ReadSwift(R"x("A\("B\(c)")" d)x"), (Texts{"\"A\"+", "\"B\"+", "c", ")", ")", "d"}));
-    EXPECT_EQ(ReadSwift("\"\"\"\nA\"B\"\n\"\"\" c"), (Texts{"\"\nA\"B\"\n\"", "c"}));
+    EXPECT_EQ(ReadSwift("\"\"\"\nA\"B\"\n\"\"\" c"), (Texts{"\"A\"B\"\"", "c"}));
     EXPECT_EQ(ReadSwift(R"x(#"A"\n\(b)"# c ##"D"#\##(e)"## f)x"),
               (Texts{R"x("A"\n\(b)")x", "c", "\"D\"#\"+", "e", ")", "f"}));
     EXPECT_EQ(ReadSwift("\"\" a \"b\nc"), (Texts{"\"\"", "a", "\"b\"", "c"}));
     EXPECT_EQ(ReadSwift("#if a\n#selector(b)"),
               (Texts{"#", "if", "a", "#", "selector", "(", "b", ")"}));
     EXPECT_EQ(ReadSwift("0...9 '\"' a"), (Texts{".", ".", "'", "\"' a\""}));
+}
+
+TEST(SourceReader, ReadsSwiftInSeveralLines) {
+    EXPECT_EQ(ReadSwift("\"\"\"\n    A\n      B\n\n    C\n    \"\"\""), (Texts{"\"A\n  B\n\nC\""}));
+    EXPECT_EQ(ReadSwift("\"\"\" \t\r\n\tA\r\n\t\"\"\""), (Texts{"\"A\""}));
+    EXPECT_EQ(ReadSwift("\"\"\"\n  A\\\n  B\n  \"\"\""), (Texts{"\"A  B\""}));
+    EXPECT_EQ(ReadSwift("\"\"\"\n  A_\\(b)\n  \"\"\" c"), (Texts{"\"A_\"+", "b", ")", "c"}));
+    EXPECT_EQ(ReadSwift("\"\"\"\n\"\"\""), (Texts{"\"\""}));
+    EXPECT_EQ(ReadSwift("\"\"\"\n\n\"\"\""), (Texts{"\"\""}));
+    EXPECT_EQ(ReadSwift("\"\"\"\n\nA\n\"\"\""), (Texts{"\"\nA\""}));
+    EXPECT_EQ(ReadSwift("\"\"\"A\n\"\"\""), (Texts{"\"A\n\""}));  // nothing that Swift accepts
+    EXPECT_EQ(ReadSwift("\"\"\"  "), (Texts{"\"  \""}));
+    EXPECT_EQ(ReadSwift("\"\"\"\n  \\(b)\n\"\"\""), (Texts{"\"\"+", "b", ")"}));
 }
 
 TEST(SourceReader, SaysWhereTokensBegin) {

@@ -95,15 +95,22 @@ SectionEntries::SectionEntries(MeantReader section) {
         const LineEntry& entry = *section.Entry();
         const auto [found, isFirst] = m_indices.try_emplace(section.Key(), m_entries.size());
         if (isFirst) {
-            m_entries.push_back({section.Key(), entry});
-        } else if (LineEntry& first = m_entries[found->second].entry;
-                   first.key != section.Key() && entry.key == section.Key()) {
-            first = entry;  // the library finds this one, not the one with blanks
+            m_entries.push_back({section.Key(), entry, section.Line().number});
+        } else if (Entry& first = m_entries[found->second];
+                   first.entry.key != section.Key() && entry.key == section.Key()) {
+            // The library finds this one, not the one with blanks.
+            first.entry = entry;
+            first.line = section.Line().number;
         }
     }
 }
 
 SectionEntries::Entry* SectionEntries::Find(std::string_view key) {
+    const auto found = m_indices.find(key);
+    return found != m_indices.end() ? &m_entries[found->second] : nullptr;
+}
+
+const SectionEntries::Entry* SectionEntries::Find(std::string_view key) const {
     const auto found = m_indices.find(key);
     return found != m_indices.end() ? &m_entries[found->second] : nullptr;
 }

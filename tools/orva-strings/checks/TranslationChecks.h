@@ -22,11 +22,13 @@ public:
     struct Entry {
         std::string_view key;
         LineEntry entry;
+        std::size_t line;                                     // from 0
         std::size_t lastSeen = static_cast<std::size_t>(-1);  // the section that had it, too
     };
 
     // The entry of a key, or null.
     Entry* Find(std::string_view key);
+    const Entry* Find(std::string_view key) const;
 
     const std::vector<Entry>& All() const { return m_entries; }
 

@@ -39,11 +39,7 @@ public:
         arguments.AddFlag("--allow-development-key",
                           "With --shipped, accept texts stored with the development key",
                           m_allowsDevelopmentKey);
-        arguments.Add({"--base", "OLD",
-                       "An earlier state of FILE, to find translations of texts that have changed "
-                       "since",
-                       Role::kFile},
-                      m_base);
+        arguments.Add(kBase, m_base);
         arguments.Add(kReference, m_reference);
         arguments.Add({"--require", "LANGUAGE",
                        "A section that must exist and have every key; may be given several times"},
@@ -68,7 +64,7 @@ public:
 
     ExitStatus Run(const Console& console) override {
         if (!m_base.empty() && m_files.size() != 1) {
-            throw UsageError("--base can be compared with only one FILE");
+            throw UsageError(kBaseNeedsOneFile);
         }
         const Report report = CheckFiles(console);
         const bool isWhole = report.size() == m_files.size();

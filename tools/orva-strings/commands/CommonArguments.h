@@ -23,6 +23,10 @@ constexpr Argument kReference = {
     "--reference", "LANGUAGE",
     "The section that the others are compared with; the first by default"};
 
+constexpr Argument kBase = {
+    "--base", "OLD",
+    "An earlier state of FILE, to find translations of texts that have changed since", Role::kFile};
+constexpr char kBaseNeedsOneFile[] = "--base can be compared with only one FILE";
 constexpr Argument kLanguageCode = {
     "--code", "CODE", "The language of a section, such as Deutsch=de; may be given several times"};
 
@@ -38,6 +42,10 @@ constexpr char kCheckFlag[] = "--check";
 constexpr char kCheckHelp[] =
     "Change nothing; say what would change, and end with exit status 1 if anything would";
 
+constexpr char kDiffFlag[] = "--diff";
+constexpr char kDiffHelp[] =
+    "Change nothing; show what would change, as a unified diff, and end with exit status 1 if "
+    "anything would";
 constexpr char kRevealFlag[] = "--reveal";
 constexpr char kRevealHelp[] = "Include protected texts, readable";
 

@@ -1,15 +1,16 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/FileChange.h"
 #include "tools/orva-strings/document/FixDiff.h"
 #include "tools/orva-strings/document/FixedStrings.h"
-#include "tools/orva-strings/system/Files.h"
 
 namespace {
 
@@ -21,27 +22,17 @@ std::string Changes(const FixedStrings& fixed, bool isOnlyPlanned) {
         removed += line.isDuplicate ? 1 : 0;
         mended += line.IsChanged() && !line.isDuplicate ? 1U : 0U;
     });
-    std::vector<std::string> parts;
-    const auto add = [&](const char* planned, const char* done, const std::string& what) {
-        parts.push_back((isOnlyPlanned ? planned : done) + (' ' + what));
-    };
+    std::vector<ChangePart> parts;
     if (fixed.HasNewLineEnds()) {
-        add("replace", "replaced", "the carriage returns by line feeds");
+        parts.push_back({"replace", "replaced", "the carriage returns by line feeds"});
     }
     if (mended > 0) {
-        add("mend", "mended", Count(mended, "line", "lines"));
+        parts.push_back({"mend", "mended", Count(mended, "line", "lines")});
     }
     if (removed > 0) {
-        add("remove", "removed", Count(removed, "duplicate", "duplicates"));
+        parts.push_back({"remove", "removed", Count(removed, "duplicate", "duplicates")});
     }
-    std::string sentence;
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (i > 0) {
-            sentence += i + 1 < parts.size() ? ", " : " and ";
-        }
-        sentence += parts[i];
-    }
-    return sentence.empty() || !isOnlyPlanned ? sentence : "would " + sentence;
+    return SummaryOf(parts, isOnlyPlanned);
 }
 
 class Fix : public Command {
@@ -53,11 +44,7 @@ public:
 
     void Declare(Arguments& arguments) override {
         arguments.Add(kStringsFiles, m_files);
-        arguments.AddFlag("--diff",
-                          "Change nothing; show what would change, as a unified diff, and end with "
-                          "exit status 1 if anything would",
-                          m_isDiff);
-        arguments.AddFlag(kCheckFlag, kCheckHelp, m_isCheck);
+        m_flags.Declare(arguments);
     }
 
     ExitStatus Run(const Console& console) override {
@@ -77,7 +64,11 @@ private:
             if (const auto obstacle = fixed.Obstacle()) {
                 return console.Report({*obstacle}, file);
             }
-            return Apply(fixed, file, before, console);
+            const FileChange change = {
+                Changes(fixed, m_flags.isCheck),
+                [&](const TakePiece& take) { fixed.WriteInPieces(take); },
+                [&](std::ostream& out) { WriteFixDiff(file, before.bytes, fixed, out); }};
+            return ApplyChange(change, file, before, m_flags, console);
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception& exception) {
@@ -86,25 +77,8 @@ private:
         }
     }
 
-    ExitStatus Apply(const FixedStrings& fixed, const std::string& file, const FileSnapshot& before,
-                     const Console& console) const {
-        const std::string changes = Changes(fixed, m_isCheck);
-        const auto write = [&](const TakePiece& take) { fixed.WriteInPieces(take); };
-        if (m_isDiff) {
-            WriteFixDiff(file, before.bytes, fixed, console.Out());
-        } else if (m_isCheck && !changes.empty()) {
-            console.SayDone(file, changes, [] {});
-        } else if (!m_isCheck && file == "-") {
-            write([&](std::string_view piece) { console.Out() << piece; });
-        } else if (!changes.empty()) {
-            console.SayDone(file, changes, [&] { ReplaceFile(file, before, write); });
-        }
-        return !changes.empty() && (m_isDiff || m_isCheck) ? kFindings : kDone;
-    }
-
     std::vector<std::string> m_files;
-    bool m_isDiff = false;
-    bool m_isCheck = false;
+    ChangeFlags m_flags;
 };
 
 }  // namespace

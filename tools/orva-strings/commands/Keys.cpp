@@ -51,7 +51,7 @@ public:
         Findings findings;
         std::vector<HostKey> keys;
         if (const auto section = FindSection(file.bytes, m_reference, false, findings)) {
-            keys = ReadHostKeys(*section);
+            keys = ReadHostKeys(*section, file.bytes);
             findings = CheckConstants(keys, style);
         }
         const ExitStatus status = console.Report(findings, name);
@@ -82,6 +82,9 @@ private:
     ExitStatus WriteOutput(const std::string& text, const std::string& what,
                            const Console& console) const {
         if (std::filesystem::exists(m_output)) {
+            if (!std::filesystem::is_regular_file(m_output)) {  // to read a pipe would never end
+                throw std::runtime_error(m_output + ": only a regular file can be replaced");
+            }
             const std::string old = ReadFile(m_output);
             if (old == text) {
                 return kDone;

@@ -7,6 +7,7 @@
 #include "tools/orva-strings/cli/Color.h"
 #include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/cli/Progress.h"
+#include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/commands/ReportArguments.h"
 #include "tools/orva-strings/document/FindSection.h"
@@ -50,6 +51,11 @@ public:
     }
 
     ExitStatus Run(const Console& console) override {
+        for (const std::string& call : m_options.calls) {
+            if (!IsCallName(call)) {
+                throw UsageError("--call: '" + call + "' can't be the name of a function");
+            }
+        }
         const FileSnapshot file = console.Read(m_file);
         const std::string& name = NameOf(m_file, m_stdinName);
         Findings findings;
@@ -57,15 +63,10 @@ public:
         if (!section) {
             return console.Report(findings, name);
         }
-        KeyUsage usage(ReadHostKeys(*section), m_options);
-        {
-            Progress progress(console.ErrTerminal());
-            const std::vector<SourceFile> sources = FindSources(m_folders);
-            for (std::size_t i = 0; i < sources.size(); ++i) {
-                progress.Show("reading source " + std::to_string(i + 1) + " of " +
-                              std::to_string(sources.size()));
-                usage.Read(sources[i].path, ReadFile(sources[i].path), sources[i].language);
-            }
+        KeyUsage usage(ReadHostKeys(*section, file.bytes), m_options);
+        const std::vector<std::string> skipped = ReadSources(usage, console);
+        for (const std::string& reason : skipped) {
+            console.Say(Severity::kWarning, reason);
         }
         const Report report = usage.Finish(name);
         WriteReport(report, m_format, UsesColor("auto", console.IsOutTerminal()), console.Out());
@@ -73,6 +74,28 @@ public:
     }
 
 private:
+    // Returns why others were not read.
+    std::vector<std::string> ReadSources(KeyUsage& usage, const Console& console) const {
+        Progress progress(console.ErrTerminal());
+        std::vector<std::string> skipped;
+        const std::vector<SourceFile> sources = FindSources(m_folders, skipped);
+        for (std::size_t i = 0; i < sources.size(); ++i) {
+            progress.Show("reading source " + std::to_string(i + 1) + " of " +
+                          std::to_string(sources.size()));
+            const std::string bytes = ReadFile(sources[i].path);
+            if (IsUtf16(bytes)) {
+                skipped.push_back(sources[i].path + ": not read, since it is UTF-16");
+            } else {
+                usage.Read(sources[i].path, bytes, sources[i].language);
+            }
+        }
+        return skipped;
+    }
+
+    static bool IsUtf16(const std::string& bytes) {
+        return bytes.compare(0, 2, "\xFF\xFE") == 0 || bytes.compare(0, 2, "\xFE\xFF") == 0;
+    }
+
     std::string m_file;
     std::vector<std::string> m_folders;
     UsageOptions m_options;

@@ -92,8 +92,12 @@ private:
 
     ExitStatus Load(__CFBundle* bundle, const std::string& path, const Console& console) const {
         std::error_code error;
-        if (std::filesystem::is_directory(path, error)) {
+        const std::filesystem::file_status status = std::filesystem::status(path, error);
+        if (is_directory(status)) {
             return Fail("a load returns 0: that is a folder", console);
+        }
+        if (exists(status) && !is_regular_file(status)) {
+            return Fail("a load may never return: that is a pipe or a device", console);
         }
         errno = 0;
         if (!std::ifstream(path)) {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/orva-strings/cli/Printable.h"
+#include "tools/orva-strings/document/UnifiedDiff.h"
 
 namespace {
 
@@ -44,20 +44,6 @@ std::vector<Hunk> HunksOf(const FixedStrings& fixed) {
     return hunks;
 }
 
-void WriteNames(const std::string& file, std::ostream& out) {
-    // A tab ends a name that has blanks.
-    const std::string name = Printable(file);
-    const char* const tab = name.find(' ') == std::string::npos ? "" : "\t";
-    out << "--- " << name << tab << "\n+++ " << name << " (fixed)" << tab << '\n';
-}
-
-void WriteLine(char mark, std::string_view text, std::string_view ending, std::ostream& out) {
-    out << mark << text << ending;
-    if (ending.empty() || ending.back() != '\n') {
-        out << "\n\\ No newline at end of file\n";
-    }
-}
-
 void WriteHeader(const Hunk& hunk, std::size_t lostBefore, std::ostream& out) {
     const std::size_t count = hunk.end - hunk.begin;
     const std::size_t left = count - hunk.lost;
@@ -77,9 +63,9 @@ void WriteHunks(const FixedStrings& fixed, const std::vector<Hunk>& hunks, std::
         if (number == hunk->begin) {
             WriteHeader(*hunk, lost, out);
         }
-        WriteLine(line.IsChanged() ? '-' : ' ', line.line.text, line.line.ending, out);
+        WriteDiffLine(line.IsChanged() ? '-' : ' ', line.line.text, line.line.ending, out);
         if (line.IsChanged() && !IsLost(line)) {
-            WriteLine('+', line.text, line.line.ending, out);
+            WriteDiffLine('+', line.text, line.line.ending, out);
         }
         if (number + 1 == hunk->end) {
             lost += hunk->lost;
@@ -93,10 +79,10 @@ void WriteWhole(const std::string& bytes, const FixedStrings& fixed, std::ostrea
     std::size_t count = 0;
     fixed.VisitLines([&](const FixedLine& line) { count += IsLost(line) ? 0U : 1U; });
     out << "@@ -1,1 +1," << count << " @@\n";
-    WriteLine('-', bytes, "", out);
+    WriteDiffLine('-', bytes, "", out);
     fixed.VisitLines([&](const FixedLine& line) {
         if (!IsLost(line)) {
-            WriteLine('+', line.text, line.line.ending, out);
+            WriteDiffLine('+', line.text, line.line.ending, out);
         }
     });
 }
@@ -106,10 +92,10 @@ void WriteWhole(const std::string& bytes, const FixedStrings& fixed, std::ostrea
 void WriteFixDiff(const std::string& file, const std::string& bytes, const FixedStrings& fixed,
                   std::ostream& out) {
     if (fixed.HasNewLineEnds()) {
-        WriteNames(file, out);
+        WriteDiffNames(file, "fixed", out);
         WriteWhole(bytes, fixed, out);
     } else if (const std::vector<Hunk> hunks = HunksOf(fixed); !hunks.empty()) {
-        WriteNames(file, out);
+        WriteDiffNames(file, "fixed", out);
         WriteHunks(fixed, hunks, out);
     }
 }

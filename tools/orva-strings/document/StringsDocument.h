@@ -32,6 +32,23 @@ public:
     // an n has no escape.
     std::optional<std::string_view> SetValue(const StringsLine& line, std::string_view value);
 
+    // Changes a quoted value that SetValue can't write to one without quotes, where a backslash and
+    // an n are no escape. Returns false, and changes nothing, if the line has anything else after
+    // its equals sign, or if the value would not read back the same.
+    bool SetUnquoted(const StringsLine& line, std::string_view value);
+
+    // The line of a new entry, with its line feed, in quotes if the value can be written so. Nothing
+    // if it can't be written so that it reads back the same, wherever it is put. The key must be one
+    // that another line has.
+    std::optional<std::string> NewEntry(std::string_view key, std::string_view value);
+
+    // The line of a new section's header, with its line feed.
+    std::string NewHeader(std::string_view name) const;
+
+    // Adds a new line below one of the file, after what else was added there. Counts as a change in
+    // file order.
+    void InsertBelow(const StringsLine& line, std::string_view newLine);
+
     bool IsChanged() const { return !m_changes.empty(); }
 
     // The number of lines whose value has changed.
@@ -53,6 +70,9 @@ private:
     // one line and reads back as an entry of this value.
     bool ReadsBack(const StringsLine& line, std::string_view before, std::string_view written,
                    std::string_view value);
+
+    // What ends the first line of the file: LF or CR LF.
+    std::string_view LineEnd() const;
 
     // Keeps a copy of a text for as long as the object lives.
     std::string_view Keep(std::string_view text);

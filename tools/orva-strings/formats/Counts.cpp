@@ -6,23 +6,29 @@ Counts CountsIn(const Report& report) {
     Counts counts;
     for (const FileReport& file : report) {
         for (const RuleFinding& finding : file.findings) {
-            counts.errors += finding.severity == Severity::kError ? 1U : 0U;
-            counts.warnings += finding.severity == Severity::kWarning ? 1U : 0U;
+            counts.Add(finding.severity);
         }
     }
     return counts;
 }
 
 std::string Summary(const Report& report) {
-    const Counts counts = CountsIn(report);
+    return Summary(CountsIn(report), report.size());
+}
+
+std::string Summary(const Counts& counts, std::size_t files) {
     std::string summary;
+    const auto add = [&](const std::string& count, const char* separator) {
+        summary += (summary.empty() ? "" : separator) + count;
+    };
     if (counts.errors > 0) {
-        summary = Count(counts.errors, "error", "errors");
+        add(Count(counts.errors, "error", "errors"), "");
     }
     if (counts.warnings > 0) {
-        summary += summary.empty() ? "" : " and ";
-        summary += Count(counts.warnings, "warning", "warnings");
+        add(Count(counts.warnings, "warning", "warnings"), counts.notes > 0 ? ", " : " and ");
     }
-    const std::string files = Count(report.size(), "file", "files");
-    return (summary.empty() ? "no findings" : summary) + " in " + files;
+    if (counts.notes > 0) {
+        add(Count(counts.notes, "note", "notes"), " and ");
+    }
+    return (summary.empty() ? "no findings" : summary) + " in " + Count(files, "file", "files");
 }

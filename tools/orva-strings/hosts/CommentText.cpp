@@ -2,12 +2,30 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iomanip>
 #include <iterator>
+#include <sstream>
 #include <utf8cpp/utf8.h>
 
 namespace {
 
 constexpr std::size_t kMaxCharacters = 80;
+
+// Characters that are not seen: the soft hyphen, zero-width ones that no language needs, and tags.
+bool IsInvisible(std::uint32_t character) {
+    return character == 0xAD || character == 0x180E || character == 0x200B ||
+           (character >= 0x2060 && character <= 0x2064) ||
+           (character >= 0x206A && character <= 0x206F) || character == 0xFEFF ||
+           (character >= 0xE0000 && character <= 0xE007F);
+}
+
+// A character by its number.
+std::string NumberOf(std::uint32_t character) {
+    std::ostringstream number;
+    number << "[U+" << std::hex << std::uppercase << std::setfill('0') << std::setw(4);
+    number << character << ']';
+    return number.str();
+}
 
 // Control characters, line separators, and marks, embeddings and isolates of a direction.
 bool IsBlanked(std::uint32_t character) {
@@ -31,9 +49,17 @@ std::string CommentText(std::string_view text) {
             return comment + "…";
         }
         const auto begin = at;
-        if (IsBlanked(utf8::unchecked::next(at))) {
+        const std::uint32_t character = utf8::unchecked::next(at);
+        if (IsBlanked(character)) {
             comment += ' ';
             continue;
+        }
+        if (IsInvisible(character)) {
+            comment += NumberOf(character);
+            continue;
+        }
+        if (*begin == '\\' || *begin == '@' || *begin == '<') {
+            comment += '\\';
         }
         const char last = comment.empty() ? '\0' : comment.back();
         if ((last == '*' && *begin == '/') || (last == '/' && *begin == '*')) {

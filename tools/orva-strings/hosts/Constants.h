@@ -27,11 +27,12 @@ bool IsScope(const ConstantsStyle& style);
 // A key with each ASCII character that can't be in a name replaced by an underscore.
 std::string NameInScope(std::string_view key);
 
-// Finds the keys without a constant: those that make no name, a reserved one, or that of another key.
+// Finds the keys without a constant, which are errors: those that make no name, a reserved one, a
+// macro's, or that of another key. The first of those whose constant has another name are notes.
 Findings CheckConstants(const std::vector<HostKey>& keys, const ConstantsStyle& style);
 
 // The file that defines the constants; the source is the name of the strings file. CheckConstants must
-// have found nothing.
+// have found no error.
 std::string ConstantsFile(const std::vector<HostKey>& keys, const ConstantsStyle& style,
                           std::string_view source);
 

@@ -14,12 +14,15 @@ struct HostKey {
     std::string text;  // empty if it must not be shown
     bool isShown;
     StringsLine line;
+    // The key as the library reads it probably holds the text of a protected entry, so it must not be
+    // shown. Then key is only the name that was meant, or empty.
+    bool holdsSecret = false;
 };
 
 // The keys of a section, with the reader at its header: each once, in the file's order, that of the
 // header first. What was meant as a comment is left out, even if the library reads it as an entry.
-// The text of the header, of a protected entry, and of whatever was probably meant as one is not
-// shown.
-std::vector<HostKey> ReadHostKeys(StringsReader section);
+// No text is shown of the header, of a protected entry or what was probably meant as one, or that
+// contains the text of any of those in the file, whose bytes these are.
+std::vector<HostKey> ReadHostKeys(StringsReader section, std::string_view bytes);
 
 #endif

@@ -1,7 +1,9 @@
 #include "tools/orva-strings/hosts/KeyUsage.h"
 
 #include <algorithm>
+#include <deque>
 #include <fnmatch.h>
+#include <initializer_list>
 #include <numeric>
 #include <optional>
 #include <utility>
@@ -12,7 +14,7 @@
 
 namespace {
 
-constexpr std::string_view kCalls[] = {
+constexpr const char* kCalls[] = {
     "ZuGetLocalizedString", "KorGetLocalizedString", "TextOr", "CopyText",
     "OrvaTextOr",           "OrvaCopyText"};
 
@@ -26,12 +28,52 @@ std::string_view BeforeArgument(std::string_view text) {
     return text.substr(0, text.find_first_of("%{"));
 }
 
+// Without the keys that must not be named, of which keys and check say what is wrong.
+std::vector<HostKey> WithoutSecrets(std::vector<HostKey> keys) {
+    keys.erase(std::remove_if(keys.begin(), keys.end(),
+                              [](const HostKey& key) { return key.holdsSecret; }),
+               keys.end());
+    return keys;
+}
+
+bool EndsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+// A function's name with :: in front of each part but the first.
+std::string WithColons(std::string name) {
+    for (std::size_t at = 0; (at = name.find('.', at)) != std::string::npos;) {
+        name.replace(at, 1, "::");
+    }
+    return name;
+}
+
 // Whether a text ends as the first part of a name does.
 bool EndsAsPart(std::string_view text) {
     return !text.empty() && std::string_view("_.-:/").find(text.back()) != std::string_view::npos;
 }
 
 }  // namespace
+
+bool IsCallName(std::string_view name) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const auto isInWord = [&](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' ||
+               (c & '\x80') != 0;
+    };
+    const std::string whole = WithColons(std::string(name));
+    for (std::string_view rest = whole;;) {
+        const std::size_t end = rest.find("::");
+        const std::string_view word = rest.substr(0, end);
+        if (word.empty() || isDigit(word[0]) || !std::all_of(word.begin(), word.end(), isInWord)) {
+            return false;
+        }
+        if (end == std::string_view::npos) {
+            return true;
+        }
+        rest.remove_prefix(end + 2);
+    }
+}
 
 // Reads one source, token by token.
 class KeyUsage::Scan {
@@ -41,28 +83,35 @@ public:
 
     void Run() {
         SourceToken last;
-        SourceToken token = m_reader.Next();
-        while (token.kind != SourceToken::Kind::kEnd) {
-            SourceToken next = m_reader.Next();
+        while (Ahead(0).kind != SourceToken::Kind::kEnd) {
+            SourceToken token = std::move(m_ahead.front());
+            m_ahead.pop_front();
             switch (token.kind) {
                 case SourceToken::Kind::kWord:
-                    m_usage.MentionConstant(token.text);
-                    m_pending.reset();
+                    TakeWord(last, token.text);
                     break;
                 case SourceToken::Kind::kLiteral:
-                    TakeLiteral(last, token, next);
+                    TakeLiteral(last, token);
                     break;
                 default:
                     TakeSign(last, token.text[0]);
             }
-            last = std::exchange(token, std::move(next));
+            last = std::move(token);
         }
     }
 
 private:
+    // What a literal is at the beginning of a parenthesis, bracket or brace.
+    enum class Place {
+        kOther,
+        kKey,        // the first argument of a call, or a part of it
+        kConverted,  // that argument, made an object of another type
+        kReceiver,   // that argument, if it is only sent UTF8String
+    };
+
     struct Pending {
         std::string text;
-        Place place;
+        ::Place place;
     };
 
     static bool IsSign(const SourceToken& token, std::string_view signs) {
@@ -70,27 +119,88 @@ private:
                signs.find(token.text[0]) != std::string_view::npos;
     }
 
-    bool IsKeyPlace() const { return !m_areKeyPlaces.empty() && m_areKeyPlaces.back(); }
+    static bool IsWord(const SourceToken& token, std::initializer_list<std::string_view> words) {
+        return token.kind == SourceToken::Kind::kWord &&
+               std::find(words.begin(), words.end(), token.text) != words.end();
+    }
 
-    void TakeLiteral(const SourceToken& last, const SourceToken& token, const SourceToken& next) {
-        const Place place = m_places.PlaceOf(token.begin);
-        const std::string_view text = std::string_view(token.text).substr(0, token.text.find('\0'));
-        const bool isKeyPlace = IsKeyPlace() && IsSign(last, "(?:)");
+    // A token after the current one.
+    const SourceToken& Ahead(std::size_t i) {
+        while (m_ahead.size() <= i) {
+            m_ahead.push_back(m_reader.Next());
+        }
+        return m_ahead[i];
+    }
+
+    Place InnerPlace() const { return m_inside.empty() ? Place::kOther : m_inside.back(); }
+
+    // Whether an argument that is a key may begin after this token.
+    bool IsKeyBegin(const SourceToken& last) const {
+        return InnerPlace() == Place::kKey && IsSign(last, "(?:");
+    }
+
+    void TakeWord(const SourceToken& last, const std::string& word) {
+        const bool isQualified = !m_name.empty() && (m_signs == "::" || m_signs == ".");
+        if (!isQualified) {
+            m_beginsKey = IsKeyBegin(last);
+            m_isUsing = IsWord(last, {"namespace"});
+        }
+        if (m_name.size() > kMaxName) {
+            m_name.clear();
+        }
+        m_name = isQualified ? m_name + "::" + word : word;
+        m_usage.MentionConstant(word, EndsWith(m_signs, "::") || EndsWith(m_signs, "."));
+        m_signs.clear();
         m_pending.reset();
+        if (m_isUsing) {
+            m_usage.UseNamespace(word);
+        }
+    }
+
+    // How many of the tokens ahead only end a conversion of the literal: one of those in m_inside, and
+    // a call such as .c_str().
+    std::size_t SizeOfConversion() {
+        std::size_t size = 0;
+        if (InnerPlace() == Place::kConverted) {
+            size = IsSign(Ahead(0), ")}") ? 1 : 0;
+        } else if (InnerPlace() == Place::kReceiver) {
+            size = IsWord(Ahead(0), {"UTF8String"}) && IsSign(Ahead(1), "]") ? 2 : 0;
+        }
+        if (IsSign(Ahead(size), ".") && IsWord(Ahead(size + 1), {"c_str", "data", "UTF8String"})) {
+            size += 2;
+            size += IsSign(Ahead(size), "(") && IsSign(Ahead(size + 1), ")") ? 2U : 0U;
+        }
+        return size;
+    }
+
+    void TakeLiteral(const SourceToken& last, const SourceToken& token) {
+        const ::Place place = m_places.PlaceOf(token.begin);
+        const std::string_view text = std::string_view(token.text).substr(0, token.text.find('\0'));
+        const std::size_t conversion = token.isOpen ? 0 : SizeOfConversion();
+        const bool isKeyPlace =
+            (InnerPlace() == Place::kKey && IsSign(last, "(?:)")) ||
+            (conversion > 0 && InnerPlace() == Place::kConverted && IsSign(last, "({")) ||
+            (conversion > 0 && InnerPlace() == Place::kReceiver && IsSign(last, "["));
+        m_pending.reset();
+        m_name.clear();
         if (token.isOpen) {
-            m_areKeyPlaces.push_back(false);  // until a parenthesis ends the expression
+            m_inside.push_back(Place::kOther);  // until a parenthesis ends the expression
         }
         const bool isKey = !token.isOpen && m_usage.Mention(text);
         if (IsSign(last, "+")) {
             return;  // not the beginning of what is put together
         }
+        const SourceToken& next = Ahead(conversion);
         const bool isJoined =
             token.isOpen || next.kind == SourceToken::Kind::kWord || IsSign(next, "+#<");
         const std::string_view beginning = token.isOpen || isKey ? text : BeforeArgument(text);
-        if (isJoined || beginning.size() < text.size() || (!isKey && EndsAsPart(text))) {
+        // Elsewhere, one or two letters are more often a format's than the beginning of a key.
+        const bool isLong = isKeyPlace || beginning.size() > 2 || EndsAsPart(beginning);
+        if (isLong &&
+            (isJoined || beginning.size() < text.size() || (!isKey && EndsAsPart(text)))) {
             m_usage.AddBuilt(beginning, place);
         }
-        m_pending = Pending{std::string(beginning), place};
+        m_pending = Pending{std::string(isLong ? beginning : ""), place};
         if (isKeyPlace && isJoined) {
             m_usage.AddUnknownBeginning(beginning, place);
         } else if (isKeyPlace && !isKey && IsSign(next, "),:")) {
@@ -107,58 +217,83 @@ private:
         }
         switch (sign) {
             case '(':
-                m_areKeyPlaces.push_back(BeginsKeyPlace(last));
+                m_inside.push_back(PlaceInParenthesis(last));
                 break;
             case '[':
+                m_inside.push_back(IsKeyBegin(last) ? Place::kReceiver : Place::kOther);
+                break;
             case '{':
-                m_areKeyPlaces.push_back(false);
+                m_inside.push_back(IsConversion(last) ? Place::kConverted : Place::kOther);
                 break;
             case ')':
             case ']':
             case '}':
-                if (!m_areKeyPlaces.empty()) {
-                    m_areKeyPlaces.pop_back();
+                if (!m_inside.empty()) {
+                    m_inside.pop_back();
                 }
                 break;
             case ',':
-                if (!m_areKeyPlaces.empty()) {
-                    m_areKeyPlaces.back() = false;  // only the first argument is a key
+                if (!m_inside.empty()) {
+                    m_inside.back() = Place::kOther;  // only the first argument is a key
                 }
+                break;
+            case '<':
+                m_isCast =
+                    m_beginsKey && IsWord(last, {"static_cast", "const_cast", "reinterpret_cast"});
                 break;
             default:
                 break;
         }
+        m_signs = m_signs.substr(m_signs.size() < 3 ? 0 : 1) + sign;
     }
 
-    // Whether a parenthesis opens the arguments of a call, or a part of the first one.
-    bool BeginsKeyPlace(const SourceToken& last) const {
-        if (last.kind == SourceToken::Kind::kWord) {
-            return m_usage.m_calls.count(last.text) != 0;
-        }
-        return IsKeyPlace() && !IsSign(last, ")]>");
+    // Whether the word before an opening bracket is a type that only holds the key.
+    bool IsConversion(const SourceToken& last) const {
+        return m_beginsKey && IsWord(last, {"string", "string_view", "String"});
     }
+
+    Place PlaceInParenthesis(const SourceToken& last) const {
+        if (last.kind == SourceToken::Kind::kWord) {
+            return m_usage.IsCall(m_name)
+                       ? Place::kKey
+                       : (IsConversion(last) ? Place::kConverted : Place::kOther);
+        }
+        const bool isCast = m_isCast && IsSign(last, ">");
+        const bool isPart = InnerPlace() == Place::kKey && !IsSign(last, ")]>");
+        return isCast || isPart ? Place::kKey : Place::kOther;
+    }
+
+    static constexpr std::size_t kMaxName = 256;  // in bytes, not to copy long ones for each part
 
     KeyUsage& m_usage;
     SourceReader m_reader;
     SourcePlaces m_places;
-    std::vector<bool> m_areKeyPlaces;  // for each open parenthesis, bracket and brace
+    std::deque<SourceToken> m_ahead;  // what has been read but not taken
+    std::vector<Place> m_inside;      // for each open parenthesis, bracket and brace
+    std::string m_name;               // the last word, with the names that qualify it
+    std::string m_signs;              // the last three since then
+    bool m_beginsKey = false;         // that name, with what follows it, may be a key
+    bool m_isUsing = false;           // it is the name of a namespace
+    bool m_isCast = false;            // the last template is a cast, and what it casts may be a key
     std::optional<Pending> m_pending;  // a literal, and what may still show how it is used
 };
 
 KeyUsage::KeyUsage(std::vector<HostKey> keys, const UsageOptions& options)
     : m_options(options),
-      m_keys(std::move(keys)),
+      m_keys(WithoutSecrets(std::move(keys))),
       m_areMentioned(m_keys.size()),
       m_sorted(m_keys.size()),
-      m_calls(options.calls.begin(), options.calls.end()) {
-    m_calls.insert(std::begin(kCalls), std::end(kCalls));
+      m_calls(std::begin(kCalls), std::end(kCalls)) {
+    for (const std::string& call : options.calls) {
+        m_calls.insert(WithColons(call));
+    }
     const std::string scope =
         (options.scope.empty() ? DefaultScope(HostLanguage::kC) : options.scope) + '_';
     for (std::size_t i = 0; i < m_keys.size(); ++i) {
         m_indexes.emplace(m_keys[i].key, i);
         const std::string name = NameInScope(m_keys[i].key);
-        m_constants.emplace(scope + name, i);
-        m_constants.emplace(name, i);
+        m_macros.emplace(scope + name, i);
+        m_names.emplace(name, i);
     }
     m_areMentioned.at(0) = true;  // the header's key
     std::iota(m_sorted.begin(), m_sorted.end(), std::size_t{0});
@@ -174,6 +309,11 @@ void KeyUsage::Read(const std::string& file, std::string_view bytes, SourceLangu
 }
 
 Report KeyUsage::Finish(const std::string& stringsFile) {
+    if (m_usesNamespace) {
+        for (const std::string& word : m_bareNames) {
+            MentionAll(word, m_names);
+        }
+    }
     for (const Built& built : m_built) {
         ReportBuilt(built);
     }
@@ -210,12 +350,42 @@ bool KeyUsage::Mention(std::string_view key) {
     return true;
 }
 
-void KeyUsage::MentionConstant(const std::string& word) {
-    const auto [begin, end] = m_constants.equal_range(word);
+// A bare name may be that of a variable, unless a source uses the namespace of the constants.
+void KeyUsage::MentionConstant(const std::string& word, bool isQualified) {
+    MentionAll(word, m_macros);
+    if (isQualified) {
+        MentionAll(word, m_names);
+    } else if (m_names.find(word) != m_names.end()) {
+        m_bareNames.insert(word);
+    }
+}
+
+void KeyUsage::MentionAll(const std::string& word, Constants& constants) {
+    const auto [begin, end] = constants.equal_range(word);
     for (auto at = begin; at != end; ++at) {
         m_areMentioned[at->second] = true;
     }
-    m_constants.erase(begin, end);  // not to do this again for the next mention
+    constants.erase(begin, end);  // not to do this again for the next mention
+}
+
+void KeyUsage::UseNamespace(const std::string& name) {
+    const std::string scope =
+        m_options.scope.empty() ? DefaultScope(HostLanguage::kCpp) : m_options.scope;
+    m_usesNamespace = m_usesNamespace || EndsWith("::" + scope, "::" + name);
+}
+
+// Whether a function whose first argument is a key may have this name, which may be qualified.
+bool KeyUsage::IsCall(std::string_view name) const {
+    for (;;) {
+        if (m_calls.count(std::string(name)) != 0) {
+            return true;
+        }
+        const std::size_t colons = name.find("::");
+        if (colons == std::string_view::npos) {
+            return false;
+        }
+        name.remove_prefix(colons + 2);
+    }
 }
 
 // Whether a key begins with a text.

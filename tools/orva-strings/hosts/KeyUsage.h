@@ -13,13 +13,17 @@
 #include "tools/orva-strings/hosts/SourceReader.h"
 
 struct UsageOptions {
-    std::vector<std::string> calls;  // more functions whose first argument is a key
-    std::string scope;               // of constants in C; empty: the default
+    std::vector<std::string> calls;  // more functions whose first argument is a key, as IsCallName
+    std::string scope;               // of constants; empty: the default
     std::vector<std::string> kept;   // patterns of fnmatch(3) for keys that are used elsewhere
 };
 
+// Whether a function may have this name: words with :: or . between them.
+bool IsCallName(std::string_view name);
+
 // Finds which keys of a section a host's sources mention. A key is mentioned by a string literal that
-// is the key, or by a word that is the name of its constant.
+// is the key, or by the name of its constant: a macro, a qualified name or, if any source uses the
+// namespace of the constants, any word.
 class KeyUsage {
 public:
     // The options and what the keys refer to must outlive the object.
@@ -41,7 +45,11 @@ private:
     class Scan;
 
     bool Mention(std::string_view key);
-    void MentionConstant(const std::string& word);
+    using Constants = std::unordered_multimap<std::string, std::size_t>;  // by name
+    void MentionConstant(const std::string& word, bool isQualified);
+    void MentionAll(const std::string& word, Constants& constants);
+    void UseNamespace(const std::string& name);
+    bool IsCall(std::string_view name) const;
     bool IsBeginning(std::string_view text) const;
     void AddBuilt(std::string_view text, const Place& place);
     void AddUnknown(std::string_view text, const Place& place);
@@ -53,9 +61,12 @@ private:
     std::vector<HostKey> m_keys;
     std::vector<bool> m_areMentioned;
     std::unordered_map<std::string_view, std::size_t> m_indexes;
-    std::unordered_multimap<std::string, std::size_t> m_constants;  // by name
-    std::vector<std::size_t> m_sorted;                              // by key
-    std::unordered_set<std::string_view> m_calls;
+    Constants m_macros;                           // of C
+    Constants m_names;                            // of C++ and Swift
+    std::unordered_set<std::string> m_bareNames;  // of m_names, where nothing qualifies them
+    bool m_usesNamespace = false;
+    std::vector<std::size_t> m_sorted;  // by key
+    std::unordered_set<std::string> m_calls;
     std::vector<Built> m_built;
     std::unordered_set<std::string> m_builtTexts;
     std::unordered_map<std::string, std::string> m_near;  // what was found near unknown keys

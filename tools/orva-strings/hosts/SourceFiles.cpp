@@ -6,6 +6,7 @@
 #include <set>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 
 namespace fs = std::filesystem;
 
@@ -20,36 +21,76 @@ bool IsSource(const fs::path& path) {
            std::end(kEndings);
 }
 
-void AddSources(const std::string& folder, std::set<std::string>& paths) {
-    if (!fs::is_directory(folder)) {
-        paths.insert(fs::path(folder).lexically_normal().string());
-        return;
+struct Found {
+    std::set<std::string> paths;
+    std::vector<std::string>& skipped;
+};
+
+fs::file_status StatusOf(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) {
+        throw std::system_error(error, path.string());
     }
-    bool isEmpty = true;
-    for (auto at = fs::recursive_directory_iterator(folder);
-         at != fs::recursive_directory_iterator(); ++at) {
+    return status;
+}
+
+void AddFile(const fs::path& path, Found& found) {
+    if (!fs::is_regular_file(StatusOf(path))) {
+        throw std::runtime_error(path.string() + ": not a regular file");
+    }
+    found.paths.insert(path.lexically_normal().string());
+}
+
+// A folder at a time, since an iterator that goes through them all does not name one that can't be
+// read.
+void AddSourcesIn(const fs::path& folder, Found& found) {
+    std::error_code error;
+    fs::directory_iterator at(folder, error);
+    for (; !error && at != fs::directory_iterator(); at.increment(error)) {
         const fs::path& path = at->path();
         if (path.filename().native().front() == '.') {
-            at.disable_recursion_pending();
-        } else if (IsSource(path) && at->is_regular_file()) {
-            paths.insert(path.lexically_normal().string());
-            isEmpty = false;
+            continue;
+        }
+        std::error_code none;  // what it would say is said below
+        if (!at->is_symlink(none) && at->is_directory(none)) {
+            AddSourcesIn(path, found);
+        } else if (IsSource(path)) {
+            try {
+                AddFile(path, found);
+            } catch (const std::exception& reason) {
+                found.skipped.emplace_back(reason.what());
+            }
         }
     }
-    if (isEmpty) {
+    if (error) {
+        throw std::system_error(error, folder.string());
+    }
+}
+
+void AddSources(const std::string& folder, Found& found) {
+    if (!fs::is_directory(StatusOf(folder))) {
+        AddFile(folder, found);
+        return;
+    }
+    Found inside = {{}, found.skipped};
+    AddSourcesIn(folder, inside);
+    if (inside.paths.empty()) {
         throw std::runtime_error(folder + ": no source in C, C++, Objective-C or Swift");
     }
+    found.paths.merge(inside.paths);
 }
 
 }  // namespace
 
-std::vector<SourceFile> FindSources(const std::vector<std::string>& folders) {
-    std::set<std::string> paths;
+std::vector<SourceFile> FindSources(const std::vector<std::string>& folders,
+                                    std::vector<std::string>& skipped) {
+    Found found = {{}, skipped};
     for (const std::string& folder : folders) {
-        AddSources(folder, paths);
+        AddSources(folder, found);
     }
     std::vector<SourceFile> files;
-    for (const std::string& path : paths) {
+    for (const std::string& path : found.paths) {
         const bool isSwift = fs::path(path).extension() == ".swift";
         files.push_back({path, isSwift ? SourceLanguage::kSwift : SourceLanguage::kC});
     }

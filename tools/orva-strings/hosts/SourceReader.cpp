@@ -36,6 +36,33 @@ void AppendCharacter(std::uint32_t character, std::string& text) {
     utf8::unchecked::append(isValid ? character : 0xFFFD, std::back_inserter(text));
 }
 
+// Removes what only lays out a literal of several lines: the first line end, the last one, and at the
+// beginning of each line the blanks that come before the closing quotes. Where an expression follows,
+// they are not known, so that all blanks of the first line go.
+void RemoveIndents(SourceToken& token) {
+    constexpr char kBlanks[] = " \t";
+    std::string& text = token.text;
+    const std::size_t begin = text.find_first_not_of(kBlanks);
+    if (begin == std::string::npos || text[begin] != '\n') {
+        return;  // not a literal that Swift accepts
+    }
+    if (token.isOpen) {
+        text.erase(0, std::min(text.find_first_not_of(kBlanks, begin + 1), text.size()));
+        return;
+    }
+    const std::size_t end = text.rfind('\n');
+    const std::string indent = text.substr(end);
+    std::string joined;
+    for (std::size_t at = begin; at < end;) {
+        const std::size_t next = text.find('\n', at + 1);
+        const std::size_t size = text.compare(at, indent.size(), indent) == 0 ? indent.size() : 1;
+        joined += joined.empty() && at == begin ? "" : "\n";
+        joined.append(text, at + size, next - std::min(next, at + size));
+        at = next;
+    }
+    text = std::move(joined);
+}
+
 // What an escape of one letter stands for; any other letter stands for itself.
 char EscapedLetter(char letter) {
     switch (letter) {
@@ -358,6 +385,9 @@ bool SourceReader::BeginSwiftText(SourceToken& token) {
     m_texts.push_back({quote - m_at, hasManyLines, 0});
     m_at = quote + (hasManyLines ? 3 : 1);
     ReadSwiftText(token);
+    if (hasManyLines) {
+        RemoveIndents(token);
+    }
     token.kind = SourceToken::Kind::kLiteral;
     return true;
 }
@@ -372,6 +402,9 @@ void SourceReader::ReadSwiftText(SourceToken& token) {
         if (At(m_at) == '"' && HasAt(m_at, end)) {
             m_at += end.size();
             break;
+        }
+        if (At(m_at) == '\r' && At(m_at + 1) == '\n') {  // Swift reads a line feed only
+            ++m_at;
         }
         if (At(m_at) == '\\' && HasAt(m_at, escape)) {
             m_at += escape.size();
@@ -391,6 +424,9 @@ void SourceReader::ReadSwiftText(SourceToken& token) {
 
 void SourceReader::ReadSwiftEscape(std::string& text) {
     const char letter = Get();
+    if (letter == '\n') {  // joins two lines
+        return;
+    }
     if (letter != 'u' || At(m_at) != '{') {
         text += letter == '0' ? '\0' : EscapedLetter(letter);
         return;

@@ -1,0 +1,21 @@
+# In the installed documents, leaves only the text of links that lead to what is not installed with
+# them: headers and manual pages, whose places differ, and the sources. OrvaInstall.cmake sets
+# orva_source and orva_docdir.
+cmake_path(ABSOLUTE_PATH orva_docdir BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}")
+file(GLOB documents RELATIVE "${orva_source}" "${orva_source}/*.md" "${orva_source}/docs/*.md")
+foreach(document IN LISTS documents)
+    set(document "$ENV{DESTDIR}${orva_docdir}/${document}")
+    if(EXISTS "${document}")
+        cmake_path(GET document PARENT_PATH folder)
+        file(READ "${document}" text)
+        string(REGEX MATCHALL "\\([A-Za-z0-9_./-]+(#[A-Za-z0-9_-]+)?\\)" targets "${text}")
+        foreach(target IN LISTS targets)
+            string(REGEX REPLACE "[()]|#.*" "" file "${target}")
+            if(NOT EXISTS "${folder}/${file}")
+                string(REGEX REPLACE "([(.)])" "[\\1]" target "${target}")
+                string(REGEX REPLACE "\\[([^]]*)\\]${target}" "\\1" text "${text}")
+            endif()
+        endforeach()
+        file(WRITE "${document}" "${text}")
+    endif()
+endforeach()

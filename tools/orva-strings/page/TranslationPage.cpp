@@ -1,0 +1,258 @@
+#include "tools/orva-strings/page/TranslationPage.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <vector>
+
+#include "PageSources.h"
+#include "tools/orva-strings/checks/Rules.h"
+#include "tools/orva-strings/cli/Count.h"
+#include "tools/orva-strings/page/Html.h"
+
+namespace {
+
+using Entry = SectionEntries::Entry;
+
+const char* NameOf(TextState state) {
+    switch (state) {
+        case TextState::kMissing:
+            return "missing";
+        case TextState::kStale:
+            return "stale";
+        case TextState::kEmpty:
+            return "empty";
+        case TextState::kTranslated:
+        case TextState::kSame:
+            break;
+    }
+    return "ok";
+}
+
+bool IsDone(TextState state) {
+    return state == TextState::kTranslated || state == TextState::kSame;
+}
+
+// Whether an entry is protected, or may have been meant to be.
+bool IsHidden(std::string_view key) {
+    const auto isLetter = [&](std::size_t i, char lower) { return (key[i] | 0x20) == lower; };
+    return key.size() >= 3 && isLetter(0, 'i') && isLetter(1, 'd') && isLetter(2, 'e');
+}
+
+std::string Tagged(const std::string& name, const std::string& attributes,
+                   const std::string& content) {
+    return '<' + name + attributes + '>' + content + "</" + name + ">\n";
+}
+
+// A name from a file, whose direction does not change that of what is around it.
+std::string Name(std::string_view name) {
+    return "<bdi>" + HtmlText(name) + "</bdi>";
+}
+
+std::string Line(std::size_t line) {
+    return "<span class=\"line\">line " + std::to_string(line + 1) + "</span>";
+}
+
+// A language's bar: what is translated, stale and empty, then a gap for what is missing.
+std::string Bar(const Translation& language) {
+    const std::size_t total = std::max<std::size_t>(language.states.size(), 1);
+    std::string bar = "<svg class=\"bar\" role=\"img\" aria-label=\"";
+    bar += std::to_string(language.Percent()) + " % translated\" viewBox=\"0 0 ";
+    bar += std::to_string(total) + " 1\" preserveAspectRatio=\"none\">";
+    std::size_t x = 0;
+    const auto add = [&](const char* state, std::size_t width) {
+        bar += "<rect class=\"" + std::string(state) + "\" x=\"" + std::to_string(x);
+        bar += "\" width=\"" + std::to_string(width) + "\" height=\"1\"/>";
+        x += width;
+    };
+    add("ok", language.TranslatedCount());
+    add("stale", language.CountOf(TextState::kStale));
+    add("empty", language.CountOf(TextState::kEmpty));
+    return bar + "</svg>\n";
+}
+
+std::string Languages(const Translations& translations) {
+    std::string list;
+    for (const Translation& language : translations.languages) {
+        std::string item = Tagged("span", " class=\"name\"", Name(language.name));
+        std::string numbers;
+        if (&language == &translations.Reference()) {
+            item += "<span class=\"bar-space\"></span>\n";
+            numbers = "reference, " + Count(language.entries.All().size(), "text", "texts");
+        } else {
+            item += Bar(language);
+            numbers = std::to_string(language.Percent()) + " %";
+            for (const TextState state :
+                 {TextState::kMissing, TextState::kStale, TextState::kEmpty}) {
+                if (const std::size_t count = language.CountOf(state); count > 0) {
+                    const std::string name = NameOf(state);
+                    numbers += ", <span class=\"" + name + "\">" + std::to_string(count);
+                    numbers += ' ' + name + "</span>";
+                }
+            }
+        }
+        item += Tagged("span", "", numbers);
+        list += Tagged("li", "", item);
+    }
+    return Tagged("h3", "", "Languages") + Tagged("ul", " class=\"languages\"", list);
+}
+
+// The keys that a language lacks or whose text is out of date, with a column for each language.
+std::string Matrix(const Translations& translations) {
+    std::string head = "<th scope=\"col\">Key</th>";
+    for (const Translation& language : translations.languages) {
+        if (&language != &translations.Reference()) {
+            head += "<th scope=\"col\">" + Name(language.name) + "</th>";
+        }
+    }
+    std::string rows;
+    const std::vector<Entry>& keys = translations.Reference().entries.All();
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        std::string row;
+        bool isComplete = true;
+        for (const Translation& language : translations.languages) {
+            if (&language == &translations.Reference()) {
+                continue;
+            }
+            const TextState state = language.states[i];
+            isComplete = isComplete && IsDone(state);
+            const std::string name = NameOf(state);
+            row += "<td class=\"" + name + "\">";
+            row += (IsDone(state) ? "✓" : name) + "</td>";
+        }
+        if (!isComplete) {
+            const std::string key = HtmlText(keys[i].key);
+            rows += Tagged("tr", "", "<th scope=\"row\" class=\"key\">" + key + "</th>" + row);
+        }
+    }
+    const std::string title = Tagged("h3", "", "Missing, stale or empty");
+    if (rows.empty()) {
+        return title + Tagged("p", "", "Every language has every text.");
+    }
+    const std::string table =
+        Tagged("thead", "", Tagged("tr", "", head)) + Tagged("tbody", "", rows);
+    const std::string meaning =
+        Tagged("p", " class=\"quiet\"",
+               "A translation is stale if the reference's text has changed since.");
+    return title + meaning +
+           Tagged("div",
+                  " class=\"scroll\" tabindex=\"0\" role=\"region\" "
+                  "aria-label=\"Missing, stale or empty texts\"",
+                  Tagged("table", " class=\"matrix\"", table));
+}
+
+std::string FindingItem(const RuleFinding& finding) {
+    std::string item = Tagged("strong", "", ::NameOf(finding.severity));
+    if (finding.place) {
+        item += Line(finding.place->line) + ' ';
+    }
+    if (!finding.section.empty()) {
+        item += Tagged("span", " class=\"quiet\"", Name(finding.section));
+    }
+    return Tagged("li", "", item + Name(finding.text));
+}
+
+std::string FindingsByRule(const RuleFindings& findings) {
+    const std::string title = Tagged("h3", "", "Findings");
+    if (findings.empty()) {
+        return title + Tagged("p", "", "The check has found nothing.");
+    }
+    std::map<Rule, std::vector<const RuleFinding*>> byRule;
+    for (const RuleFinding& finding : findings) {
+        byRule[finding.rule].push_back(&finding);
+    }
+    std::string options = Tagged("option", " value=\"\"", "all rules");
+    std::string groups;
+    for (const auto& [rule, those] : byRule) {
+        const std::string name = TextOf(rule).name;
+        const std::string label = name + " (" + std::to_string(those.size()) + ')';
+        options += Tagged("option", " value=\"" + name + '"', label);
+        std::string items;
+        for (const RuleFinding* const finding : those) {
+            items += FindingItem(*finding);
+        }
+        const std::string summary =
+            Tagged("strong", "", label) +
+            Tagged("span", " class=\"quiet\"", HtmlText(TextOf(rule).summary));
+        groups +=
+            Tagged("details", " open data-rule=\"" + name + '"',
+                   Tagged("summary", "", summary) + Tagged("ul", " class=\"findings\"", items));
+    }
+    const std::string filter =
+        Tagged("label", "", "Rule " + Tagged("select", "", options)) + Tagged("output", "", "");
+    return Tagged("section", "", title + Tagged("p", " class=\"filter\" hidden", filter) + groups);
+}
+
+// A text with its line; nothing of a protected one.
+std::string TextCell(const Entry& entry, TextState state) {
+    std::string cell = Line(entry.line) + ' ';
+    if (!IsDone(state)) {
+        const std::string name = NameOf(state);
+        cell += "<span class=\"badge " + name + "\">" + name + "</span>";
+    }
+    if (IsHidden(entry.key)) {
+        return Tagged("td", "", cell + Tagged("div", " class=\"quiet\"", "protected"));
+    }
+    std::string buffer;
+    const std::string text = HtmlText(ValueOf(entry.entry, buffer));
+    return Tagged("td", "", cell + Tagged("div", " class=\"text\" dir=\"auto\"", text));
+}
+
+// The reference's texts beside those of a language.
+std::string Texts(const Translations& translations, const Translation& language) {
+    const std::string referenceName = Name(translations.Reference().name);
+    const std::string name = Name(language.name);
+    const std::string column = "<th scope=\"col\">";
+    const std::string head =
+        column + "Key</th>" + column + referenceName + "</th>" + column + name + "</th>";
+    const std::vector<Entry>& keys = translations.Reference().entries.All();
+    std::string rows;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        std::string row = "<th scope=\"row\" class=\"key\">" + HtmlText(keys[i].key) + "</th>";
+        row += TextCell(keys[i], TextState::kTranslated);
+        const Entry* const entry = language.entries.Find(keys[i].key);
+        row += entry != nullptr ? TextCell(*entry, language.states[i])
+                                : Tagged("td", " class=\"badge missing\"", "missing");
+        rows += Tagged("tr", "", row);
+    }
+    const std::string table =
+        Tagged("thead", "", Tagged("tr", "", head)) + Tagged("tbody", "", rows);
+    return Tagged("details", "",
+                  Tagged("summary", "", name) + Tagged("table", " class=\"texts\"", table));
+}
+
+}  // namespace
+
+std::string FilePart(const std::string& file, const Translations& translations,
+                     const RuleFindings& findings) {
+    std::string part = Tagged("h2", "", Name(file));
+    part += Languages(translations);
+    if (translations.languages.size() > 1) {
+        part += Matrix(translations);
+    }
+    part += FindingsByRule(findings);
+    if (translations.languages.size() > 1) {
+        part += Tagged("h3", "", "Texts");
+    }
+    for (const Translation& language : translations.languages) {
+        if (&language != &translations.Reference()) {
+            part += Texts(translations, language);
+        }
+    }
+    return Tagged("section", "", part);
+}
+
+void WritePage(const std::string& parts, const TakePiece& take) {
+    std::string head = "<meta charset=\"utf-8\">\n";
+    head += "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src ";
+    head += InlineSource(kPageStyle) + "; script-src " + InlineSource(kPageScript);
+    head += "; base-uri 'none'; form-action 'none'\">\n";
+    head += "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
+    head += Tagged("title", "", "Translations");
+    head += Tagged("style", "", kPageStyle);
+    take(kPageBegin);
+    take(Tagged("head", "", head));
+    take("<body>\n" + Tagged("h1", "", "Translations") + "<main>\n");
+    take(parts);
+    take("</main>\n" + Tagged("script", "", kPageScript) + "</body>\n</html>\n");
+}
