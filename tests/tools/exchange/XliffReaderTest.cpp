@@ -143,6 +143,29 @@ TEST(XliffReader, KnowsElementsByTheirNamespace) {
         << "without a namespace";
 }
 
+TEST(XliffReader, ReadsVersion11WithUnitsOf12) {
+    const std::string old = "urn:oasis:names:tc:xliff:document:1.1";
+    const auto document = [&](const std::string& start) {
+        return start +
+               "<file target-language=\"de\"><body><trans-unit id=\"A\"><target>a</target>" +
+               "</trans-unit><n:trans-unit id=\"B\"><n:target>b<n:ph>c</n:ph></n:target>" +
+               "</n:trans-unit></body></file></xliff>";
+    };
+    const Parts parts = Read(document("<xliff version=\"1.1\" xmlns=\"" + old + "\" xmlns:n=\"" +
+                                      kNamespace.substr(kNamespace.find('"') + 1) + ">"));
+    ASSERT_EQ(parts.files.size(), 1U);
+    ASSERT_EQ(parts.units.size(), 2U);
+    EXPECT_EQ(parts.units[0].target, "a");
+    EXPECT_EQ(parts.units[1].target, "bc");
+    EXPECT_EQ(parts.units[1].lost, "");
+
+    const Parts newer =
+        Read(document("<xliff version=\"1.2\" " + kNamespace + " xmlns:n=\"" + old + "\">"));
+    ASSERT_EQ(newer.units.size(), 1U);
+    EXPECT_EQ(newer.units[0].id, "A");
+    EXPECT_EQ(Read(document("<xliff version=\"1.1\" xmlns:n=\"" + old + "\">")).units.size(), 1U);
+}
+
 TEST(XliffReader, TakesTheFirstSourceAndTarget) {
     const XliffUnit unit = UnitOf(
         "<source>a</source><target>b</target><source>c</source><target state=\"new\">d</target>");
@@ -255,12 +278,14 @@ TEST(XliffReader, RefusesWhatIsNotXliff) {
         {"<?xml version=\"1.0\" encoding=\"windows-1252\"?><xliff/>",
          "1: this is no well-formed XML: unknown encoding"},
         {"<html>", "1: not an XLIFF document: it begins with <html>, not with <xliff>"},
-        {"\n<xliff/>", "2: XLIFF of version ''; only 1.2 is read"},
-        {"<xliff version=\"1.1\"/>", "1: XLIFF of version '1.1'; only 1.2 is read"},
+        {"\n<xliff/>", "2: XLIFF of version ''; only 1.1 and 1.2 are read"},
+        {"<xliff version=\"1.0\"/>", "1: XLIFF of version '1.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"2.0\" xmlns=\"urn:oasis:names:tc:xliff:document:2.0\"/>",
-         "1: XLIFF of version '2.0'; only 1.2 is read"},
+         "1: XLIFF of version '2.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"1.2\" xmlns=\"urn:other\"/>",
          "1: XLIFF of version 1.2 has not the namespace 'urn:other'"},
+        {"<xliff version=\"1.1\" " + kNamespace + "/>",
+         "1: XLIFF of version 1.1 has not the namespace 'urn:oasis:names:tc:xliff:document:1.2'"},
         {"<!DOCTYPE xliff>\n" + Document(""),
          "1: a document type, which could define entities, is not accepted"},
         {"\n<!DOCTYPE xliff SYSTEM \"file:///etc/passwd\">" + Document(""),

@@ -37,6 +37,12 @@ compare() { # RESULT [OPTION…]: compares what came back with what was exported
     "$python" "$here/compare_xliff.py" xliff/de.xlf "$@"
 }
 
+import() { # FILE EXPECTED: imports into a copy of the exported file
+    cp Source.strings copy.strings
+    orva-strings import copy.strings "$1" >log 2>&1 || { cat log >&2; exit 1; }
+    cmp copy.strings "$2"
+}
+
 # The document's own file, then one of many texts.
 blocks strings QVLANG >Source.strings
 run 'orva-strings export'
@@ -49,9 +55,8 @@ export_texts() { # [OPTION]: exports 3,000 entries
     "$python" "$here/compare_xliff.py" --write-strings Source.strings 3000 "$@"
     run 'orva-strings export'
     "$python" "$here/compare_xliff.py" --strict xliff/de.xlf 3000
-    compare xliff/de.xlf
+    sed 's/de 490 plainplain/Geändert/' Source.strings >edited.strings
 }
-
 edit() { # FILE: edits one text, which must come back alone
     grep -qF 'de 490 plainplain' "$1"
     sed -i 's/de 490 plainplain/Geändert/' "$1"
@@ -59,14 +64,22 @@ edit() { # FILE: edits one text, which must come back alone
 edited=(--changes MENU_0490 Geändert)
 
 export_texts --repeats
+cp Source.strings exported.strings
+run 'import Source.strings'
+cmp Source.strings exported.strings
 run podebug
 compare pseudo.xlf --rewritten
+[ "$(grep -c ^MENU_ Pseudo.strings)" -eq 6000 ]
 run pofilter
 compare doubtful.xlf --loses-empty
+import doubtful.xlf Source.strings
+edit doubtful.xlf
+import doubtful.xlf edited.strings
 run '-of ts'
 edit de.ts
 run '-if ts'
 compare from-ts.xlf "${edited[@]}" --loses-returns
+import from-ts.xlf edited.strings
 
 # pomerge would mix up the translations of texts that are the same.
 run 'de.xlf de.po\n$'
@@ -81,6 +94,7 @@ run 'grep msgctxt'
 edit de.po
 run 'pomerge.* de.po'
 compare from-po.xlf "${edited[@]}"
+import from-po.xlf edited.strings
 run po2csv
 edit table.csv
 run csv2po
@@ -89,3 +103,4 @@ compare from-table.xlf "${edited[@]}" --changes-backslashes
 # What po2xliff adds is of no use, but does no harm.
 po2xliff -t xliff/de.xlf de.po unused.xlf 2>log || { cat log >&2; exit 1; }
 compare unused.xlf --adds-units
+import unused.xlf Source.strings
