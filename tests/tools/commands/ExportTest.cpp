@@ -129,6 +129,18 @@ TEST_F(Export, LeavesOutWhatXmlCannotHold) {
     EXPECT_EQ(m_err, Reported(":2: error: ME\\x01NU" + why));
 }
 
+TEST_F(Export, CountsOnlyWhatItWrites) {
+    const std::string file = Write("x",
+                                   "QVLANG=en\nONE_=\"1\"\nTWO_=\"2\"\nNINE=\"9\"\n"
+                                   "QVLANG=de\nONE_=\"\x01\"\nNINE=\"9\"\n");
+    const std::string output = Path("o");
+    EXPECT_EQ(Run({"export", file, "--language=de", "-o", output, "--code=en=en", "--code=de=de"}),
+              1);
+    EXPECT_EQ(m_err, output + ": wrote 2 entries, 1 without a translation\n" + file +
+                         ":6: error: ONE_: left out, since XML can't hold it: it has control "
+                         "characters, or bytes that are not UTF-8\n");
+}
+
 TEST_F(Export, TakesTheCommentRightAboveAnEntryForANote) {
     EXPECT_EQ(RunGerman("# the file\nQVLANG=en\n# first\n; second & third\nONE_=\"1\"\n"
                         "// far\n\nTWO_=\"2\"\n"
@@ -137,7 +149,7 @@ TEST_F(Export, TakesTheCommentRightAboveAnEntryForANote) {
                         "#\n# MENU=\"5\"\n##\nFIVE=\"5\"\n"
                         "# once\nFIVE=\"6\"\nSIX_=\"6\"\n"
                         "/\nSEVEN=\"7\"\n//* y*/\nEIGHT=\"8\"\n"
-                        "*\n# *\nNINE=\"9\"\n# 1 */\nTEN_=\"10\"\n"
+                        "*\n#*\nNINE=\"9\"\n# 1 */\nTEN_=\"10\"\n"
                         "QVLANG=de\n# Deutsch\nSIX_=\"6\"\n"),
               0);
     EXPECT_EQ(m_out, Document(Unit("ONE_", Source("1") + Note("first&#10;second &amp; third")) +
