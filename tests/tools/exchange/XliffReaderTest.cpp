@@ -143,6 +143,16 @@ TEST(XliffReader, KnowsElementsByTheirNamespace) {
         << "without a namespace";
 }
 
+TEST(XliffReader, ReadsVersion11WithEitherNamespace) {
+    for (const std::string space : {"1.1", "1.2"}) {
+        const Parts parts =
+            Read("<xliff version=\"1.1\" xmlns=\"urn:oasis:names:tc:xliff:document:" + space +
+                 "\"><file><body><trans-unit id=\"A\"/></body></file></xliff>");
+        ASSERT_EQ(parts.units.size(), 1U) << space;
+        EXPECT_EQ(parts.units[0].id, "A");
+    }
+}
+
 TEST(XliffReader, TakesTheFirstSourceAndTarget) {
     const XliffUnit unit = UnitOf(
         "<source>a</source><target>b</target><source>c</source><target state=\"new\">d</target>");
@@ -255,10 +265,10 @@ TEST(XliffReader, RefusesWhatIsNotXliff) {
         {"<?xml version=\"1.0\" encoding=\"windows-1252\"?><xliff/>",
          "1: this is no well-formed XML: unknown encoding"},
         {"<html>", "1: not an XLIFF document: it begins with <html>, not with <xliff>"},
-        {"\n<xliff/>", "2: XLIFF of version ''; only 1.2 is read"},
-        {"<xliff version=\"1.1\"/>", "1: XLIFF of version '1.1'; only 1.2 is read"},
+        {"\n<xliff/>", "2: XLIFF of version ''; only 1.1 and 1.2 are read"},
+        {"<xliff version=\"1.0\"/>", "1: XLIFF of version '1.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"2.0\" xmlns=\"urn:oasis:names:tc:xliff:document:2.0\"/>",
-         "1: XLIFF of version '2.0'; only 1.2 is read"},
+         "1: XLIFF of version '2.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"1.2\" xmlns=\"urn:other\"/>",
          "1: XLIFF of version 1.2 has not the namespace 'urn:other'"},
         {"<!DOCTYPE xliff>\n" + Document(""),

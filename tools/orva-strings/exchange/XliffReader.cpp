@@ -12,7 +12,11 @@
 namespace {
 
 constexpr char kNamespaceEnd = ' ';
-constexpr std::string_view kXliffNamespace = "urn:oasis:names:tc:xliff:document:1.2";
+// What is read means the same in both, and some programs write one version with the namespace of the
+// other.
+constexpr std::string_view kVersions[] = {"1.1", "1.2"};
+constexpr std::string_view kNamespaces[] = {"", "urn:oasis:names:tc:xliff:document:1.1",
+                                            "urn:oasis:names:tc:xliff:document:1.2"};
 
 // The parser begins a tag or comment that is not complete anew with each piece, so a long one takes
 // time in proportion to the square of its length.
@@ -202,12 +206,12 @@ void XliffReader::StartRoot(std::string_view name, const char** attributes) {
                                      ">, not with <xliff>");
     }
     const std::string version(Attribute(attributes, "version"));
-    if (version != "1.2") {
-        throw XliffError(Line(), "XLIFF of version '" + version + "'; only 1.2 is read");
+    if (!IsAmong(kVersions, version)) {
+        throw XliffError(Line(), "XLIFF of version '" + version + "'; only 1.1 and 1.2 are read");
     }
-    if (!m_namespace.empty() && m_namespace != kXliffNamespace) {
-        throw XliffError(Line(),
-                         "XLIFF of version 1.2 has not the namespace '" + m_namespace + "'");
+    if (!IsAmong(kNamespaces, m_namespace)) {
+        throw XliffError(
+            Line(), "XLIFF of version " + version + " has not the namespace '" + m_namespace + "'");
     }
     m_place = Place::kXliff;
 }

@@ -44,7 +44,7 @@ struct XliffUnit {
     std::string lost;
 };
 
-// Reads an XLIFF 1.2 document, given in pieces, and hands on its parts in order.
+// Reads an XLIFF 1.1 or 1.2 document, given in pieces, and hands on its parts in order.
 class XliffReader {
 public:
     using TakeFile = std::function<void(const XliffFile&)>;
@@ -56,7 +56,7 @@ public:
     XliffReader& operator=(const XliffReader&) = delete;
 
     // Takes the next piece, of at most 64 KiB. Throws XliffError if the document is not well-formed,
-    // not XLIFF 1.2, or has a document type, which could define entities. Throws what the functions
+    // of another version, or has a document type, which could define entities. Throws what the functions
     // that take its parts throw. No piece may be given after that.
     void Read(std::string_view piece);
 
