@@ -149,7 +149,7 @@ TEST_F(Export, TakesTheCommentRightAboveAnEntryForANote) {
                         "#\n# MENU=\"5\"\n##\nFIVE=\"5\"\n"
                         "# once\nFIVE=\"6\"\nSIX_=\"6\"\n"
                         "/\nSEVEN=\"7\"\n//* y*/\nEIGHT=\"8\"\n"
-                        "*\n# *\nNINE=\"9\"\n# 1 */\nTEN_=\"10\"\n"
+                        "*\n#*\nNINE=\"9\"\n# 1 */\nTEN_=\"10\"\n"
                         "QVLANG=de\n# Deutsch\nSIX_=\"6\"\n"),
               0);
     EXPECT_EQ(m_out, Document(Unit("ONE_", Source("1") + Note("first&#10;second &amp; third")) +

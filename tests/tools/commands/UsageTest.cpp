@@ -115,6 +115,7 @@ TEST_F(Usage, FindsThemWhereverTheFirstArgumentIsALiteral) {
                                        "f<char*>(\"XX\"))",
                                        "b, static_cast<char*>(\"XX\"))",
                                        "b == static_cast<char*>(\"XX\"))",
+                                       "static_cast<T>(b) ? c > (\"XX\") : d)",
                                        "std::string{b[\"XX\"]})"}) {
         EXPECT_EQ(Find("a.mm", std::string(call) + argument + ";\"ABCD\";", "ABCD"), kNothing)
             << argument;

@@ -143,27 +143,14 @@ TEST(XliffReader, KnowsElementsByTheirNamespace) {
         << "without a namespace";
 }
 
-TEST(XliffReader, ReadsVersion11WithUnitsOf12) {
-    const std::string old = "urn:oasis:names:tc:xliff:document:1.1";
-    const auto document = [&](const std::string& start) {
-        return start +
-               "<file target-language=\"de\"><body><trans-unit id=\"A\"><target>a</target>" +
-               "</trans-unit><n:trans-unit id=\"B\"><n:target>b<n:ph>c</n:ph></n:target>" +
-               "</n:trans-unit></body></file></xliff>";
-    };
-    const Parts parts = Read(document("<xliff version=\"1.1\" xmlns=\"" + old + "\" xmlns:n=\"" +
-                                      kNamespace.substr(kNamespace.find('"') + 1) + ">"));
-    ASSERT_EQ(parts.files.size(), 1U);
-    ASSERT_EQ(parts.units.size(), 2U);
-    EXPECT_EQ(parts.units[0].target, "a");
-    EXPECT_EQ(parts.units[1].target, "bc");
-    EXPECT_EQ(parts.units[1].lost, "");
-
-    const Parts newer =
-        Read(document("<xliff version=\"1.2\" " + kNamespace + " xmlns:n=\"" + old + "\">"));
-    ASSERT_EQ(newer.units.size(), 1U);
-    EXPECT_EQ(newer.units[0].id, "A");
-    EXPECT_EQ(Read(document("<xliff version=\"1.1\" xmlns:n=\"" + old + "\">")).units.size(), 1U);
+TEST(XliffReader, ReadsVersion11WithEitherNamespace) {
+    for (const std::string space : {"1.1", "1.2"}) {
+        const Parts parts =
+            Read("<xliff version=\"1.1\" xmlns=\"urn:oasis:names:tc:xliff:document:" + space +
+                 "\"><file><body><trans-unit id=\"A\"/></body></file></xliff>");
+        ASSERT_EQ(parts.units.size(), 1U) << space;
+        EXPECT_EQ(parts.units[0].id, "A");
+    }
 }
 
 TEST(XliffReader, TakesTheFirstSourceAndTarget) {
@@ -284,8 +271,6 @@ TEST(XliffReader, RefusesWhatIsNotXliff) {
          "1: XLIFF of version '2.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"1.2\" xmlns=\"urn:other\"/>",
          "1: XLIFF of version 1.2 has not the namespace 'urn:other'"},
-        {"<xliff version=\"1.1\" " + kNamespace + "/>",
-         "1: XLIFF of version 1.1 has not the namespace 'urn:oasis:names:tc:xliff:document:1.2'"},
         {"<!DOCTYPE xliff>\n" + Document(""),
          "1: a document type, which could define entities, is not accepted"},
         {"\n<!DOCTYPE xliff SYSTEM \"file:///etc/passwd\">" + Document(""),

@@ -27,8 +27,8 @@ def write_strings(file, count, repeats):
             out.write(f"QVLANG={name}\n# orva: language {code}\n")
             for i in range(count):
                 text = f"{code} {i} {TEXTS[i % 7]}{TEXTS[i // 7 % 10]}{end}"
-                if repeats and i % 50 == 1:
-                    text = f"de {i}" if code == "de" else "The same." if i > 1 else ""
+                if repeats and code == "en" and i % 50 == 1:
+                    text = "The same." if i > 1 else ""
                 if code == "en" or i % 10 != 3:
                     out.write(f'# note {i}\nMENU_{i:04d}="{text}"\n')
 

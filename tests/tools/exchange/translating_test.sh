@@ -37,12 +37,6 @@ compare() { # RESULT [OPTION…]: compares what came back with what was exported
     "$python" "$here/compare_xliff.py" xliff/de.xlf "$@"
 }
 
-import() { # FILE EXPECTED: imports into a copy of the exported file
-    cp Source.strings copy.strings
-    orva-strings import copy.strings "$1" >log 2>&1 || { cat log >&2; exit 1; }
-    cmp copy.strings "$2"
-}
-
 # The document's own file, then one of many texts.
 blocks strings QVLANG >Source.strings
 run 'orva-strings export'
@@ -55,31 +49,46 @@ export_texts() { # [OPTION]: exports 3,000 entries
     "$python" "$here/compare_xliff.py" --write-strings Source.strings 3000 "$@"
     run 'orva-strings export'
     "$python" "$here/compare_xliff.py" --strict xliff/de.xlf 3000
-    sed 's/de 490 plainplain/Geändert/' Source.strings >edited.strings
+    compare xliff/de.xlf
 }
+
+lost=  # what a program loses, as a command for sed
+imports() { # RESULT [OLD NEW]: what came back changes the strings file in this line, or not at all
+    cp Source.strings before.strings
+    cp xliff/de.xlf exported.xlf
+    [ "$1" = xliff/de.xlf ] || cp "$1" xliff/de.xlf
+    run 'orva-strings import'
+    mv exported.xlf xliff/de.xlf
+    diff <(sed "$lost" before.strings) <(sed "$lost" Source.strings) >changes || true
+    if [ $# = 1 ]; then
+        [ ! -s changes ]
+    else
+        grep '^[<>]' changes | diff - <(printf '< %s\n> %s\n' "$2" "$3")
+    fi || { cat log changes; exit 1; }
+    mv before.strings Source.strings
+}
+
 edit() { # FILE: edits one text, which must come back alone
     grep -qF 'de 490 plainplain' "$1"
     sed -i 's/de 490 plainplain/Geändert/' "$1"
 }
 edited=(--changes MENU_0490 Geändert)
+edit_imported=('MENU_0490="de 490 plainplain"' 'MENU_0490="Geändert"')
 
 export_texts --repeats
-cp Source.strings exported.strings
-run 'import Source.strings'
-cmp Source.strings exported.strings
+imports xliff/de.xlf
 run podebug
 compare pseudo.xlf --rewritten
-[ "$(grep -c ^MENU_ Pseudo.strings)" -eq 6000 ]
+podebug xliff/de.xlf same.xlf 2>log || { cat log >&2; exit 1; }
+imports same.xlf
 run pofilter
 compare doubtful.xlf --loses-empty
-import doubtful.xlf Source.strings
-edit doubtful.xlf
-import doubtful.xlf edited.strings
+imports doubtful.xlf
 run '-of ts'
 edit de.ts
 run '-if ts'
 compare from-ts.xlf "${edited[@]}" --loses-returns
-import from-ts.xlf edited.strings
+lost='s/\r//g' imports from-ts.xlf "${edit_imported[@]}"
 
 # pomerge would mix up the translations of texts that are the same.
 run 'de.xlf de.po\n$'
@@ -94,7 +103,7 @@ run 'grep msgctxt'
 edit de.po
 run 'pomerge.* de.po'
 compare from-po.xlf "${edited[@]}"
-import from-po.xlf edited.strings
+imports from-po.xlf "${edit_imported[@]}"
 run po2csv
 edit table.csv
 run csv2po
@@ -103,4 +112,4 @@ compare from-table.xlf "${edited[@]}" --changes-backslashes
 # What po2xliff adds is of no use, but does no harm.
 po2xliff -t xliff/de.xlf de.po unused.xlf 2>log || { cat log >&2; exit 1; }
 compare unused.xlf --adds-units
-import unused.xlf Source.strings
+imports unused.xlf

@@ -12,8 +12,11 @@
 namespace {
 
 constexpr char kNamespaceEnd = ' ';
-constexpr std::string_view kNamespace11 = "urn:oasis:names:tc:xliff:document:1.1";
-constexpr std::string_view kNamespace12 = "urn:oasis:names:tc:xliff:document:1.2";
+// What is read means the same in both, and some programs write one version with the namespace of the
+// other.
+constexpr std::string_view kVersions[] = {"1.1", "1.2"};
+constexpr std::string_view kNamespaces[] = {"", "urn:oasis:names:tc:xliff:document:1.1",
+                                            "urn:oasis:names:tc:xliff:document:1.2"};
 
 // The parser begins a tag or comment that is not complete anew with each piece, so a long one takes
 // time in proportion to the square of its length.
@@ -175,8 +178,8 @@ void XliffReader::Start(const char* name, const char** attributes) {
     } else if (m_ignored > 0) {
         ++m_ignored;
     } else if (m_text != nullptr) {
-        StartInline(IsXliff(space) ? local : name, attributes);
-    } else if (!IsXliff(space)) {
+        StartInline(space == m_namespace ? local : name, attributes);
+    } else if (space != m_namespace) {
         m_ignored = 1;
     } else if (m_place == Place::kXliff && local == "file") {
         m_place = Place::kFile;
@@ -197,22 +200,16 @@ void XliffReader::Start(const char* name, const char** attributes) {
     }
 }
 
-// In documents of version 1.1, some programs leave the units that they got in version 1.2.
-bool XliffReader::IsXliff(std::string_view space) const {
-    return space == m_namespace || space == kNamespace12;
-}
-
 void XliffReader::StartRoot(std::string_view name, const char** attributes) {
     if (name != "xliff") {
         throw XliffError(Line(), "not an XLIFF document: it begins with <" + std::string(name) +
                                      ">, not with <xliff>");
     }
     const std::string version(Attribute(attributes, "version"));
-    const bool is12 = version == "1.2";
-    if (!is12 && version != "1.1") {
+    if (!IsAmong(kVersions, version)) {
         throw XliffError(Line(), "XLIFF of version '" + version + "'; only 1.1 and 1.2 are read");
     }
-    if (!m_namespace.empty() && m_namespace != (is12 ? kNamespace12 : kNamespace11)) {
+    if (!IsAmong(kNamespaces, m_namespace)) {
         throw XliffError(
             Line(), "XLIFF of version " + version + " has not the namespace '" + m_namespace + "'");
     }

@@ -44,7 +44,7 @@ struct XliffUnit {
     std::string lost;
 };
 
-// Reads an XLIFF document of version 1.1 or 1.2, given in pieces, and hands on its parts in order.
+// Reads an XLIFF 1.1 or 1.2 document, given in pieces, and hands on its parts in order.
 class XliffReader {
 public:
     using TakeFile = std::function<void(const XliffFile&)>;
@@ -56,7 +56,7 @@ public:
     XliffReader& operator=(const XliffReader&) = delete;
 
     // Takes the next piece, of at most 64 KiB. Throws XliffError if the document is not well-formed,
-    // not XLIFF 1.1 or 1.2, or has a document type, which could define entities. Throws what the functions
+    // of another version, or has a document type, which could define entities. Throws what the functions
     // that take its parts throw. No piece may be given after that.
     void Read(std::string_view piece);
 
@@ -78,7 +78,6 @@ private:
     void Parse(std::string_view piece, bool isLast);
     void Start(const char* name, const char** attributes);
     void End();
-    bool IsXliff(std::string_view space) const;
     void StartRoot(std::string_view name, const char** attributes);
     void StartInUnit(std::string_view name, const char** attributes);
     void StartInline(std::string_view name, const char** attributes);
@@ -91,7 +90,7 @@ private:
     XML_ParserStruct* m_parser;
     std::exception_ptr m_exception;  // of a handler; may not pass through the parser
     std::size_t m_size = 0;          // of all pieces
-    std::string m_namespace;         // of the root
+    std::string m_namespace;         // of the elements
     Place m_place = Place::kDocument;
     std::size_t m_groups = 0;   // open
     std::size_t m_ignored = 0;  // open elements whose content does not matter

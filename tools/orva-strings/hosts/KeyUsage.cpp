@@ -102,7 +102,7 @@ public:
 
 private:
     // What a literal is at the beginning of a parenthesis, bracket or brace.
-    enum class Place {
+    enum class Context {
         kOther,
         kKey,        // the first argument of a call, or a part of it
         kConverted,  // that argument, made an object of another type
@@ -111,7 +111,7 @@ private:
 
     struct Pending {
         std::string text;
-        ::Place place;
+        Place place;
     };
 
     static bool IsSign(const SourceToken& token, std::string_view signs) {
@@ -132,11 +132,11 @@ private:
         return m_ahead[i];
     }
 
-    Place InnerPlace() const { return m_inside.empty() ? Place::kOther : m_inside.back(); }
+    Context InnerContext() const { return m_inside.empty() ? Context::kOther : m_inside.back(); }
 
     // Whether an argument that is a key may begin after this token.
     bool IsKeyBegin(const SourceToken& last) const {
-        return InnerPlace() == Place::kKey && IsSign(last, "(?:");
+        return InnerContext() == Context::kKey && IsSign(last, "(?:");
     }
 
     void TakeWord(const SourceToken& last, const std::string& word) {
@@ -161,9 +161,9 @@ private:
     // a call such as .c_str().
     std::size_t SizeOfConversion() {
         std::size_t size = 0;
-        if (InnerPlace() == Place::kConverted) {
+        if (InnerContext() == Context::kConverted) {
             size = IsSign(Ahead(0), ")}") ? 1 : 0;
-        } else if (InnerPlace() == Place::kReceiver) {
+        } else if (InnerContext() == Context::kReceiver) {
             size = IsWord(Ahead(0), {"UTF8String"}) && IsSign(Ahead(1), "]") ? 2 : 0;
         }
         if (IsSign(Ahead(size), ".") && IsWord(Ahead(size + 1), {"c_str", "data", "UTF8String"})) {
@@ -174,17 +174,17 @@ private:
     }
 
     void TakeLiteral(const SourceToken& last, const SourceToken& token) {
-        const ::Place place = m_places.PlaceOf(token.begin);
+        const Place place = m_places.PlaceOf(token.begin);
         const std::string_view text = std::string_view(token.text).substr(0, token.text.find('\0'));
         const std::size_t conversion = token.isOpen ? 0 : SizeOfConversion();
         const bool isKeyPlace =
-            (InnerPlace() == Place::kKey && IsSign(last, "(?:)")) ||
-            (conversion > 0 && InnerPlace() == Place::kConverted && IsSign(last, "({")) ||
-            (conversion > 0 && InnerPlace() == Place::kReceiver && IsSign(last, "["));
+            (InnerContext() == Context::kKey && IsSign(last, "(?:)")) ||
+            (conversion > 0 && InnerContext() == Context::kConverted && IsSign(last, "({")) ||
+            (conversion > 0 && InnerContext() == Context::kReceiver && IsSign(last, "["));
         m_pending.reset();
         m_name.clear();
         if (token.isOpen) {
-            m_inside.push_back(Place::kOther);  // until a parenthesis ends the expression
+            m_inside.push_back(Context::kOther);  // until a parenthesis ends the expression
         }
         const bool isKey = !token.isOpen && m_usage.Mention(text);
         if (IsSign(last, "+")) {
@@ -217,13 +217,14 @@ private:
         }
         switch (sign) {
             case '(':
-                m_inside.push_back(PlaceInParenthesis(last));
+                m_inside.push_back(ContextInParenthesis(last));
+                m_isCast = false;
                 break;
             case '[':
-                m_inside.push_back(IsKeyBegin(last) ? Place::kReceiver : Place::kOther);
+                m_inside.push_back(IsKeyBegin(last) ? Context::kReceiver : Context::kOther);
                 break;
             case '{':
-                m_inside.push_back(IsConversion(last) ? Place::kConverted : Place::kOther);
+                m_inside.push_back(IsConversion(last) ? Context::kConverted : Context::kOther);
                 break;
             case ')':
             case ']':
@@ -234,7 +235,7 @@ private:
                 break;
             case ',':
                 if (!m_inside.empty()) {
-                    m_inside.back() = Place::kOther;  // only the first argument is a key
+                    m_inside.back() = Context::kOther;  // only the first argument is a key
                 }
                 break;
             case '<':
@@ -252,15 +253,15 @@ private:
         return m_beginsKey && IsWord(last, {"string", "string_view", "String"});
     }
 
-    Place PlaceInParenthesis(const SourceToken& last) const {
+    Context ContextInParenthesis(const SourceToken& last) const {
         if (last.kind == SourceToken::Kind::kWord) {
             return m_usage.IsCall(m_name)
-                       ? Place::kKey
-                       : (IsConversion(last) ? Place::kConverted : Place::kOther);
+                       ? Context::kKey
+                       : (IsConversion(last) ? Context::kConverted : Context::kOther);
         }
         const bool isCast = m_isCast && IsSign(last, ">");
-        const bool isPart = InnerPlace() == Place::kKey && !IsSign(last, ")]>");
-        return isCast || isPart ? Place::kKey : Place::kOther;
+        const bool isPart = InnerContext() == Context::kKey && !IsSign(last, ")]>");
+        return isCast || isPart ? Context::kKey : Context::kOther;
     }
 
     static constexpr std::size_t kMaxName = 256;  // in bytes, not to copy long ones for each part
@@ -269,7 +270,7 @@ private:
     SourceReader m_reader;
     SourcePlaces m_places;
     std::deque<SourceToken> m_ahead;  // what has been read but not taken
-    std::vector<Place> m_inside;      // for each open parenthesis, bracket and brace
+    std::vector<Context> m_inside;    // for each open parenthesis, bracket and brace
     std::string m_name;               // the last word, with the names that qualify it
     std::string m_signs;              // the last three since then
     bool m_beginsKey = false;         // that name, with what follows it, may be a key

@@ -58,7 +58,7 @@ void AddSourcesIn(const fs::path& folder, Found& found) {
         } else if (IsSource(path)) {
             try {
                 AddFile(path, found);
-            } catch (const std::exception& reason) {
+            } catch (const std::runtime_error& reason) {
                 found.skipped.emplace_back(reason.what());
             }
         }
