@@ -153,6 +153,27 @@ TEST(XliffReader, ReadsVersion11WithEitherNamespace) {
     }
 }
 
+TEST(XliffReader, ReadsUnitsOfVersion12InADocumentOf11) {
+    const std::string old = "\"urn:oasis:names:tc:xliff:document:1.1\"";
+    const std::string current = "\"urn:oasis:names:tc:xliff:document:1.2\"";
+    const std::string units =
+        "<file target-language=\"de\"><body><trans-unit id=\"A\"><target>a</target></trans-unit>"
+        "<n:trans-unit id=\"B\"><n:target>b<n:ph>c</n:ph></n:target></n:trans-unit></body></file>"
+        "</xliff>";
+    const Parts parts =
+        Read("<xliff version=\"1.1\" xmlns=" + old + " xmlns:n=" + current + ">" + units);
+    ASSERT_EQ(parts.files.size(), 1U);
+    ASSERT_EQ(parts.units.size(), 2U);
+    EXPECT_EQ(parts.units[0].target, "a");
+    EXPECT_EQ(parts.units[1].target, "bc");
+    EXPECT_EQ(parts.units[1].lost, "");
+
+    const Parts newer =
+        Read("<xliff version=\"1.2\" xmlns=" + current + " xmlns:n=" + old + ">" + units);
+    ASSERT_EQ(newer.units.size(), 1U);
+    EXPECT_EQ(newer.units[0].id, "A");
+}
+
 TEST(XliffReader, TakesTheFirstSourceAndTarget) {
     const XliffUnit unit = UnitOf(
         "<source>a</source><target>b</target><source>c</source><target state=\"new\">d</target>");

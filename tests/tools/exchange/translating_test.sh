@@ -84,6 +84,8 @@ imports same.xlf
 run pofilter
 compare doubtful.xlf --loses-empty
 imports doubtful.xlf
+edit doubtful.xlf
+imports doubtful.xlf "${edit_imported[@]}"
 run '-of ts'
 edit de.ts
 run '-if ts'

@@ -15,8 +15,9 @@ constexpr char kNamespaceEnd = ' ';
 // What is read means the same in both, and some programs write one version with the namespace of the
 // other.
 constexpr std::string_view kVersions[] = {"1.1", "1.2"};
+constexpr std::string_view kNamespace12 = "urn:oasis:names:tc:xliff:document:1.2";
 constexpr std::string_view kNamespaces[] = {"", "urn:oasis:names:tc:xliff:document:1.1",
-                                            "urn:oasis:names:tc:xliff:document:1.2"};
+                                            kNamespace12};
 
 // The parser begins a tag or comment that is not complete anew with each piece, so a long one takes
 // time in proportion to the square of its length.
@@ -178,8 +179,8 @@ void XliffReader::Start(const char* name, const char** attributes) {
     } else if (m_ignored > 0) {
         ++m_ignored;
     } else if (m_text != nullptr) {
-        StartInline(space == m_namespace ? local : name, attributes);
-    } else if (space != m_namespace) {
+        StartInline(IsXliff(space) ? local : name, attributes);
+    } else if (!IsXliff(space)) {
         m_ignored = 1;
     } else if (m_place == Place::kXliff && local == "file") {
         m_place = Place::kFile;
@@ -198,6 +199,11 @@ void XliffReader::Start(const char* name, const char** attributes) {
     } else {
         StartInUnit(local, attributes);
     }
+}
+
+// In a document of version 1.1, some programs leave the units as they got them, in that of 1.2.
+bool XliffReader::IsXliff(std::string_view space) const {
+    return space == m_namespace || space == kNamespace12;
 }
 
 void XliffReader::StartRoot(std::string_view name, const char** attributes) {

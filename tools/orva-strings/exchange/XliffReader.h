@@ -78,6 +78,7 @@ private:
     void Parse(std::string_view piece, bool isLast);
     void Start(const char* name, const char** attributes);
     void End();
+    bool IsXliff(std::string_view space) const;
     void StartRoot(std::string_view name, const char** attributes);
     void StartInUnit(std::string_view name, const char** attributes);
     void StartInline(std::string_view name, const char** attributes);
@@ -90,7 +91,7 @@ private:
     XML_ParserStruct* m_parser;
     std::exception_ptr m_exception;  // of a handler; may not pass through the parser
     std::size_t m_size = 0;          // of all pieces
-    std::string m_namespace;         // of the elements
+    std::string m_namespace;         // of the root
     Place m_place = Place::kDocument;
     std::size_t m_groups = 0;   // open
     std::size_t m_ignored = 0;  // open elements whose content does not matter
