@@ -197,6 +197,10 @@ TEST_F(Keys, NeverWritesAKeyThatHoldsAProtectedText) {
     EXPECT_EQ(FaultOf("c", "Ide_V \"SECRET=x\"\n"), "-:2: error: Ide_V: " + fault);
     EXPECT_EQ(FaultOf("c", "DIE_W:\"SECRET\" = x\n"), "-:2: error: DIE_W: " + fault);
     EXPECT_EQ(FaultOf("c", "\"IDE_X\":\"SECRET\"=x\n"), "-:2: error: IDE_X: " + fault);
+    EXPECT_EQ(FaultOf("c", "ide \"SECRET\"=x\n"), "-:2: error: ide: " + fault);
+    EXPECT_EQ(FaultOf("c", "IDE_X =SECRET\n"),
+              "-:2: error: IDE_X : there can be no constant: the key has a blank at its beginning "
+              "or its end\n");
     EXPECT_EQ(FaultOf("c", "SECRET IDE_X=y\n"), "-:2: error: " + fault);
     EXPECT_EQ(FaultOf("c", "A SECRET B=x\nIDE_X=\"A SECRET\"\n"), "-:2: error: " + fault);
     EXPECT_EQ(FaultOf("c", "OPEN=x\nIDE_X=\"OPEN\"\n"), "-:2: error: " + fault);

@@ -115,6 +115,8 @@ TEST_F(Usage, FindsThemWhereverTheFirstArgumentIsALiteral) {
                                        "f<char*>(\"XX\"))",
                                        "b, static_cast<char*>(\"XX\"))",
                                        "b == static_cast<char*>(\"XX\"))",
+                                       "std::string(\"XX\".data(), b))",
+                                       "std::string(\"XX\"s.data(), b))",
                                        "static_cast<T>(b) ? c > (\"XX\") : d)",
                                        "std::string{b[\"XX\"]})"}) {
         EXPECT_EQ(Find("a.mm", std::string(call) + argument + ";\"ABCD\";", "ABCD"), kNothing)
@@ -219,6 +221,7 @@ TEST_F(Usage, TakesABareNameForAConstantOnlyWithItsNamespace) {
     EXPECT_EQ(Find("a.cpp", "int ABCD = 1; g(ABCD);", "ABCD"), unused);
     EXPECT_EQ(Find("a.cpp", "using namespace other; c ? b : ABCD; d->ABCD", "ABCD"), unused);
     EXPECT_EQ(Find("a.cpp", "using namespace monkeys; ABCD", "ABCD"), unused);
+    EXPECT_EQ(Find("a.cpp", "using namespace s; ABCD", "ABCD"), unused);
     EXPECT_EQ(Find("a.cpp", "namespace a; keys; ABCD", "ABCD"), unused);
     EXPECT_EQ(Find("a.cpp", "f(ABCD); using namespace keys;", "ABCD"), kNothing);
     EXPECT_EQ(Find("a.cpp", "using namespace app::keys; f(ABCD);", "ABCD"), kNothing);

@@ -78,7 +78,7 @@ SecretTexts FindSecrets(std::string_view bytes) {
         FindNearProtected(text, [&](const StringsEntry& entry) { AddTexts(entry, secrets); });
         while (!text.empty()) {  // and what follows each carriage return
             const std::string_view piece = text.substr(0, text.find('\r'));
-            const auto entry = ReadEntry(WithoutByteOrderMarks(piece), buffer);
+            const auto entry = ReadEntry(piece, buffer);
             if (entry && BeginsAsProtected(FromName(entry->key))) {
                 AddTexts(*entry, secrets);
             }

@@ -162,9 +162,15 @@ private:
     std::size_t SizeOfConversion() {
         std::size_t size = 0;
         if (InnerContext() == Context::kConverted) {
-            size = IsSign(Ahead(0), ")}") ? 1 : 0;
+            if (!IsSign(Ahead(0), ")}")) {
+                return 0;
+            }
+            size = 1;
         } else if (InnerContext() == Context::kReceiver) {
-            size = IsWord(Ahead(0), {"UTF8String"}) && IsSign(Ahead(1), "]") ? 2 : 0;
+            if (!IsWord(Ahead(0), {"UTF8String"})) {
+                return 0;
+            }
+            size = 2;
         }
         if (IsSign(Ahead(size), ".") && IsWord(Ahead(size + 1), {"c_str", "data", "UTF8String"})) {
             size += 2;
@@ -177,12 +183,10 @@ private:
         const Place place = m_places.PlaceOf(token.begin);
         const std::string_view text = std::string_view(token.text).substr(0, token.text.find('\0'));
         const std::size_t conversion = token.isOpen ? 0 : SizeOfConversion();
-        const bool isKeyPlace =
-            (InnerContext() == Context::kKey && IsSign(last, "(?:)")) ||
-            (conversion > 0 && InnerContext() == Context::kConverted && IsSign(last, "({")) ||
-            (conversion > 0 && InnerContext() == Context::kReceiver && IsSign(last, "["));
+        const bool isKeyPlace = (InnerContext() == Context::kKey && IsSign(last, "(?:)")) ||
+                                (conversion > 0 && (InnerContext() == Context::kConverted ||
+                                                    InnerContext() == Context::kReceiver));
         m_pending.reset();
-        m_name.clear();
         if (token.isOpen) {
             m_inside.push_back(Context::kOther);  // until a parenthesis ends the expression
         }
@@ -245,7 +249,7 @@ private:
             default:
                 break;
         }
-        m_signs = m_signs.substr(m_signs.size() < 3 ? 0 : 1) + sign;
+        m_signs += sign;
     }
 
     // Whether the word before an opening bracket is a type that only holds the key.
@@ -272,7 +276,7 @@ private:
     std::deque<SourceToken> m_ahead;  // what has been read but not taken
     std::vector<Context> m_inside;    // for each open parenthesis, bracket and brace
     std::string m_name;               // the last word, with the names that qualify it
-    std::string m_signs;              // the last three since then
+    std::string m_signs;              // what has come since then
     bool m_beginsKey = false;         // that name, with what follows it, may be a key
     bool m_isUsing = false;           // it is the name of a namespace
     bool m_isCast = false;            // the last template is a cast, and what it casts may be a key
