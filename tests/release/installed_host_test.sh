@@ -142,7 +142,7 @@ installed_docs=$(cd "$work/development/share/doc/OrvaLanguage" &&
     find . -name '*.md' -o -path './examples/*' -type f | LC_ALL=C sort)
 source_docs=$(cd "$hosts/../../.." &&
     { find README.md CHANGELOG.md SECURITY.md docs -name '*.md'
-      find examples -type f ! -name CMakeLists.txt; } | sed 's|^|./|' | LC_ALL=C sort)
+      find examples -type f ! -name CMakeLists.txt ! -path '*.xcodeproj/*'; } | sed 's|^|./|' | LC_ALL=C sort)
 diff <(echo "$installed_docs") <(echo "$source_docs") ||
     { echo "the documents: installed (left), in the source (right)"; exit 1; }
 
