@@ -64,6 +64,11 @@ add_test(NAME translating COMMAND
     "${CMAKE_CURRENT_SOURCE_DIR}/tools/exchange/translating_test.sh"
     "${PROJECT_SOURCE_DIR}" "$<TARGET_FILE:orva-strings>")
 set_tests_properties(translating PROPERTIES LABELS builds SKIP_RETURN_CODE 77)
+if(ORVA_BUILD_EXAMPLES)
+    add_test(NAME translators_week COMMAND
+        "${CMAKE_CURRENT_SOURCE_DIR}/tools/exchange/translators_week_test.sh"
+        "$<TARGET_FILE:orva-strings>" "$<TARGET_FILE:SampleHost>")
+endif()
 
 # The run path of an embedded library, and both generators.
 if(ORVA_INSTALL)
