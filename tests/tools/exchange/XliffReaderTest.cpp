@@ -314,7 +314,7 @@ TEST(XliffReader, RefusesEachTruncatedDocument) {
 }
 
 // The time of what is hostile is limited, too: the test would run into its limit.
-TEST(XliffReader, RefusesATagOrCommentOfMegabytes) {
+TEST(XliffReader, RefusesALongTagOrComment) {
     const std::string large(std::size_t{100} << 20U, 'a');
     const std::string error = "1: a tag or comment is longer than 1 MiB";
     EXPECT_EQ(ErrorOf("<!--" + large), error);
