@@ -199,6 +199,28 @@ TEST_F(Export, LeavesOutProtectedEntries) {
     EXPECT_EQ(m_err, output + ": wrote 1 entry, 1 without a translation, left out 1 protected\n");
 }
 
+TEST_F(Export, LeavesOutWhatMayHoldAProtectedText) {
+    EXPECT_EQ(RunGerman("QVLANG=en\n\"IDE_QUOTED\" = \"secret-1\"\n- IDE_DASH=\"secret-2\"\n"
+                        "\"MENU_X\": \"IDE_IN=\"secret-3\"\nIDE_NAME:\"secret-4\"=\"\"\n"
+                        "MENU_SAME=\"secret-1\"\n# Say secret-2 here\nMENU_OK=\"fine\"\n"
+                        "MENU_NOT=\"x\"\nIDE_A=\"secret-5\"\nsecret-5=\"x\"\n"
+                        "QVLANG=de\nMENU_NOT=\"secret-5\"\n"),
+              0);
+    EXPECT_EQ(m_out, Document(Unit("MENU_OK", Source("fine"))));
+    EXPECT_EQ(m_err.find("secret"), std::string::npos) << m_err;
+    EXPECT_NE(m_err.find(":6: warning: MENU_SAME: left out, since it may hold a protected text\n"),
+              std::string::npos)
+        << m_err;
+    EXPECT_NE(m_err.find(":4: warning: left out, since it may hold a protected text\n"),
+              std::string::npos)
+        << m_err;
+}
+
+TEST_F(Export, ApprovesNoEmptyTranslation) {
+    EXPECT_EQ(RunGerman("QVLANG=en\nMENU=\"x\"\nQVLANG=de\nMENU=\"\"\n"), 0);
+    EXPECT_EQ(m_out, Document(Unit("MENU", Source("x") + Target(""))));
+}
+
 TEST_F(Export, RevealsProtectedEntriesIfAsked) {
     const std::string header =
         "    <header>\n"

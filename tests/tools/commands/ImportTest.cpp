@@ -174,6 +174,16 @@ TEST_F(Import, WritesStandardInputToStandardOutput) {
     EXPECT_EQ(m_err, "");
 }
 
+TEST_F(Import, CreatesEntriesBelowTheSectionsLanguage) {
+    const std::string document =
+        Write("x.xlf", Whole(Part("de", Xml({"MENU_OPEN", "Open", "Auf"}))));
+    const std::string reference = "QVLANG=English\n# orva: language en\nMENU_OPEN=\"Open\"\n";
+    const std::string begin = reference + "QVLANG=Deutsch\n# by X\n# orva: language de\n";
+    const std::string end = "# orva: max-length 9\nMENU_QUIT=\"Ende\"\n# orva: language de\n";
+    EXPECT_EQ(Run({"import", "--create", "-", document}, begin + end), 0);
+    EXPECT_EQ(m_out, begin + "MENU_OPEN=\"Auf\"\n" + end);
+}
+
 TEST_F(Import, TakesSeveralDocumentsAndLanguages) {
     Write("1.xlf", Whole(Part("fr", Xml({"MENU_OPEN", "Open", "Ouvrir…"})) +
                          Part("DE", Xml({"MENU_OPEN", "Open", "Öffnen"}))));

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -162,6 +163,14 @@ TEST_F(Report, NeverShowsAProtectedText) {
     EXPECT_EQ(m_out.find("secret"), std::string::npos) << m_body;
     EXPECT_TRUE(
         Has("<span class=\"line\">line 2</span> <div class=\"quiet\">protected</div></td>"));
+    Show(
+        "QVLANG=en\n\"IDE_QUOTED\" = \"secret-1\"\n- IDE_DASH=\"secret-2\"\nDIE_SWAP=\"secret-3\"\n"
+        "\"MENU_X\": \"IDE_IN=\"secret-4\"\nIDE_NAME:\"secret-5\"=\"\"\n"
+        "MENU_SAME=\"secret-1\"\nMENU_HINT=\"see secret-2 there\"\nIDE_PH=\"%(secret-7)s\"\n"
+        "QVLANG=de\nIDE_PH=x\nMENU_OK=gut\n");
+    EXPECT_EQ(m_out.find("secret-"), std::string::npos) << m_body;
+    EXPECT_TRUE(Has("<th scope=\"row\" class=\"key\">IDE_NAME</th>")) << m_body;
+    EXPECT_TRUE(Has("about a protected text"));
     Show("QVLANG=en\nADE_A=one\nIXE_A=two\nIDX_A=three\nID  =four\nQVLANG=de\n");
     EXPECT_TRUE(Has(">one<") && Has(">two<") && Has(">three<") && Has(">four<"));
 }
@@ -210,3 +219,13 @@ TEST_F(Report, WritesAFileButReplacesNoOther) {
 }
 
 }  // namespace
+
+TEST_F(Report, ReplacesNoPipeOrDevice) {
+    const std::string file = Write("file.strings", "QVLANG=en\n");
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    for (const std::string& output : {Path("pipe"), std::string("/dev/full")}) {
+        EXPECT_EQ(Run({"report", "-o", output, file}), 2);
+        EXPECT_EQ(m_err,
+                  "orva-strings: error: " + output + ": only a regular file can be replaced\n");
+    }
+}

@@ -64,6 +64,31 @@ void ExpectSynced(const std::vector<Case>& cases, const SyncOptions& options = {
     }
 }
 
+TEST(SyncedStrings, KeepsTheLanguageBelowTheHeader) {
+    ExpectSynced({
+        {"QVLANG=de\n# orva: language de\nBBBB=2\n# a\nAAAA=1\n",
+         "QVLANG=de\n# orva: language de\n# a\nAAAA=1\nBBBB=2\n"},
+        {"QVLANG=de\n# by X\n# orva: language de\n# b\nBBBB=2\nAAAA=1\n",
+         "QVLANG=de\n# by X\n# orva: language de\nAAAA=1\n# b\nBBBB=2\n"},
+        {"QVLANG=de\n# orva: max-length 9\nBBBB=2\nAAAA=1\n",
+         "QVLANG=de\nAAAA=1\n# orva: max-length 9\nBBBB=2\n"},
+        {"QVLANG=de\nCCCC=3\n# orva: language de\nBBBB=2\n",
+         "QVLANG=de\n# orva: language de\nBBBB=2\nCCCC=3\n"},
+    });
+    ExpectSynced({{"QVLANG=de\n# orva: language de\nBBBB=2\n",
+                   "QVLANG=de\n# orva: language de\nAAAA=1\nBBBB=2\nCCCC=3\n"},
+                  {"QVLANG=de\n# orva: language de\n",
+                   "QVLANG=de\n# orva: language de\nAAAA=1\nBBBB=2\nCCCC=3\n"}},
+                 Filling());
+}
+
+TEST(SyncedStrings, PrunesDirectivesWithTheirEntry) {
+    ExpectSynced(
+        {{"QVLANG=de\n# kept\n# orva: max-length 3\nXXXX=x\n# orva: max-length 4\nBBBB=2\n",
+          "QVLANG=de\n# kept\n# orva: max-length 4\nBBBB=2\n"}},
+        Pruning());
+}
+
 TEST(SyncedStrings, PutsEntriesInTheOrderOfTheReference) {
     ExpectSynced({
         {"QVLANG=de\nCCCC=3\nBBBB=2\nAAAA=1\n", "QVLANG=de\nAAAA=1\nBBBB=2\nCCCC=3\n"},

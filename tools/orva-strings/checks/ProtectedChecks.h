@@ -11,7 +11,7 @@
 #include "tools/orva-strings/checks/CheckStrings.h"
 #include "tools/orva-strings/checks/FindingCollector.h"
 #include "tools/orva-strings/checks/MeantReader.h"
-#include "tools/orva-strings/checks/SecretTexts.h"
+#include "tools/orva-strings/document/SecretTexts.h"
 
 // Whether a key is a protected entry's.
 bool IsProtected(std::string_view key);

@@ -112,8 +112,7 @@ public:
         if (HasError(findings)) {
             return console.Report(findings, m_file);
         }
-        const XliffWriter writer(*reference, ReadLengthLimits(StringsReader(file.bytes)),
-                                 m_isRevealed ? &keys : nullptr, findings);
+        const XliffWriter writer(*reference, file.bytes, m_isRevealed ? &keys : nullptr, findings);
         const std::vector<std::string> outputs = OutputsFor(targets);
         for (std::size_t i = 0; i < targets.size(); ++i) {
             const XliffTargets texts = writer.ReadTargets(targets[i].section, findings);

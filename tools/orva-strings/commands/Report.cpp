@@ -27,7 +27,7 @@ public:
 
 private:
     ExitStatus Take(const TranslatedFile& file, const Console& /*console*/) override {
-        m_parts += FilePart(file.name, file.translations, file.findings);
+        m_parts += FilePart(file.name, file.bytes, file.translations, file.findings);
         ++m_count;
         return kDone;
     }
@@ -40,6 +40,9 @@ private:
             return;
         }
         if (std::filesystem::exists(m_output)) {
+            if (!std::filesystem::is_regular_file(m_output)) {  // to read a pipe would never end
+                throw std::runtime_error(m_output + ": only a regular file can be replaced");
+            }
             const std::string old = ReadFile(m_output);
             if (!old.empty() && old.compare(0, kPageBegin.size(), kPageBegin) != 0) {
                 throw std::runtime_error(

@@ -51,7 +51,7 @@ ExitStatus TranslationsCommand::TakeFiles(const Console& console, bool& hasTaken
         status = std::max(status, console.Report(findings, name));
         if (translations) {
             hasTaken = true;
-            const TranslatedFile taken = {name, std::move(*translations),
+            const TranslatedFile taken = {name, content->bytes, std::move(*translations),
                                           CheckStrings(content->bytes, options), base.has_value()};
             status = std::max(status, Take(taken, console));
         }

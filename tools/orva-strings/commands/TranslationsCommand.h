@@ -2,6 +2,7 @@
 #define ORVALANGUAGE_TOOLS_COMMANDS_TRANSLATIONSCOMMAND_H
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,7 @@
 // A file, valid while it is taken.
 struct TranslatedFile {
     std::string name;  // in the output
+    std::string_view bytes;
     Translations translations;
     RuleFindings findings;  // of check
     bool hasBase;           // whether it was compared with an earlier state

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "strings/Line.h"
+#include "tools/orva-strings/document/Directive.h"
 #include "tools/orva-strings/document/FindSection.h"
 #include "tools/orva-strings/document/FixedStrings.h"
 #include "tools/orva-strings/document/LineText.h"
@@ -95,10 +96,15 @@ public:
             for (; missing != filled.end() && RankOf(*missing) < block.rank; ++missing) {
                 synced.push_back(*missing);
             }
+            const auto isExtra = [&](const SyncedLine& line) {
+                return line.isEntry && RankOf(line) == 0;
+            };
+            const bool isPruned =
+                m_options.isPruned && std::any_of(At(block.begin), At(block.end), isExtra);
+            pruned += isPruned ? 1 : 0;
             std::for_each(At(block.begin), At(block.end), [&](const SyncedLine& line) {
-                const bool isPruned = m_options.isPruned && line.isEntry && RankOf(line) == 0;
-                pruned += isPruned ? 1 : 0;
-                if (!isPruned) {
+                // A directive would be followed for the next entry.
+                if (!isPruned || !(line.isEntry || ReadDirective(line.text))) {
                     synced.push_back(line);
                 }
             });
@@ -120,13 +126,14 @@ private:
     }
 
     // Divides the section: comments and blank lines belong to the entry below them, other lines to
-    // the entry or header right above, if there is one. What a blank line parts from the first entry
-    // belongs to the header, and what follows the last entry to the section's end.
+    // the entry or header right above, if there is one. What a blank line parts from the first entry,
+    // and what is above the section's language, belongs to the header, and what follows the last entry
+    // to the section's end.
     void FindBlocks() {
         std::unordered_map<std::string_view, std::size_t> extraRanks;
         std::size_t rank = 0;
         bool isRightBelow = true;
-        m_rest = 1;
+        m_rest = HeaderEnd();
         for (std::size_t i = 1; i < m_section.size(); ++i) {
             const SyncedLine& line = m_section[i];
             if (line.isEntry) {
@@ -149,6 +156,22 @@ private:
                 isRightBelow = false;
             }
         }
+    }
+
+    // Where the lines end that are right below the header with the section's language.
+    std::size_t HeaderEnd() const {
+        std::size_t end = 1;
+        for (std::size_t i = 1; i < m_section.size(); ++i) {
+            const SyncedLine& line = m_section[i];
+            if (line.isEntry || !(IsBlank(line) || IsCommentLike(line.text))) {
+                break;
+            }
+            const auto directive = ReadDirective(line.text);
+            if (directive && directive->name == kLanguageDirective) {
+                end = i + 1;
+            }
+        }
+        return end;
     }
 
     // Where the lines begin that belong to the first entry.

@@ -7,6 +7,8 @@
 #include <OrvaLanguage/KorString.h>
 
 #include "strings/Line.h"
+#include "tools/orva-strings/document/Directive.h"
+#include "tools/orva-strings/document/NearHeader.h"
 #include "tools/orva-strings/protection/ProtectedText.h"
 
 namespace {
@@ -97,7 +99,13 @@ Importer::Target Importer::ReadTarget(StringsReader section) const {
                      std::vector<bool>(count),
                      std::vector<bool>(count)};
     Place above = PlaceOf(section.Line());
+    bool isBelowHeader = IsRightBelowHeader(section, false);
     while (section.Next() && !section.IsHeader()) {
+        const auto directive = ReadDirective(section.Line().text);
+        if (isBelowHeader && directive && directive->name == kLanguageDirective) {
+            above = PlaceOf(section.Line());  // which must stay below the header
+        }
+        isBelowHeader = IsRightBelowHeader(section, isBelowHeader);
         const auto entry = section.Entry();
         const auto found = entry ? m_positions.find(entry->key) : m_positions.end();
         if (found != m_positions.end() && !target.hasEntry[found->second]) {
@@ -119,7 +127,7 @@ Importer::Target Importer::NewTarget(const std::string& name, std::size_t fileLi
     if (!m_options.creates) {
         throw XliffError(fileLine, "there is no section " + name + "; --create adds it");
     }
-    if (name.find_first_of("\r\n") != std::string::npos) {
+    if (name.find_first_of("\r\n") != std::string::npos || MeantSectionName(name) != name) {
         throw XliffError(fileLine, "a section can't have the name " + name);
     }
     m_newNames.push_back(name);

@@ -7,6 +7,7 @@
 
 #include "tools/orva-strings/document/Directive.h"
 #include "tools/orva-strings/document/LineText.h"
+#include "tools/orva-strings/document/MeantProtected.h"
 #include "tools/orva-strings/document/NearMisses.h"
 #include "tools/orva-strings/document/PieceWriter.h"
 #include "tools/orva-strings/protection/ProtectedText.h"
@@ -77,14 +78,15 @@ bool HasProtectedText(std::string_view comment) {
 // Collects the comment right above an entry.
 class NoteReader {
 public:
-    // Unless revealed, comments that hold what was meant as a protected entry are passed over.
-    explicit NoteReader(bool isRevealed) : m_isRevealed(isRevealed) {}
+    // If there are secrets, comments that hold one of them, or what was meant as a protected entry,
+    // are passed over.
+    explicit NoteReader(const std::optional<SecretTexts>& secrets) : m_secrets(secrets) {}
 
     // Takes a line that is no entry.
     void Read(std::string_view line) {
         if (!IsCommentLike(line)) {
             m_note.clear();
-        } else if (!ReadDirective(line) && (m_isRevealed || !HasProtectedText(line))) {
+        } else if (!ReadDirective(line) && !HoldsSecret(line)) {
             const std::string_view text = NoteText(line);
             m_note += m_note.empty() || text.empty() ? "" : "\n";
             m_note += text;
@@ -95,7 +97,11 @@ public:
     std::string Take() { return std::exchange(m_note, ""); }
 
 private:
-    bool m_isRevealed;
+    bool HoldsSecret(std::string_view line) const {
+        return m_secrets && (HasProtectedText(line) || m_secrets->AreIn(line));
+    }
+
+    const std::optional<SecretTexts>& m_secrets;
     std::string m_note;
 };
 
@@ -103,21 +109,7 @@ Finding LeftOut(const StringsLine& line, std::string_view key, const char* reaso
     return {Severity::kError, line.number, std::string(key) + ": left out, since " + reason};
 }
 
-}  // namespace
-
-std::optional<std::string> AsXml(std::string_view text) {
-    if (!CanStandInXml(text)) {
-        return std::nullopt;
-    }
-    std::string xml;
-    xml.reserve(text.size());
-    for (const char c : text) {
-        const std::string_view reference = ReferenceFor(c);
-        xml += reference.empty() ? std::string_view(&c, 1) : reference;
-    }
-    return xml;
-}
-
+// Reads the limits of a whole file, whose bytes must outlive them. lines is at its start.
 LengthLimits ReadLengthLimits(StringsReader lines) {
     LengthLimits limits;
     std::optional<std::size_t> next;
@@ -135,11 +127,30 @@ LengthLimits ReadLengthLimits(StringsReader lines) {
     return limits;
 }
 
-XliffWriter::XliffWriter(StringsReader reference, const LengthLimits& limits,
+}  // namespace
+
+std::optional<std::string> AsXml(std::string_view text) {
+    if (!CanStandInXml(text)) {
+        return std::nullopt;
+    }
+    std::string xml;
+    xml.reserve(text.size());
+    for (const char c : text) {
+        const std::string_view reference = ReferenceFor(c);
+        xml += reference.empty() ? std::string_view(&c, 1) : reference;
+    }
+    return xml;
+}
+
+XliffWriter::XliffWriter(StringsReader reference, std::string_view bytes,
                          const ProtectionKeys* keys, Findings& findings)
     : m_keys(keys) {
+    if (m_keys == nullptr) {
+        m_secrets = FindSecretTexts(bytes);
+    }
+    const LengthLimits limits = ReadLengthLimits(StringsReader(bytes));
     std::unordered_set<std::string_view> seen;
-    NoteReader notes(keys != nullptr);
+    NoteReader notes(m_secrets);
     while (reference.Next() && !reference.IsHeader()) {
         const StringsLine& line = reference.Line();
         const auto entry = IsCommentLike(line.text) ? std::nullopt : reference.Entry();
@@ -151,7 +162,7 @@ XliffWriter::XliffWriter(StringsReader reference, const LengthLimits& limits,
         if (!seen.insert(entry->key).second) {
             continue;
         }
-        if (m_keys == nullptr && IsProtectedKey(entry->key.data())) {
+        if (m_secrets && IsProtectedKey(entry->key.data())) {
             ++m_protectedCount;
         } else {
             AddUnit(line, *entry, note, limits, findings);
@@ -161,13 +172,13 @@ XliffWriter::XliffWriter(StringsReader reference, const LengthLimits& limits,
 
 void XliffWriter::AddUnit(const StringsLine& line, const StringsEntry& entry,
                           const std::string& note, const LengthLimits& limits, Findings& findings) {
+    std::optional<std::string> source = TextAsXml(line, entry, findings);
+    if (!source) {
+        return;
+    }
     const std::optional<std::string> key = AsXml(entry.key);
     if (!key) {
         findings.push_back(LeftOut(line, entry.key, kNotXml));
-        return;
-    }
-    std::optional<std::string> source = TextAsXml(line, entry, findings);
-    if (!source) {
         return;
     }
     std::optional<std::string> noteXml = AsXml(note);
@@ -189,6 +200,16 @@ void XliffWriter::AddUnit(const StringsLine& line, const StringsEntry& entry,
 std::optional<std::string> XliffWriter::TextAsXml(const StringsLine& line,
                                                   const StringsEntry& entry,
                                                   Findings& findings) const {
+    if (m_secrets) {
+        const bool isKeySecret = HoldsProtected(line.text) || m_secrets->AreShownBy(entry.key);
+        if (isKeySecret || m_secrets->AreShownBy(entry.value)) {
+            std::string name(isKeySecret ? "" : entry.key);
+            name += isKeySecret ? "" : ": ";
+            findings.push_back({Severity::kWarning, line.number,
+                                name + "left out, since it may hold a protected text"});
+            return std::nullopt;
+        }
+    }
     std::optional<std::string> text(entry.value);
     if (IsProtectedKey(entry.key.data()) && LooksStored(entry.value)) {
         text = DecodeProtectedText(*m_keys, entry.value);
@@ -254,7 +275,8 @@ void XliffWriter::Write(const std::string& original, const std::string& sourceLa
         }
         const Unit& unit = m_units[i];
         const std::optional<std::string>& target = targets.texts[i];
-        write({"      <trans-unit ", unit.attributes, target ? " approved=\"yes\">\n" : ">\n"});
+        const bool isDone = target && (!target->empty() || unit.source.empty());
+        write({"      <trans-unit ", unit.attributes, isDone ? " approved=\"yes\">\n" : ">\n"});
         write({"        <source>", unit.source, "</source>\n"});
         if (target) {
             write({"        <target>", *target, "</target>\n"});

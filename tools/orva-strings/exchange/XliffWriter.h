@@ -10,6 +10,7 @@
 
 #include "protection/ProtectedForm.h"
 #include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/document/SecretTexts.h"
 #include "tools/orva-strings/document/StringsReader.h"
 #include "tools/orva-strings/system/Files.h"
 
@@ -19,9 +20,6 @@ std::optional<std::string> AsXml(std::string_view text);
 
 // The greatest number of characters that a text may have, by key, as directives say.
 using LengthLimits = std::unordered_map<std::string_view, std::size_t>;
-
-// Reads the limits of a whole file, whose bytes must outlive them. lines is at its start.
-LengthLimits ReadLengthLimits(StringsReader lines);
 
 // The translations in one section, for the units of an XliffWriter.
 struct XliffTargets {
@@ -36,11 +34,12 @@ struct XliffTargets {
 // comment is no entry, even where the library reads one.
 class XliffWriter {
 public:
-    // The reader is at the header of the reference section, whose bytes must outlive the object.
-    // Without keys, protected entries are left out. Adds an error for each entry that is left out
+    // The reader is at the header of the reference section in the bytes of a file, which must outlive
+    // the object. Without keys, protected entries are left out and, with a warning, entries that may
+    // hold a text of these. Adds an error for each entry that is left out
     // because XML can't hold its key or text, or its text does not decode, and a warning for each
     // comment that XML can't hold.
-    XliffWriter(StringsReader reference, const LengthLimits& limits, const ProtectionKeys* keys,
+    XliffWriter(StringsReader reference, std::string_view bytes, const ProtectionKeys* keys,
                 Findings& findings);
 
     // The number of protected entries that are left out without keys.
@@ -69,6 +68,7 @@ private:
                                          Findings& findings) const;
 
     const ProtectionKeys* m_keys;
+    std::optional<SecretTexts> m_secrets;  // absent if there are keys
     std::vector<Unit> m_units;
     std::unordered_map<std::string_view, std::size_t> m_positions;  // of the units, by key
     std::size_t m_protectedCount = 0;

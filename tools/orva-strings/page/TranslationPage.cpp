@@ -8,6 +8,9 @@
 #include "PageSources.h"
 #include "tools/orva-strings/checks/Rules.h"
 #include "tools/orva-strings/cli/Count.h"
+#include "tools/orva-strings/document/LineText.h"
+#include "tools/orva-strings/document/MeantProtected.h"
+#include "tools/orva-strings/document/SecretTexts.h"
 #include "tools/orva-strings/page/Html.h"
 
 namespace {
@@ -33,11 +36,49 @@ bool IsDone(TextState state) {
     return state == TextState::kTranslated || state == TextState::kSame;
 }
 
-// Whether an entry is protected, or may have been meant to be.
-bool IsHidden(std::string_view key) {
-    const auto isLetter = [&](std::size_t i, char lower) { return (key[i] | 0x20) == lower; };
-    return key.size() >= 3 && isLetter(0, 'i') && isLetter(1, 'd') && isLetter(2, 'e');
-}
+// What must not be shown of a file: the texts of its protected entries and of those that were probably
+// meant to be, and the keys that hold one.
+class HiddenTexts {
+public:
+    HiddenTexts(std::string_view bytes, const Translations& translations)
+        : m_secrets(FindSecretTexts(bytes)), m_all(FindSecretTexts(bytes)) {
+        for (const Translation& language : translations.languages) {
+            for (const Entry& entry : language.entries.All()) {
+                if (IsKeyHidden(entry.key)) {
+                    m_all.Add(entry.key);
+                }
+            }
+        }
+    }
+
+    bool IsTextHidden(std::string_view key, std::string_view value) const {
+        std::string line(key);
+        line += '=';
+        line += value;
+        return HoldsProtected(line) || m_secrets.AreShownBy(value);
+    }
+
+    // A key, or what was meant as one; empty if even that must not be shown.
+    std::string_view Shown(std::string_view key) const {
+        if (!IsKeyHidden(key)) {
+            return key;
+        }
+        const std::string_view name = MeantName(key);
+        return BeginsAsProtected(name) && !m_secrets.AreShownBy(name) ? name : std::string_view();
+    }
+
+    // Whether a finding's text shows a text or a key.
+    bool AreIn(std::string_view text) const { return m_all.AreIn(text); }
+
+private:
+    bool IsKeyHidden(std::string_view key) const {
+        return (HoldsProtected(key) && MeantName(key) != TrimBlanks(key)) ||
+               m_secrets.AreShownBy(key);
+    }
+
+    SecretTexts m_secrets;
+    SecretTexts m_all;  // with the keys
+};
 
 std::string Tagged(const std::string& name, const std::string& attributes,
                    const std::string& content) {
@@ -98,7 +139,7 @@ std::string Languages(const Translations& translations) {
 }
 
 // The keys that a language lacks or whose text is out of date, with a column for each language.
-std::string Matrix(const Translations& translations) {
+std::string Matrix(const Translations& translations, const HiddenTexts& hidden) {
     std::string head = "<th scope=\"col\">Key</th>";
     for (const Translation& language : translations.languages) {
         if (&language != &translations.Reference()) {
@@ -121,7 +162,7 @@ std::string Matrix(const Translations& translations) {
             row += (IsDone(state) ? "✓" : name) + "</td>";
         }
         if (!isComplete) {
-            const std::string key = HtmlText(keys[i].key);
+            const std::string key = HtmlText(hidden.Shown(keys[i].key));
             rows += Tagged("tr", "", "<th scope=\"row\" class=\"key\">" + key + "</th>" + row);
         }
     }
@@ -141,7 +182,7 @@ std::string Matrix(const Translations& translations) {
                   Tagged("table", " class=\"matrix\"", table));
 }
 
-std::string FindingItem(const RuleFinding& finding) {
+std::string FindingItem(const RuleFinding& finding, const HiddenTexts& hidden) {
     std::string item = Tagged("strong", "", ::NameOf(finding.severity));
     if (finding.place) {
         item += Line(finding.place->line) + ' ';
@@ -149,10 +190,13 @@ std::string FindingItem(const RuleFinding& finding) {
     if (!finding.section.empty()) {
         item += Tagged("span", " class=\"quiet\"", Name(finding.section));
     }
-    return Tagged("li", "", item + Name(finding.text));
+    // What is said about placeholders quotes them.
+    const bool isQuoted = finding.rule == Rule::kPlaceholder && HoldsProtected(finding.text);
+    const bool isHidden = isQuoted || hidden.AreIn(finding.text);
+    return Tagged("li", "", item + Name(isHidden ? "about a protected text" : finding.text));
 }
 
-std::string FindingsByRule(const RuleFindings& findings) {
+std::string FindingsByRule(const RuleFindings& findings, const HiddenTexts& hidden) {
     const std::string title = Tagged("h3", "", "Findings");
     if (findings.empty()) {
         return title + Tagged("p", "", "The check has found nothing.");
@@ -169,7 +213,7 @@ std::string FindingsByRule(const RuleFindings& findings) {
         options += Tagged("option", " value=\"" + name + '"', label);
         std::string items;
         for (const RuleFinding* const finding : those) {
-            items += FindingItem(*finding);
+            items += FindingItem(*finding, hidden);
         }
         const std::string summary =
             Tagged("strong", "", label) +
@@ -184,22 +228,23 @@ std::string FindingsByRule(const RuleFindings& findings) {
 }
 
 // A text with its line; nothing of a protected one.
-std::string TextCell(const Entry& entry, TextState state) {
+std::string TextCell(const Entry& entry, TextState state, const HiddenTexts& hidden) {
     std::string cell = Line(entry.line) + ' ';
     if (!IsDone(state)) {
         const std::string name = NameOf(state);
         cell += "<span class=\"badge " + name + "\">" + name + "</span>";
     }
-    if (IsHidden(entry.key)) {
+    std::string buffer;
+    const std::string_view text = ValueOf(entry.entry, buffer);
+    if (hidden.IsTextHidden(entry.key, text)) {
         return Tagged("td", "", cell + Tagged("div", " class=\"quiet\"", "protected"));
     }
-    std::string buffer;
-    const std::string text = HtmlText(ValueOf(entry.entry, buffer));
-    return Tagged("td", "", cell + Tagged("div", " class=\"text\" dir=\"auto\"", text));
+    return Tagged("td", "", cell + Tagged("div", " class=\"text\" dir=\"auto\"", HtmlText(text)));
 }
 
 // The reference's texts beside those of a language.
-std::string Texts(const Translations& translations, const Translation& language) {
+std::string Texts(const Translations& translations, const Translation& language,
+                  const HiddenTexts& hidden) {
     const std::string referenceName = Name(translations.Reference().name);
     const std::string name = Name(language.name);
     const std::string column = "<th scope=\"col\">";
@@ -208,10 +253,11 @@ std::string Texts(const Translations& translations, const Translation& language)
     const std::vector<Entry>& keys = translations.Reference().entries.All();
     std::string rows;
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        std::string row = "<th scope=\"row\" class=\"key\">" + HtmlText(keys[i].key) + "</th>";
-        row += TextCell(keys[i], TextState::kTranslated);
+        std::string row = "<th scope=\"row\" class=\"key\">";
+        row += HtmlText(hidden.Shown(keys[i].key)) + "</th>";
+        row += TextCell(keys[i], TextState::kTranslated, hidden);
         const Entry* const entry = language.entries.Find(keys[i].key);
-        row += entry != nullptr ? TextCell(*entry, language.states[i])
+        row += entry != nullptr ? TextCell(*entry, language.states[i], hidden)
                                 : Tagged("td", " class=\"badge missing\"", "missing");
         rows += Tagged("tr", "", row);
     }
@@ -223,20 +269,21 @@ std::string Texts(const Translations& translations, const Translation& language)
 
 }  // namespace
 
-std::string FilePart(const std::string& file, const Translations& translations,
-                     const RuleFindings& findings) {
+std::string FilePart(const std::string& file, std::string_view bytes,
+                     const Translations& translations, const RuleFindings& findings) {
+    const HiddenTexts hidden(bytes, translations);
     std::string part = Tagged("h2", "", Name(file));
     part += Languages(translations);
     if (translations.languages.size() > 1) {
-        part += Matrix(translations);
+        part += Matrix(translations, hidden);
     }
-    part += FindingsByRule(findings);
+    part += FindingsByRule(findings, hidden);
     if (translations.languages.size() > 1) {
         part += Tagged("h3", "", "Texts");
     }
     for (const Translation& language : translations.languages) {
         if (&language != &translations.Reference()) {
-            part += Texts(translations, language);
+            part += Texts(translations, language, hidden);
         }
     }
     return Tagged("section", "", part);

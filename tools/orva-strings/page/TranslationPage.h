@@ -12,10 +12,10 @@
 constexpr std::string_view kPageBegin =
     "<!DOCTYPE html>\n<html lang=\"en\">\n<!-- Written by orva-strings report. -->\n";
 
-// The part of the page about one file. The text of an entry whose key begins with IDE, in any case,
-// is never in it.
-std::string FilePart(const std::string& file, const Translations& translations,
-                     const RuleFindings& findings);
+// The part of the page about one file, given its bytes. No text of a protected entry, or of what was
+// probably meant as one, is in it.
+std::string FilePart(const std::string& file, std::string_view bytes,
+                     const Translations& translations, const RuleFindings& findings);
 
 // Calls take with the whole page with these parts. It loads nothing, and runs no script but its own.
 void WritePage(const std::string& parts, const TakePiece& take);

@@ -1,5 +1,5 @@
-#ifndef ORVALANGUAGE_TOOLS_CHECKS_SECRETTEXTS_H
-#define ORVALANGUAGE_TOOLS_CHECKS_SECRETTEXTS_H
+#ifndef ORVALANGUAGE_TOOLS_DOCUMENT_SECRETTEXTS_H
+#define ORVALANGUAGE_TOOLS_DOCUMENT_SECRETTEXTS_H
 
 #include <cstddef>
 #include <string>
@@ -22,6 +22,9 @@ public:
     // Whether this contains one of the texts that are long enough not to be there by chance.
     bool AreIn(std::string_view text) const;
 
+    // Whether whoever reads this text has read one of them.
+    bool AreShownBy(std::string_view text) const { return Has(std::string(text)) || AreIn(text); }
+
 private:
     static constexpr std::size_t kLong = 8;
 
@@ -29,5 +32,8 @@ private:
     std::unordered_map<std::string_view, std::vector<std::string_view>>
         m_longTexts;  // by beginning
 };
+
+// The texts of all protected entries in a file, and of what was probably meant as one, wherever it is.
+SecretTexts FindSecretTexts(std::string_view bytes);
 
 #endif
