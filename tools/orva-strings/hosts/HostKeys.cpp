@@ -2,9 +2,9 @@
 
 #include <unordered_set>
 
-#include "tools/orva-strings/document/SecretTexts.h"
 #include "tools/orva-strings/document/LineText.h"
 #include "tools/orva-strings/document/MeantProtected.h"
+#include "tools/orva-strings/document/SecretTexts.h"
 
 std::vector<HostKey> ReadHostKeys(StringsReader section, std::string_view bytes) {
     const SecretTexts secrets = FindSecretTexts(bytes);
