@@ -41,7 +41,7 @@ std::string BytesOf(const SyncedStrings& synced) {
 std::string Synced(const std::string& bytes, const SyncOptions& options = {}) {
     const SyncedStrings synced(bytes, options);
     EXPECT_FALSE(HasError(synced.Obstacles()));
-    const std::string result = BytesOf(synced);
+    std::string result = BytesOf(synced);
     EXPECT_EQ(BytesOf(SyncedStrings(result, options)), result) << "a second run changed it";
     return result;
 }

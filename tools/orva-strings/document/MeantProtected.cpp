@@ -44,17 +44,17 @@ std::string_view AfterMeantName(std::string_view key) {
     return FromName(FromName(key).substr(MeantName(key).size()));
 }
 
-bool BeginsAsProtected(std::string_view text) {
-    std::string begin(text.substr(0, 3));
+bool BeginsAsProtected(std::string_view name) {
+    std::string begin(name.substr(0, 3));
     for (char& c : begin) {
         c = static_cast<char>(c & '\xDF');
     }
-    return text.substr(0, 3) == "IDE" || ((begin == "IDE" || begin == "DIE" || begin == "IED") &&
-                                          (text.size() == 3 || !IsLetter(text[3])));
+    return name.substr(0, 3) == "IDE" || ((begin == "IDE" || begin == "DIE" || begin == "IED") &&
+                                          (name.size() == 3 || !IsLetter(name[3])));
 }
 
-bool HoldsProtected(std::string_view text) {
-    bool isFound = BeginsAsProtected(MeantName(text)) || HasProtectedWord(text);
-    FindNearProtected(text, [&](const StringsEntry&) { isFound = true; });
+bool HoldsProtected(std::string_view line) {
+    bool isFound = BeginsAsProtected(MeantName(line)) || HasProtectedWord(line);
+    FindNearProtected(line, [&](const StringsEntry&) { isFound = true; });
     return isFound;
 }

@@ -162,8 +162,9 @@ std::string Matrix(const Translations& translations, const HiddenTexts& hidden) 
             row += (IsDone(state) ? "✓" : name) + "</td>";
         }
         if (!isComplete) {
-            const std::string key = HtmlText(hidden.Shown(keys[i].key));
-            rows += Tagged("tr", "", "<th scope=\"row\" class=\"key\">" + key + "</th>" + row);
+            std::string cells = "<th scope=\"row\" class=\"key\">";
+            cells += HtmlText(hidden.Shown(keys[i].key)) + "</th>" + row;
+            rows += Tagged("tr", "", cells);
         }
     }
     const std::string title = Tagged("h3", "", "Missing, stale or empty");
