@@ -132,7 +132,10 @@ def xdotool(command):
 
 def take_screenshot():
     within(30, lambda: xdotool("getactivewindow"), bool)
-    subprocess.run(["scrot", "--focused", "--border", "--overwrite", screenshot], check=True)
+    # On a busy machine, the menu that closes may still have the focus, and be gone once it is drawn.
+    command = ["scrot", "--focused", "--border", "--overwrite", screenshot]
+    status = within(30, lambda: subprocess.run(command).returncode, lambda found: found == 0)
+    assert status == 0, f"scrot ended with {status}"
     image = GdkPixbuf.Pixbuf.new_from_file(screenshot)
     pixels, width = image.get_pixels(), image.get_n_channels()
     colours = {pixels[i : i + width] for i in range(0, len(pixels), width)}
