@@ -83,6 +83,51 @@ TEST_F(Export, WritesWhatTheLibraryAnswers) {
                               Translated("LAST", "a", "z")));
 }
 
+TEST_F(Export, AsksForAReviewOfWhatIsStale) {
+    const std::string base =
+        Write("base",
+              "QVLANG=en\nMENU_OPEN=\"Open\"\nMENU_SAVE=\"Save\"\nMENU_QUIT=\"Quit\"\nNEW1=1\n"
+              "QVLANG=de\nMENU_OPEN=\"Auf\"\nMENU_SAVE=\"Sichern\"\nMENU_QUIT=\"Ende\"\n");
+    const std::string file =
+        "QVLANG=en\nMENU_OPEN=\"Open\"\nMENU_SAVE=\"Save all\"\nMENU_QUIT=\"Exit\"\nNEW1=2\n"
+        "QVLANG=de\nMENU_OPEN=\"Auf\"\nMENU_SAVE=\"Sichern\"\nMENU_QUIT=\"Verlassen\"\n";
+    const std::string units = Translated("MENU_OPEN", "Open", "Auf") +
+                              Unit("MENU_SAVE", Source("Save all") +
+                                                    "        <target state=\"needs-review-"
+                                                    "translation\">Sichern</target>\n") +
+                              Translated("MENU_QUIT", "Exit", "Verlassen") +
+                              Unit("NEW1", Source("2"));
+    EXPECT_EQ(RunGerman(file, {"--base", base}), 0);
+    EXPECT_EQ(m_out, Document(units));
+    EXPECT_EQ(m_err, "");
+
+    const std::string output = Path("de.xlf");
+    EXPECT_EQ(Run({"export", Write("x", file), "--language=de", "--base", base, "-o", output,
+                   "--code=en=en", "--code=de=de-AT"}),
+              0);
+    EXPECT_EQ(m_err, output + ": wrote 4 entries, 1 without a translation, 1 to review\n");
+    EXPECT_EQ(ReadFile(output), Document(units));
+}
+
+TEST_F(Export, AsksForNoReviewInASectionThatAnotherHides) {
+    const std::string base = Write("base",
+                                   "QVLANG=en\nMENU=1\nQVLANG=\"de\"\nMENU=a\nQVLANG=de\nMENU=a\n"
+                                   "QVLANG=fr\nMENU=b\n");
+    const std::string file =
+        "QVLANG=en\nMENU=2\nQVLANG=\"de\"\nMENU=c\nQVLANG=de\nMENU=a\n"
+        "QVLANG=fr\nMENU=b\n";
+    EXPECT_EQ(RunGerman(file, {"--base", base}), 0);
+    EXPECT_EQ(m_out, Document(Translated("MENU", "2", "a")));
+}
+
+TEST_F(Export, RefusesABaseWithoutTheReference) {
+    const std::string base = Write("base", "QVLANG=fr\nMENU=1\n");
+    EXPECT_EQ(RunGerman("QVLANG=en\nMENU=2\nQVLANG=de\nMENU=a\n", {"--base", base}), 1);
+    EXPECT_EQ(m_err, Reported(": error: the earlier file has no section en"));
+    EXPECT_EQ(m_out, "");
+    EXPECT_EQ(RunGerman("QVLANG=en\nMENU=2\nQVLANG=de\nMENU=a\n", {"--base", Path("none")}), 2);
+}
+
 TEST_F(Export, EscapesWhatXmlGivesAMeaning) {
     EXPECT_EQ(RunGerman("QVLANG=en\n<&\">'=\"a<b>&amp;\"'\"\nTA\tB\r=\"\t\r\\n\x7F \"\r\n"
                         "QVLANG=de\nTA\tB\r=\"]]>\"\n"),

@@ -39,15 +39,21 @@ compare() { # RESULT [OPTION…]: compares what came back with what was exported
 
 # The document's own file, then one of many texts.
 blocks strings QVLANG >Source.strings
-run 'orva-strings export'
+run 'export --all -o'
 "$python" "$here/compare_xliff.py" --strict xliff/de.xlf 1
 grep -qF "<note from=\"developer\">The menu's first entry; %1 is the file's name</note>" xliff/de.xlf ||
     { cat xliff/de.xlf; exit 1; }
 grep -qF 'maxwidth="20" size-unit="char"' xliff/de.xlf
 
+# Released with another source text, which the translation still has.
+sed 's/"Open %1."/"Open"/' Source.strings >Released.strings
+run 'export --all --base'
+grep -qF '<target state="needs-review-translation">%1 öffnen.</target>' xliff/de.xlf ||
+    { cat xliff/de.xlf; exit 1; }
+
 export_texts() { # [OPTION]: exports 3,000 entries
     "$python" "$here/compare_xliff.py" --write-strings Source.strings 3000 "$@"
-    run 'orva-strings export'
+    run 'export --all -o'
     "$python" "$here/compare_xliff.py" --strict xliff/de.xlf 3000
     compare xliff/de.xlf
 }

@@ -69,6 +69,23 @@ std::size_t Translation::Percent() const {
     return states.empty() ? 100 : TranslatedCount() * 100 / states.size();
 }
 
+KeySet Translations::StaleKeys(std::size_t header) const {
+    const auto language =
+        std::find_if(languages.begin(), languages.end(),
+                     [&](const Translation& other) { return other.line == header; });
+    KeySet keys;
+    if (language == languages.end()) {
+        return keys;
+    }
+    const auto& entries = Reference().entries.All();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (language->states[i] == TextState::kStale) {
+            keys.insert(entries[i].key);
+        }
+    }
+    return keys;
+}
+
 std::optional<Translations> ReadTranslations(std::string_view bytes, const std::string& reference,
                                              const std::optional<std::string_view>& base,
                                              const ProtectionKeys& keys, Findings& findings) {

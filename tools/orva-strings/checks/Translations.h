@@ -11,6 +11,7 @@
 #include "protection/ProtectedForm.h"
 #include "tools/orva-strings/checks/TranslationChecks.h"
 #include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/document/KeySet.h"
 
 // How the translation of a text is, compared with the reference's.
 enum class TextState { kTranslated, kSame, kMissing, kStale, kEmpty };
@@ -44,6 +45,9 @@ struct Translations {
     std::vector<Translation> languages;  // in file order
 
     const Translation& Reference() const { return languages[reference]; }
+
+    // The keys whose translation is stale in the section whose header is this line, from 0.
+    KeySet StaleKeys(std::size_t header) const;
 };
 
 // Reads the translations in the bytes of a file, which must outlive the result. reference names the

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "tools/orva-strings/checks/Translations.h"
 #include "tools/orva-strings/cli/Command.h"
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/cli/UsageError.h"
@@ -66,6 +67,9 @@ std::string Summary(const XliffWriter& writer, const XliffTargets& targets) {
     if (targets.missing > 0) {
         summary += ", " + std::to_string(targets.missing) + " without a translation";
     }
+    if (targets.stale > 0) {
+        summary += ", " + std::to_string(targets.stale) + " to review";
+    }
     if (writer.ProtectedCount() > 0) {
         summary += ", left out " + std::to_string(writer.ProtectedCount()) + " protected";
     }
@@ -86,6 +90,7 @@ public:
         arguments.Add(kTarget, m_languages);
         arguments.Add(kLanguageCode, m_codes);
         arguments.Add(kReference, m_reference);
+        arguments.Add(kBase, m_base);
         arguments.AddFlag(kRevealFlag, kRevealHelp, m_isRevealed);
         arguments.Add(kKeyFile, m_keyFile);
         arguments.Add(kXliff, m_output);
@@ -109,13 +114,14 @@ public:
         const LanguageCodes codes(m_codes, StringsReader(file.bytes), findings);
         const std::string source = CodeOf(*reference, codes, findings);
         const std::vector<Target> targets = FindTargets(file.bytes, *reference, codes, findings);
+        const std::vector<KeySet> stale = FindStale(file.bytes, targets, keys, findings);
         if (HasError(findings)) {
             return console.Report(findings, m_file);
         }
         const XliffWriter writer(*reference, file.bytes, m_isRevealed ? &keys : nullptr, findings);
         const std::vector<std::string> outputs = OutputsFor(targets);
         for (std::size_t i = 0; i < targets.size(); ++i) {
-            const XliffTargets texts = writer.ReadTargets(targets[i].section, findings);
+            const XliffTargets texts = writer.ReadTargets(targets[i].section, stale[i], findings);
             WriteOutput(outputs[i], Summary(writer, texts), console, [&](const TakePiece& take) {
                 writer.Write(*original, source, targets[i].code, texts, take);
             });
@@ -148,6 +154,22 @@ private:
                 {Severity::kError, std::nullopt, "the file has no section but the reference"});
         }
         return targets;
+    }
+
+    // For each target, the keys whose translation is of an earlier text of the reference.
+    std::vector<KeySet> FindStale(std::string_view bytes, const std::vector<Target>& targets,
+                                  const ProtectionKeys& keys, Findings& findings) const {
+        std::vector<KeySet> stale(targets.size());
+        if (m_base.empty()) {
+            return stale;
+        }
+        const std::string base = ReadFile(m_base);
+        if (const auto all = ReadTranslations(bytes, m_reference, base, keys, findings)) {
+            std::transform(
+                targets.begin(), targets.end(), stale.begin(),
+                [&](const Target& target) { return all->StaleKeys(target.section.Line().number); });
+        }
+        return stale;
     }
 
     // Those that --language names, each once.
@@ -205,6 +227,7 @@ private:
     std::vector<std::string> m_languages;
     std::vector<std::string> m_codes;
     std::string m_reference;
+    std::string m_base;
     std::string m_keyFile;
     std::string m_output;
     bool m_isAll = false;

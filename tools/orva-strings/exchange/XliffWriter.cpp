@@ -1,7 +1,6 @@
 #include "tools/orva-strings/exchange/XliffWriter.h"
 
 #include <algorithm>
-#include <unordered_set>
 #include <utf8cpp/utf8.h>
 #include <utility>
 
@@ -149,7 +148,7 @@ XliffWriter::XliffWriter(StringsReader reference, std::string_view bytes,
         m_secrets = FindSecretTexts(bytes);
     }
     const LengthLimits limits = ReadLengthLimits(StringsReader(bytes));
-    std::unordered_set<std::string_view> seen;
+    KeySet seen;
     NoteReader notes(m_secrets);
     while (reference.Next() && !reference.IsHeader()) {
         const StringsLine& line = reference.Line();
@@ -227,10 +226,10 @@ std::optional<std::string> XliffWriter::TextAsXml(const StringsLine& line,
     return xml;
 }
 
-XliffTargets XliffWriter::ReadTargets(StringsReader section, Findings& findings) const {
+XliffTargets XliffWriter::ReadTargets(StringsReader section, const KeySet& stale,
+                                      Findings& findings) const {
     const std::size_t count = m_units.size();
-    XliffTargets targets = {std::vector<std::optional<std::string>>(count),
-                            std::vector<bool>(count), count, count};
+    XliffTargets targets = {std::vector<XliffTarget>(count), count, count};
     std::vector<bool> isSeen(count);
     while (section.Next() && !section.IsHeader()) {
         const auto entry = section.Entry();
@@ -238,13 +237,16 @@ XliffTargets XliffWriter::ReadTargets(StringsReader section, Findings& findings)
         if (found == m_positions.end() || isSeen[found->second]) {
             continue;
         }
-        const std::size_t position = found->second;
-        isSeen[position] = true;
+        isSeen[found->second] = true;
         --targets.missing;
-        targets.texts[position] = TextAsXml(section.Line(), *entry, findings);
-        if (!targets.texts[position]) {
-            targets.isLeftOut[position] = true;
+        XliffTarget& target = targets.all[found->second];
+        target.text = TextAsXml(section.Line(), *entry, findings);
+        if (!target.text) {
+            target.isLeftOut = true;
             --targets.units;
+        } else if (stale.count(entry->key) > 0) {
+            target.isStale = true;
+            ++targets.stale;
         }
     }
     return targets;
@@ -270,16 +272,17 @@ void XliffWriter::Write(const std::string& original, const std::string& sourceLa
     }
     out.Write("    <body>\n");
     for (std::size_t i = 0; i < m_units.size(); ++i) {
-        if (targets.isLeftOut[i]) {
+        const Unit& unit = m_units[i];
+        const auto& [text, isLeftOut, isStale] = targets.all[i];
+        if (isLeftOut) {
             continue;
         }
-        const Unit& unit = m_units[i];
-        const std::optional<std::string>& target = targets.texts[i];
-        const bool isDone = target && (!target->empty() || unit.source.empty());
+        const bool isDone = text && !isStale && (!text->empty() || unit.source.empty());
         write({"      <trans-unit ", unit.attributes, isDone ? " approved=\"yes\">\n" : ">\n"});
         write({"        <source>", unit.source, "</source>\n"});
-        if (target) {
-            write({"        <target>", *target, "</target>\n"});
+        if (text) {
+            const char* const state = isStale ? " state=\"needs-review-translation\"" : "";
+            write({"        <target", state, ">", *text, "</target>\n"});
         }
         if (!unit.note.empty()) {
             write({"        <note from=\"developer\">", unit.note, "</note>\n"});

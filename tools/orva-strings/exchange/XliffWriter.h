@@ -10,6 +10,7 @@
 
 #include "protection/ProtectedForm.h"
 #include "tools/orva-strings/cli/Finding.h"
+#include "tools/orva-strings/document/KeySet.h"
 #include "tools/orva-strings/document/SecretTexts.h"
 #include "tools/orva-strings/document/StringsReader.h"
 #include "tools/orva-strings/system/Files.h"
@@ -21,12 +22,19 @@ std::optional<std::string> AsXml(std::string_view text);
 // The greatest number of characters that a text may have, by key, as directives say.
 using LengthLimits = std::unordered_map<std::string_view, std::size_t>;
 
+// The translation of a unit.
+struct XliffTarget {
+    std::optional<std::string> text;  // as XML
+    bool isLeftOut = false;
+    bool isStale = false;
+};
+
 // The translations in one section, for the units of an XliffWriter.
 struct XliffTargets {
-    std::vector<std::optional<std::string>> texts;  // as XML, by the unit's position
-    std::vector<bool> isLeftOut;                    // likewise
-    std::size_t units;                              // how many are written
-    std::size_t missing;                            // how many of these have no translation
+    std::vector<XliffTarget> all;  // by the unit's position
+    std::size_t units;             // how many are written
+    std::size_t missing;           // how many of these have no translation
+    std::size_t stale = 0;         // how many have one of an earlier text
 };
 
 // Writes the entries of a reference section, each with its translation in another section, as XLIFF
@@ -45,8 +53,9 @@ public:
     // The number of protected entries that are left out without keys.
     std::size_t ProtectedCount() const { return m_protectedCount; }
 
-    // The translations in the section at whose header the reader is. Adds errors likewise.
-    XliffTargets ReadTargets(StringsReader section, Findings& findings) const;
+    // The translations in the section at whose header the reader is; those of stale keys are of an
+    // earlier text of the reference. Adds errors likewise.
+    XliffTargets ReadTargets(StringsReader section, const KeySet& stale, Findings& findings) const;
 
     // Calls take with a document in pieces. original is the name of the strings file; it and the
     // languages are given as XML.
