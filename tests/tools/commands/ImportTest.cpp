@@ -274,7 +274,7 @@ TEST_F(Import, PassesOverWhatIsNotFinished) {
     EXPECT_EQ(RunOnUnits({}, {"--accept-state", "final"}), 2);
 }
 
-TEST_F(Import, RefusesInlineElementsThatATextCantHold) {
+TEST_F(Import, RefusesInlineElementsThatATextCannotHold) {
     const auto unit = [](const std::string& key, const std::string& source,
                          const std::string& target) {
         return "<trans-unit id=\"" + key + "\"><source>" + source + "</source><target>" + target +
@@ -289,7 +289,12 @@ TEST_F(Import, RefusesInlineElementsThatATextCantHold) {
               "hold, so the text is not imported\n"
               "s.strings: changed 1 entry\n");
     EXPECT_EQ(Strings(), With({{"Ende", "End"}}));
-    EXPECT_EQ(RunOn(Whole(Part("de", unit("MENU_OPEN", "Open<x id=\"1\"/>", "Öffnen")))), 1);
+    EXPECT_EQ(RunOn(Whole(Part("de", unit("MENU_OPEN", "Open<x id=\"1\"/>", "Öffnen")))), 0)
+        << "a source that is the reference's text all the same";
+    EXPECT_EQ(Strings(), With({{"\"Auf\"", "\"Öffnen\""}, {"Ende", "End"}}));
+    EXPECT_EQ(RunOn(Whole(Part("de", unit("MENU_OPEN", "Open <x id=\"1\"/>", "Auf")))), 0)
+        << "stale";
+    EXPECT_EQ(Strings(), With({{"\"Auf\"", "\"Öffnen\""}, {"Ende", "End"}}));
     EXPECT_EQ(RunOn(Whole(Part("de", unit("MENU_OPEN", "<g id=\"1\">Open</g>", "")))), 0)
         << "no translation";
 }

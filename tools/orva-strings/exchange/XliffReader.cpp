@@ -258,8 +258,9 @@ void XliffReader::EndInline() {
     m_inlines.pop_back();
 }
 
+// What a source has lost does not matter if it is the reference's text all the same.
 void XliffReader::Lose(const std::string& name) {
-    if (m_unit.lost.empty()) {
+    if (m_unit.lost.empty() && m_unit.target && m_text == &*m_unit.target) {
         m_unit.lost = name;
     }
 }

@@ -39,8 +39,8 @@ struct XliffUnit {
     std::optional<std::string> target;
     std::string state;  // of the target
 
-    // The first inline element whose meaning the texts lack, such as "g". Empty if they lack nothing.
-    // One that only marks a text, or says which text it stands for, becomes that text.
+    // The first inline element whose meaning the target lacks, such as "g". Empty if it lacks
+    // nothing. One that only marks a text, or says which text it stands for, becomes that text.
     std::string lost;
 };
 
