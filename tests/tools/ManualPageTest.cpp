@@ -113,7 +113,7 @@ void PrintTo(const Synopsis& synopsis, std::ostream* out) {
 
 // The synopses on the page, by command. Brackets enclose what is optional.
 std::map<std::string, Synopsis> Synopses() {
-    const char* const argument = "--?[a-z][a-z-]*( [A-Z]+)?|[A-Z]+";
+    const char* const argument = "--?[a-z][a-z-]*( [A-Z][A-Z=]*)?|[A-Z]+";
     const char* const brackets = R"(\[[^\]]*\])";
     std::map<std::string, Synopsis> synopses;
     for (const Paragraph& paragraph : Section("SYNOPSIS")) {

@@ -130,9 +130,7 @@ TEST_F(OrvaStringsFix, IsAFilterForStandardInput) {
     EXPECT_EQ(m_err, "-:2: error: git left a conflict here: resolve it first\n");
     EXPECT_EQ(Run({"fix", "-", "-"}, kBroken), 2);
     EXPECT_EQ(m_out, "");
-    EXPECT_EQ(m_err,
-              "orva-strings: error: only one of FILE and the key files can be -, which is standard "
-              "input\n");
+    EXPECT_EQ(m_err, "orva-strings: error: - is standard input, which can be read only once\n");
 }
 
 TEST_F(OrvaStringsFix, MendsEveryFileThatItCan) {

@@ -478,8 +478,7 @@ TEST_F(OrvaStrings, ReadsStandardInputForOneThingOnly) {
         EXPECT_EQ(RunTool(arguments, read, out, err), 2) << ::testing::PrintToString(arguments);
         EXPECT_EQ(out.str(), "");
         EXPECT_EQ(err.str(),
-                  "orva-strings: error: only one of FILE and the key files can be -, which is "
-                  "standard input\n")
+                  "orva-strings: error: - is standard input, which can be read only once\n")
             << ::testing::PrintToString(arguments);
     }
     EXPECT_EQ(EntriesInFolder(), 0);

@@ -299,6 +299,20 @@ TEST_F(Import, RefusesInlineElementsThatATextCannotHold) {
         << "no translation";
 }
 
+TEST_F(Import, ReadsADocumentOnStandardInput) {
+    const std::vector<std::string> arguments = {"import", "--code=English=en", "--code=Deutsch=de",
+                                                Path("s.strings"), "-"};
+    // More than one piece.
+    const std::string document = Whole("<!--" + std::string(100000, 'x') + "-->" +
+                                       Part("de", Xml({"MENU_OPEN", "Open", "Öffnen"})));
+    EXPECT_EQ(Run(arguments, document), 0);
+    EXPECT_EQ(Strings(), With({{"\"Auf\"", "\"Öffnen\""}}));
+    EXPECT_EQ(Run(arguments, "x"), 1);
+    EXPECT_EQ(m_err, "-:1: error: this is no well-formed XML: syntax error\n");
+    EXPECT_EQ(Run({"import", "-", "-"}, document), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: - is standard input, which can be read only once\n");
+}
+
 TEST_F(Import, ChangesNothingIfAKeyComesTwice) {
     const Unit first = {"MENU_OPEN", "Open", "Öffnen"};
     const Unit other = {"MENU_QUIT", "Quit", "Schluss"};

@@ -70,9 +70,7 @@ TEST_F(Sections, AlignsFilesOfShortNames) {
 TEST_F(Sections, ReadsStandardInputOnceUnderAName) {
     const std::string file = Write("-", "QVLANG=en\n");
     EXPECT_EQ(Run({"sections", "-", file, "-"}), 2);
-    EXPECT_EQ(m_err,
-              "orva-strings: error: only one of FILE and the key files can be -, which is standard "
-              "input\n");
+    EXPECT_EQ(m_err, "orva-strings: error: - is standard input, which can be read only once\n");
     EXPECT_EQ(m_out, "");
     EXPECT_EQ(Run({"sections", "--stdin-name", "Editor\n", "-"}, "ABCD=1\n"), 1);
     EXPECT_EQ(m_err, "Editor\\n: error: the file has no section\n");

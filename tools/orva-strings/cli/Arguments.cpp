@@ -74,7 +74,7 @@ void Arguments::Finish() const {
         std::for_each(list->begin(), list->end(), Unmark);
     }
     if (!HasOneInput()) {
-        throw UsageError("only one of FILE and the key files can be -, which is standard input");
+        throw UsageError("- is standard input, which can be read only once");
     }
     if (const std::string* const output = OutputOverAKey()) {
         throw UsageError(*output + ": the output would overwrite this key file");

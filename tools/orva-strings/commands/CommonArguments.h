@@ -27,8 +27,10 @@ constexpr Argument kBase = {
     "--base", "OLD",
     "An earlier state of FILE, to find translations of texts that have changed since", Role::kFile};
 constexpr char kBaseNeedsOneFile[] = "--base can be compared with only one FILE";
+
 constexpr Argument kLanguageCode = {
-    "--code", "CODE", "The language of a section, such as Deutsch=de; may be given several times"};
+    "--code", "SECTION=CODE",
+    "The language of a section, such as Deutsch=de; may be given several times"};
 
 constexpr Argument kScope = {
     "--scope", "NAME",

@@ -8,6 +8,7 @@
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
 #include "tools/orva-strings/document/FindSection.h"
+#include "tools/orva-strings/document/PieceWriter.h"
 #include "tools/orva-strings/exchange/Importer.h"
 #include "tools/orva-strings/system/Files.h"
 
@@ -23,7 +24,8 @@ public:
 
     void Declare(Arguments& arguments) override {
         arguments.Add(kStringsFile, m_file);
-        arguments.Add({"XLIFF", "", "The XLIFF files", Role::kFile, true}, m_documents);
+        arguments.Add({"XLIFF", "", "The XLIFF files; - is standard input", Role::kInput, true},
+                      m_documents);
         arguments.Add(kLanguageCode, m_codes);
         arguments.Add(kReference, m_reference);
         arguments.AddFlag("--create",
@@ -77,7 +79,7 @@ private:
         Importer importer(document, bytes, reference, codes, keys, m_options);
         bool isRead = true;
         for (const std::string& file : m_documents) {
-            isRead = ReadDocument(file, importer) && isRead;
+            isRead = ReadDocument(file, importer, console) && isRead;
         }
         isRead = isRead && !importer.HasDoubled();
         if (isRead) {
@@ -86,12 +88,20 @@ private:
         return {isRead, importer.Counts(), std::move(importer.AllFindings())};
     }
 
-    static bool ReadDocument(const std::string& file, Importer& importer) {
+    static bool ReadDocument(const std::string& file, Importer& importer, const Console& console) {
         importer.BeginDocument();
         try {
             XliffReader reader([&](const XliffFile& part) { importer.BeginFile(part); },
                                [&](const XliffUnit& unit) { importer.Take(unit); });
-            ReadFileInPieces(file, [&](std::string_view piece) { reader.Read(piece); });
+            const auto read = [&](std::string_view piece) { reader.Read(piece); };
+            if (file == "-") {
+                const TakePiece take = read;
+                PieceWriter pieces(take);
+                pieces.Write(console.Read(file).bytes);
+                pieces.Finish();
+            } else {
+                ReadFileInPieces(file, read);
+            }
             reader.Finish();
             return true;
         } catch (const XliffError& error) {
