@@ -175,14 +175,22 @@ TEST_F(OrvaStringsCheck, ReportsOnlyWhatIsNotInTheBaseline) {
     EXPECT_NE(m_out.find(":7:1: error: OK: "), std::string::npos) << m_out;
 
     EXPECT_EQ(Run({"check", "--baseline", file, file}), 2);
-    EXPECT_EQ(m_err, "orva-strings: error: " + file + ": this is no baseline\n");
+    EXPECT_EQ(m_err, "orva-strings: error: " + file + ": this is not a baseline\n");
     EXPECT_EQ(Run({"check", "--baseline", Write("empty", ""), file}), 2);
 }
 
 TEST_F(OrvaStringsCheck, ReplacesNoFileButABaseline) {
     const std::string file = Write("wrong", kWrong);
     EXPECT_EQ(Run({"check", "--write-baseline", file, file}), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: " + file +
+                         ": not replaced, since 'orva-strings check' has not written it\n");
     EXPECT_EQ(ReadFile(file), kWrong);
+    EXPECT_EQ(Run({"check", "--write-baseline", Path(""), file}), 2);
+    EXPECT_EQ(m_err,
+              "orva-strings: error: " + Path("") + ": only a regular file can be replaced\n");
+    const std::string longName = Path(std::string(300, 'x'));
+    EXPECT_EQ(Run({"check", "--write-baseline", longName, file}), 2);
+    EXPECT_EQ(m_err, "orva-strings: error: " + longName + ": File name too long\n");
     EXPECT_EQ(Run({"check", "--write-baseline", Path("known"), file}), 0);
     EXPECT_EQ(Run({"check", "--write-baseline", Path("known"), Write("clean", kClean)}), 0);
     EXPECT_EQ(ReadFile(Path("known")), "orva-strings baseline, version 1: rule, section, key\n");

@@ -396,14 +396,16 @@ TEST_F(Export, RefusesWrongOutputs) {
         EXPECT_EQ(ReadFile(file), kThree);
     };
     expectUsageError({"-o-"}, "--language or --all must say what to export");
-    expectUsageError({"--all", "-o-"}, "-o: several languages need a folder");
+    expectUsageError({"--all", "-o-"}, "-o: --all and several languages need a folder");
     expectUsageError({"--language=Deutsch", "--language=Polski", "-o-"},
-                     "-o: several languages need a folder");
+                     "-o: --all and several languages need a folder");
     expectUsageError({"--language=Deutsch", "-o", file},
                      file + ": the output would overwrite this file");
-    expectUsageError({"--all", "-o", file}, "-o: several languages need a folder");
+    expectUsageError({"--all", "-o", file}, "-o: --all and several languages need a folder");
     expectUsageError({"--all", "-o", Path("no/folder")},
                      Path("no/folder") + ": No such file or directory");
+    const std::string longName = Path(std::string(300, 'x'));
+    expectUsageError({"--all", "-o", longName}, longName + ": File name too long");
 
     const std::string key = Write("de.xlf", std::string(64, 'A'));
     const std::string folder = std::filesystem::path(key).parent_path();

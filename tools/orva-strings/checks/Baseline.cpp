@@ -17,11 +17,17 @@ std::string LineOf(const RuleFinding& finding) {
 
 }  // namespace
 
-Baseline::Baseline(std::string_view text, const std::string& name) {
+bool Baseline::IsBaseline(std::string_view text) {
     StringsReader lines(text);
-    if (!lines.Next() || lines.Line().text != kHeading) {
-        throw std::runtime_error(name + ": this is no baseline");
+    return lines.Next() && lines.Line().text == kHeading;
+}
+
+Baseline::Baseline(std::string_view text, const std::string& name) {
+    if (!IsBaseline(text)) {
+        throw std::runtime_error(name + ": this is not a baseline");
     }
+    StringsReader lines(text);
+    lines.Next();
     while (lines.Next()) {
         ++m_counts[std::string(lines.Line().text)];
     }

@@ -17,6 +17,8 @@ class Baseline {
 public:
     Baseline() = default;
 
+    static bool IsBaseline(std::string_view text);
+
     // Reads a baseline's text; name is for the message. Throws std::runtime_error if it is
     // not a baseline.
     Baseline(std::string_view text, const std::string& name);

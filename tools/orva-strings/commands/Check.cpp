@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -13,6 +12,7 @@
 #include "tools/orva-strings/cli/Progress.h"
 #include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/OwnOutput.h"
 #include "tools/orva-strings/commands/ReportArguments.h"
 #include "tools/orva-strings/commands/RuleArguments.h"
 #include "tools/orva-strings/protection/MasterKey.h"
@@ -118,11 +118,7 @@ private:
         return report;
     }
 
-    // Replaces no file but a baseline, so that a slip costs no strings file.
     void WriteBaseline(const Report& report, std::ostream& out) const {
-        if (std::filesystem::exists(m_newBaseline)) {
-            Baseline(ReadFile(m_newBaseline), m_newBaseline);
-        }
         Baseline baseline;
         for (const FileReport& file : report) {
             baseline.Add(file.findings);
@@ -131,6 +127,7 @@ private:
         if (m_newBaseline == "-") {
             out << text;
         } else {
+            ReadOwnOutput(m_newBaseline, "check", Baseline::IsBaseline);
             WriteFile(m_newBaseline, [&](const TakePiece& take) { take(text); });
         }
     }

@@ -191,10 +191,11 @@ private:
 
     // The file for each section. Creates the folder that they are for.
     std::vector<std::string> OutputsFor(const std::vector<Target>& targets) const {
-        const bool hasFolder = fs::is_directory(m_output);
+        const fs::file_status old = StatusOf(m_output);
+        const bool hasFolder = fs::is_directory(old);
         const bool isFolder = m_isAll || targets.size() > 1 || hasFolder;
-        if (isFolder && (m_output == "-" || (fs::exists(m_output) && !hasFolder))) {
-            throw UsageError("-o: several languages need a folder");
+        if (isFolder && (m_output == "-" || (fs::exists(old) && !hasFolder))) {
+            throw UsageError("-o: --all and several languages need a folder");
         }
         std::vector<std::string> outputs;
         for (const Target& target : targets) {

@@ -2,18 +2,16 @@
 
 #include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 #include "tools/orva-strings/system/Files.h"
 
-namespace fs = std::filesystem;
-
 std::optional<std::string> ReadOwnOutput(const std::string& path, const std::string& command,
                                          const std::function<bool(const std::string&)>& isOwn) {
-    if (!fs::exists(path)) {
+    const std::filesystem::file_status status = StatusOf(path);
+    if (!exists(status)) {
         return std::nullopt;
     }
-    if (!fs::is_regular_file(path)) {  // to read a pipe would never end
+    if (!is_regular_file(status)) {  // to read a pipe would never end
         throw std::runtime_error(path + ": only a regular file can be replaced");
     }
     std::string old = ReadFile(path);

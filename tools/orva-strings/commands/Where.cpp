@@ -75,7 +75,7 @@ public:
 private:
     static bool IsProgram(const std::filesystem::path& path) {
         using std::filesystem::perms;
-        const std::filesystem::file_status status = std::filesystem::status(path);
+        const std::filesystem::file_status status = StatusOf(path);
         const perms mayRun = perms::owner_exec | perms::group_exec | perms::others_exec;
         if (!is_regular_file(status) || (status.permissions() & mayRun) == perms::none) {
             return false;

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "tools/orva-strings/system/Files.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -26,17 +28,17 @@ struct Found {
     std::vector<std::string>& skipped;
 };
 
-fs::file_status StatusOf(const fs::path& path) {
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+fs::file_status StatusOfExisting(const fs::path& path) {
+    const fs::file_status status = StatusOf(path);
     if (!fs::exists(status)) {
-        throw std::system_error(error, path.string());
+        throw std::system_error(std::make_error_code(std::errc::no_such_file_or_directory),
+                                path.string());
     }
     return status;
 }
 
 void AddFile(const fs::path& path, Found& found) {
-    if (!fs::is_regular_file(StatusOf(path))) {
+    if (!fs::is_regular_file(StatusOfExisting(path))) {
         throw std::runtime_error(path.string() + ": not a regular file");
     }
     found.paths.insert(path.lexically_normal().string());
@@ -69,7 +71,7 @@ void AddSourcesIn(const fs::path& folder, Found& found) {
 }
 
 void AddSources(const std::string& folder, Found& found) {
-    if (!fs::is_directory(StatusOf(folder))) {
+    if (!fs::is_directory(StatusOfExisting(folder))) {
         AddFile(folder, found);
         return;
     }

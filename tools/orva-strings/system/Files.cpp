@@ -254,6 +254,15 @@ void ReadFileInPieces(const std::string& path, const TakePiece& take) {
     ReadInPieces(File(open(path.c_str(), O_RDONLY | O_CLOEXEC), path.c_str()), take);
 }
 
+std::filesystem::file_status StatusOf(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::none) {
+        throw std::system_error(error, path);
+    }
+    return status;
+}
+
 std::string ReadStandardInput() {
     return ReadAll(File(dup(STDIN_FILENO), "standard input"));
 }

@@ -1,6 +1,7 @@
 #ifndef ORVALANGUAGE_TOOLS_SYSTEM_FILES_H
 #define ORVALANGUAGE_TOOLS_SYSTEM_FILES_H
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,10 @@ using BytesInPieces = std::function<void(const TakePiece& take)>;
 
 // The bytes of standard input.
 std::string ReadStandardInput();
+
+// What a path names, symbolic links followed; of type not_found if nothing is there. Throws
+// std::system_error if the system can't tell.
+std::filesystem::file_status StatusOf(const std::string& path);
 
 // The bytes of a file, and its status when they were read.
 struct FileSnapshot {
