@@ -626,6 +626,21 @@ TEST(CheckStrings, WantsTheLanguageOfASectionRightBelowItsHeader) {
     EXPECT_EQ(Check(language + "QVLANG=en\nMENU=\"x\"\n"), "1:9 warning unused-directive\n");
 }
 
+TEST(CheckStrings, WantsOneLanguageForEachSection) {
+    const std::string english = "QVLANG=en\n# orva: language en\nMENU=\"x\"\n";
+    EXPECT_EQ(Check(english + "QVLANG=de\n# orva: language de\nMENU=\"y\"\n"), "");
+    EXPECT_EQ(Check(english + "QVLANG=de\n# orva: language EN\nMENU=\"y\"\n"),
+              "5:9 warning bad-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\n# orva: language en\n\n# orva: language en-GB\nMENU=\"x\"\n"),
+              "4:9 warning bad-directive\n");
+    EXPECT_EQ(Check("QVLANG=en\n# orva: language en\nQVLANG=de\n# orva: language de\n"
+                    "MENU=\"y\"\n# orva: language de\n"),
+              "5:1 warning extra-key\n6:9 warning unused-directive\n");
+    EXPECT_EQ(Check(english + "QVLANG=EN\n# orva: language en\nMENU=\"x\"\n"),
+              "4:1 error repeated-section\n")
+        << "the code of a section that is hidden";
+}
+
 TEST(CheckStrings, LimitsLengths) {
     const std::string limit = "# orva: max-length 4\n";
     EXPECT_EQ(Check("QVLANG=en\n" + limit +

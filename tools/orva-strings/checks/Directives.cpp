@@ -17,6 +17,7 @@ void Directives::Read(const MeantReader& line, FindingCollector& findings) {
         }
     }
     m_isBelowHeader = IsRightBelowHeader(line.Lines(), m_isBelowHeader);
+    m_hasLanguage = m_hasLanguage && m_isBelowHeader && !line.Lines().IsHeader();
     for (; m_pending < m_silences.size(); ++m_pending) {
         m_silences[m_pending].line = line.Line().number;
     }
@@ -36,11 +37,7 @@ void Directives::Follow(const Directive& directive, const StringsLine& line,
         return;
     }
     if (name == kLanguageDirective && IsLanguageCode(value)) {
-        if (!m_isBelowHeader) {
-            findings.Add(Rule::kUnusedDirective, line, name, {},
-                         "this is not right below the header of a section, whose language it could "
-                         "say");
-        }
+        CheckLanguage(directive, line, findings);
         return;
     }
     const std::optional<std::size_t> number = ReadNumber(value);
@@ -53,6 +50,27 @@ void Directives::Follow(const Directive& directive, const StringsLine& line,
         Rule::kBadDirective, line, name, {},
         "this directive has no effect; write 'disable-next-line RULE', 'max-length NUMBER' "
         "or 'language CODE'");
+}
+
+// As other commands take it. A section that hides another of its name may have its code.
+void Directives::CheckLanguage(const Directive& directive, const StringsLine& line,
+                               FindingCollector& findings) {
+    const auto [name, code] = directive;
+    if (!m_isBelowHeader) {
+        findings.Add(Rule::kUnusedDirective, line, name, {},
+                     "this is not right below the header of a section, whose language it could "
+                     "say");
+        return;
+    }
+    const std::string_view other = m_sections.emplace(code, findings.Section()).first->second;
+    if (m_hasLanguage) {
+        findings.Add(Rule::kBadDirective, line, name, {},
+                     "this gives the section a second language code");
+    } else if (!EqualWithoutCase()(other, findings.Section())) {
+        findings.Add(Rule::kBadDirective, line, name, {},
+                     "this gives the section a language code that " + std::string(other) + " has");
+    }
+    m_hasLanguage = true;
 }
 
 void Directives::AddSilences(std::string_view names, const StringsLine& line,

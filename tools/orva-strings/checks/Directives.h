@@ -8,6 +8,7 @@
 
 #include "tools/orva-strings/checks/FindingCollector.h"
 #include "tools/orva-strings/checks/MeantReader.h"
+#include "tools/orva-strings/checks/SectionKeys.h"
 #include "tools/orva-strings/document/Directive.h"
 
 // The directives in a file: comments that say "orva:" first, and then
@@ -42,12 +43,17 @@ private:
     };
 
     void Follow(const Directive& directive, const StringsLine& line, FindingCollector& findings);
+    void CheckLanguage(const Directive& directive, const StringsLine& line,
+                       FindingCollector& findings);
     void CheckLimit(FindingCollector& findings) const;
     void AddSilences(std::string_view names, const StringsLine& line, FindingCollector& findings);
 
     std::vector<Silence> m_silences;
     std::size_t m_pending = 0;     // the first silence whose line is not known yet
     bool m_isBelowHeader = false;  // only comments and blank lines come between
+    bool m_hasLanguage = false;    // the section
+    std::unordered_map<std::string_view, std::string_view, HashWithoutCase, EqualWithoutCase>
+        m_sections;  // by language code
     std::size_t m_nextLimit = kNoLimit;
     StringsLine m_limitLine = {};  // which sets it
     std::unordered_map<std::string_view, std::size_t> m_limits;
