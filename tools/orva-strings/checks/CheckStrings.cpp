@@ -16,6 +16,7 @@
 #include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/document/Encoding.h"
 #include "tools/orva-strings/document/NearMisses.h"
+#include "tools/orva-strings/document/SectionNames.h"
 
 namespace {
 
@@ -236,7 +237,7 @@ void FileCheck::CheckHeader(const MeantReader& line) {
                        "everything up to the end of the line is part of the section's name; write "
                        "only the name");
     }
-    const std::string_view compared = name.substr(0, name.find('\0'));
+    const std::string_view compared = ComparedName(name);
     // Only what the library reads as a header can hide another.
     const bool isRead = IsHeader(line.Line().text);
     const auto first = m_sectionLines.find(compared);

@@ -1,5 +1,7 @@
 #include "tools/orva-strings/checks/MeantReader.h"
 
+#include "tools/orva-strings/Ascii.h"
+
 bool MeantReader::Next() {
     if (!m_lines.Next()) {
         return false;
@@ -19,8 +21,7 @@ namespace {
 bool IsWord(std::string_view name) {
     name = TrimBlanks(name);
     const char first = name.empty() ? '\0' : name.front();
-    return ((first >= 'a' && first <= 'z') || (first >= 'A' && first <= 'Z')) &&
-           name.find('"') == std::string_view::npos;
+    return IsLetter(first) && name.find('"') == std::string_view::npos;
 }
 
 }  // namespace

@@ -4,15 +4,9 @@
 #include <cstddef>
 #include <utility>
 
+#include "tools/orva-strings/Ascii.h"
+
 namespace {
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-bool IsLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
 
 bool IsIn(char c, std::string_view set) {
     return set.find(c) != std::string_view::npos;

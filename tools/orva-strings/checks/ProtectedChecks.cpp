@@ -3,14 +3,11 @@
 #include <algorithm>
 #include <functional>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/document/NearMisses.h"
 #include "tools/orva-strings/protection/ProtectedText.h"
 
 namespace {
-
-bool IsLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
 
 // Whether a value nearly looks stored: at most two of its characters are wrong, missing or too many.
 bool IsNearlyStored(std::string_view value) {

@@ -3,25 +3,19 @@
 #include <algorithm>
 #include <string>
 
-namespace {
-
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-}  // namespace
+#include "tools/orva-strings/Ascii.h"
 
 std::size_t HashWithoutCase::operator()(std::string_view key) const {
     std::size_t hash = 14695981039346656037U;  // FNV-1a
     for (const char c : key) {
-        hash = (hash ^ static_cast<unsigned char>(Lower(c))) * 1099511628211U;
+        hash = (hash ^ static_cast<unsigned char>(ToLower(c))) * 1099511628211U;
     }
     return hash;
 }
 
 bool EqualWithoutCase::operator()(std::string_view a, std::string_view b) const {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return Lower(x) == Lower(y); });
+                      [](char x, char y) { return ToLower(x) == ToLower(y); });
 }
 
 void SectionKeys::Clear() {

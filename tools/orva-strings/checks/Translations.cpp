@@ -8,6 +8,7 @@
 #include "tools/orva-strings/checks/ProtectedChecks.h"
 #include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/document/NoSection.h"
+#include "tools/orva-strings/document/SectionNames.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ std::vector<Translation> ReadSections(std::string_view bytes) {
     for (MeantReader line(bytes); line.Next();) {
         if (line.Kind() == LineKind::kHeader) {
             const std::string_view name = MeantSectionName(line.SectionName());
-            if (names.insert(name.substr(0, name.find('\0'))).second) {
+            if (names.insert(ComparedName(name)).second) {
                 sections.push_back({name, line.Line().number, SectionEntries(line), {}, {}});
             }
         }

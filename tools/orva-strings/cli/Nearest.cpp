@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/orva-strings/Ascii.h"
+
 namespace {
 
 constexpr std::size_t kMaxDistance = 2;
@@ -25,7 +27,7 @@ std::string Folded(std::string_view text) {
     std::string folded;
     for (const char c : text) {
         if (c != ' ' && c != '\t') {
-            folded += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+            folded += ToLower(c);
         }
     }
     return folded;

@@ -4,20 +4,8 @@
 #include <charconv>
 #include <system_error>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/document/LineText.h"
-
-namespace {
-
-// Not those of <cctype>, which follow the locale.
-bool IsLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool IsLetterOrDigit(char c) {
-    return IsLetter(c) || (c >= '0' && c <= '9');
-}
-
-}  // namespace
 
 std::optional<Directive> ReadDirective(std::string_view text) {
     if (!IsCommentLike(text)) {

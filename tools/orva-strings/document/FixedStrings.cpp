@@ -9,23 +9,22 @@
 #include <OrvaLanguage/KorString.h>
 
 #include "strings/Line.h"
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/document/Encoding.h"
 #include "tools/orva-strings/document/LineText.h"
 #include "tools/orva-strings/document/NearHeader.h"
 #include "tools/orva-strings/document/PieceWriter.h"
+#include "tools/orva-strings/document/SectionNames.h"
 
 namespace {
 
 // Whether one name comes before another, in an order in which names are equal that the library takes
-// for equal: up to a NUL, and without the case of ASCII letters.
+// for equal.
 bool IsNameBefore(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    a = a.substr(0, a.find('\0'));
-    b = b.substr(0, b.find('\0'));
+    a = ComparedName(a);
+    b = ComparedName(b);
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [&](char x, char y) { return lower(x) < lower(y); });
+                                        [](char x, char y) { return ToLower(x) < ToLower(y); });
 }
 
 std::string_view NameIn(std::string_view header) {

@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <string>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/document/NearMisses.h"
 
 namespace {
 
-bool IsLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 bool IsNameCharacter(char c) {
-    return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '.' || c == '-' || c == '/';
+    return IsLetterOrDigit(c) || c == '_' || c == '.' || c == '-' || c == '/';
 }
 
 // From the first character of a name on.

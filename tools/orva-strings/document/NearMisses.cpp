@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/document/LineText.h"
 
 namespace {
@@ -20,14 +21,10 @@ void ForEachPiece(std::string_view text, const Visit& visit) {
     }
 }
 
-bool IsLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 // Whether a byte ends the blanks and comment marks before a key. A carriage return does, since what
 // follows it is a separate piece.
 bool CanBeginKey(char c) {
-    return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '\r';
+    return IsLetterOrDigit(c) || c == '_' || c == '\r';
 }
 
 bool BeginsWithIde(std::string_view text) {

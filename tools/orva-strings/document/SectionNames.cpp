@@ -4,8 +4,12 @@
 
 #include "strings/Line.h"
 
+std::string_view ComparedName(std::string_view name) {
+    return name.substr(0, name.find('\0'));
+}
+
 bool SectionNames::Add(std::string_view name) {
-    const std::string requested(name.substr(0, name.find('\0')));  // as a host would
+    const std::string requested(ComparedName(name));
     const bool isFirst = m_names.empty();
     return m_names.insert(requested).second && (isFirst || !requested.empty());
 }

@@ -3,18 +3,17 @@
 #include <algorithm>
 #include <utility>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/document/Directive.h"
 #include "tools/orva-strings/document/SectionNames.h"
 
 namespace {
 
-// A name as a host would request it, equal for names that differ only in the case of letters.
+// Equal for names that the library takes for equal.
 std::string Folded(std::string_view name) {
-    std::string folded(name.substr(0, name.find('\0')));
-    std::transform(folded.begin(), folded.end(), folded.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    std::string folded(ComparedName(name));
+    std::transform(folded.begin(), folded.end(), folded.begin(), ToLower);
     return folded;
 }
 

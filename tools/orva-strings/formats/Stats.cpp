@@ -12,13 +12,9 @@
 #include "tools/orva-strings/cli/Json.h"
 #include "tools/orva-strings/cli/Printable.h"
 #include "tools/orva-strings/document/NearHeader.h"
+#include "tools/orva-strings/document/SectionNames.h"
 
 namespace {
-
-// What the library compares of a section's name.
-std::string_view Compared(std::string_view name) {
-    return name.substr(0, name.find('\0'));
-}
 
 using CountsByName =
     std::unordered_map<std::string_view, Counts, HashWithoutCase, EqualWithoutCase>;
@@ -28,7 +24,7 @@ CountsByName CountBySection(const RuleFindings& findings, std::size_t firstLine)
     CountsByName counts;
     for (const RuleFinding& finding : findings) {
         if (finding.place && finding.place->line >= firstLine) {
-            counts[Compared(MeantSectionName(finding.section))].Add(finding.severity);
+            counts[ComparedName(MeantSectionName(finding.section))].Add(finding.severity);
         }
     }
     return counts;
@@ -79,7 +75,7 @@ FileStats StatsOf(const std::string& file, const Translations& translations,
     CountsByName countsByName = CountBySection(findings, translations.languages[0].line);
     for (const Translation& language : translations.languages) {
         const std::string name(language.name);
-        const Counts counts = countsByName[Compared(language.name)];
+        const Counts counts = countsByName[ComparedName(language.name)];
         const bool isReference = &language == &translations.Reference();
         LanguageStats own = {name, language.line, isReference, {}};
         const auto add = [&](const char* what, std::optional<std::size_t> value) {

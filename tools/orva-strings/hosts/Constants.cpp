@@ -6,6 +6,7 @@
 #include <iterator>
 #include <unordered_map>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/hosts/CommentText.h"
 #include "tools/orva-strings/hosts/Macros.h"
@@ -169,11 +170,7 @@ constexpr std::string_view kSwiftWords[] = {"Any",
                                             "while"};
 
 bool IsNameCharacter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
+    return IsLetterOrDigit(c) || c == '_';
 }
 
 template <typename Words>

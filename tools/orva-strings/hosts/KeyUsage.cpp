@@ -8,6 +8,7 @@
 #include <optional>
 #include <utility>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/cli/Nearest.h"
 #include "tools/orva-strings/hosts/Constants.h"
@@ -56,16 +57,14 @@ bool EndsAsPart(std::string_view text) {
 }  // namespace
 
 bool IsCallName(std::string_view name) {
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    const auto isInWord = [&](char c) {
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || isDigit(c) || c == '_' ||
-               (c & '\x80') != 0;
+    const auto isInWord = [](char c) {
+        return IsLetterOrDigit(c) || c == '_' || (c & '\x80') != 0;
     };
     const std::string whole = WithColons(std::string(name));
     for (std::string_view rest = whole;;) {
         const std::size_t end = rest.find("::");
         const std::string_view word = rest.substr(0, end);
-        if (word.empty() || isDigit(word[0]) || !std::all_of(word.begin(), word.end(), isInWord)) {
+        if (word.empty() || IsDigit(word[0]) || !std::all_of(word.begin(), word.end(), isInWord)) {
             return false;
         }
         if (end == std::string_view::npos) {

@@ -6,16 +6,13 @@
 #include <utf8cpp/utf8.h>
 #include <utility>
 
+#include "tools/orva-strings/Ascii.h"
 #include "tools/orva-strings/checks/FindingCollector.h"
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool IsWordStart(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || (c & '\x80') != 0;
+    return IsLetter(c) || c == '_' || (c & '\x80') != 0;
 }
 
 bool IsInWord(char c) {
