@@ -11,7 +11,7 @@
 set -euo pipefail
 build=$1 source=$2 update=${3:-}
 baseline=$source/packaging/abi/libOrvaLanguage.so.1-x86_64.xml
-command -v abidiff >/dev/null || { echo "skipped: abidiff is missing"; exit 77; }
+command -v abidiff >/dev/null || { echo "skipped: abidiff is missing; scripts/setup check installs it"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

@@ -132,5 +132,5 @@ print(*FAULTS, sep="\n")
 if FAULTS:
     sys.exit(1)
 if missing:
-    print("skipped: missing", *missing)
+    print("skipped; scripts/setup docs installs what is missing:", *missing)
     sys.exit(77)

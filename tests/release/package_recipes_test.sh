@@ -8,7 +8,7 @@
 # Skipped without ruby, which scripts/setup check installs.
 set -euo pipefail
 source=$1
-command -v ruby >/dev/null || { echo "skipped: ruby is missing"; exit 77; }
+command -v ruby >/dev/null || { echo "skipped: ruby is missing; scripts/setup check installs it"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 

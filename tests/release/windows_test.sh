@@ -8,7 +8,7 @@
 # Skipped where a program or a toolkit is missing: scripts/setup windows installs them.
 set -euo pipefail
 source=$1 tool=$2
-skip() { echo "skipped: $1 is missing"; exit 77; }
+skip() { echo "skipped: $1 is missing; scripts/setup windows installs it"; exit 77; }
 for program in Xvfb dbus-run-session openbox scrot xdotool; do
     command -v "$program" >/dev/null || skip "$program"
 done

@@ -9,9 +9,9 @@ set -euo pipefail
 source=$(cd "$1" && pwd)
 PATH=$(cd "$(dirname "$2")" && pwd):$PATH
 for program in git pre-commit vim; do
-    command -v "$program" >/dev/null || { echo "skipped: $program is missing"; exit 77; }
+    command -v "$program" >/dev/null || { echo "skipped: $program is missing; scripts/setup check installs it"; exit 77; }
 done
-vim --version | grep +quickfix >/dev/null || { echo "skipped: this vim has no quickfix list"; exit 77; }
+vim --version | grep +quickfix >/dev/null || { echo "skipped: this vim has no quickfix list; scripts/setup check installs one that has"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export HOME=$work/home PRE_COMMIT_HOME=$work/pre-commit

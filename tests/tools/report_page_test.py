@@ -19,10 +19,10 @@ try:
     from selenium.webdriver.common.by import By
     from selenium.webdriver.common.keys import Keys
 except ImportError:
-    print("skipped: missing selenium")
+    print("skipped: selenium is missing; scripts/setup page installs it")
     sys.exit(77)
 if not (shutil.which("chromium") and shutil.which("chromedriver")):
-    print("skipped: missing chromium or chromedriver")
+    print("skipped: Chromium or ChromeDriver is missing; scripts/setup page installs them")
     sys.exit(77)
 
 TOOL = str(Path(sys.argv[1]).resolve())

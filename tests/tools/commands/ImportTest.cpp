@@ -308,7 +308,7 @@ TEST_F(Import, ReadsADocumentOnStandardInput) {
     EXPECT_EQ(Run(arguments, document), 0);
     EXPECT_EQ(Strings(), With({{"\"Auf\"", "\"Öffnen\""}}));
     EXPECT_EQ(Run(arguments, "x"), 1);
-    EXPECT_EQ(m_err, "-:1: error: this is no well-formed XML: syntax error\n");
+    EXPECT_EQ(m_err, "-:1: error: this is not well-formed XML: syntax error\n");
     EXPECT_EQ(Run({"import", "-", "-"}, document), 2);
     EXPECT_EQ(m_err, "orva-strings: error: - is standard input, which can be read only once\n");
 }
@@ -473,7 +473,7 @@ TEST_F(Import, LeavesTheFileAsItWasAfterABadDocument) {
     Write("other.xlf", Whole(Part("fr", Xml({"MENU_OPEN", "open", "Öffnen"}))));
     EXPECT_EQ(RunWith({"good.xlf", "bad.xlf", "other.xlf"}), 1);
     EXPECT_EQ(m_err,
-              "bad.xlf:2: error: this is no well-formed XML: unclosed token\n"
+              "bad.xlf:2: error: this is not well-formed XML: unclosed token\n"
               "other.xlf:2: warning: MENU_OPEN: passed over, since its source is no longer the "
               "text of the reference\n");
     EXPECT_EQ(Strings(), kSource);

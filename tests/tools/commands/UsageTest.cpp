@@ -273,7 +273,7 @@ TEST_F(Usage, TakesNoLetterForTheBeginningOfKeys) {
 TEST_F(Usage, FindsBeginningsThatNoKeyHas) {
     EXPECT_EQ(Find("a.cpp", "ZuGetLocalizedString(\"MENV_\" + x); ZuGetLocalizedString(\"A\" + x)",
                    "ABCD", {"--keep", "*"}),
-              "src/a.cpp:1:22: error: MENV_: no key begins so [unknown-key]\n"
+              "src/a.cpp:1:22: error: MENV_: no key begins like this [unknown-key]\n"
               "src/a.cpp:1:57: note: A: keys that begin so may be put together at run time; 1 is "
               "mentioned nowhere else: ABCD [built-key]\n"
               "1 error and 1 note in 2 files\n");
@@ -293,7 +293,7 @@ TEST_F(Usage, ReadsSwift) {
                    "let a = ZuGetLocalizedString(\"ABCD\")!\n/* /* */ \"EFGH\" */\n"
                    "b(ZuGetLocalizedString(\"X\\(c(\"EFGH\"))\"), TextOr(Keys.IJKL, \"d\"))",
                    "ABCD EFGH IJKL"),
-              "src/a.swift:3:24: error: X: no key begins so [unknown-key]\n1 error in 2 files\n");
+              "src/a.swift:3:24: error: X: no key begins like this [unknown-key]\n1 error in 2 files\n");
 }
 
 TEST_F(Usage, FindsSourcesByTheirNames) {

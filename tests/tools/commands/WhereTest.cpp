@@ -102,7 +102,7 @@ TEST_F(Where, NeedsTheExecutable) {
          {Make("host.cpp"), MakeProgram("host.py", "#!/usr/bin/python3\n"), Path("")}) {
         EXPECT_EQ(Run({"where", other, "a.strings"}), 2);
         EXPECT_EQ(m_err, "orva-strings: error: " + other +
-                             " is no program; of a script, name the interpreter\n");
+                             " is not a program; of a script, name the interpreter\n");
     }
 }
 

@@ -263,35 +263,35 @@ TEST(XliffReader, RefusesWhatIsNotXliff) {
         std::string document;
         std::string error;
     } cases[] = {
-        {"", "1: this is no well-formed XML: no element found"},
-        {"\n\n", "3: this is no well-formed XML: no element found"},
-        {"QVLANG=en\n", "1: this is no well-formed XML: not well-formed (invalid token)"},
-        {"<xliff", "1: this is no well-formed XML: unclosed token"},
-        {kStart, "1: this is no well-formed XML: no element found"},
-        {Document("\n<trans-unit>"), "2: this is no well-formed XML: mismatched tag"},
-        {Document("") + "<x/>", "1: this is no well-formed XML: junk after document element"},
+        {"", "1: this is not well-formed XML: no element found"},
+        {"\n\n", "3: this is not well-formed XML: no element found"},
+        {"QVLANG=en\n", "1: this is not well-formed XML: not well-formed (invalid token)"},
+        {"<xliff", "1: this is not well-formed XML: unclosed token"},
+        {kStart, "1: this is not well-formed XML: no element found"},
+        {Document("\n<trans-unit>"), "2: this is not well-formed XML: mismatched tag"},
+        {Document("") + "<x/>", "1: this is not well-formed XML: junk after document element"},
         {Document(Unit("\n<target>&nbsp;</target>")),
-         "2: this is no well-formed XML: undefined entity"},
+         "2: this is not well-formed XML: undefined entity"},
         {Document(Unit("<target>&#1;</target>")),
-         "1: this is no well-formed XML: reference to invalid character number"},
+         "1: this is not well-formed XML: reference to invalid character number"},
         {Document(Unit("<target>\x01</target>")),
-         "1: this is no well-formed XML: not well-formed (invalid token)"},
+         "1: this is not well-formed XML: not well-formed (invalid token)"},
         {Document(Unit("<target>\0</target>"s)),
-         "1: this is no well-formed XML: not well-formed (invalid token)"},
+         "1: this is not well-formed XML: not well-formed (invalid token)"},
         {Document(Unit("<target>\xFF</target>")),
-         "1: this is no well-formed XML: not well-formed (invalid token)"},
+         "1: this is not well-formed XML: not well-formed (invalid token)"},
         {Document("<trans-unit id=\"a\" id=\"b\"/>"),
-         "1: this is no well-formed XML: duplicate attribute"},
-        {Document("<o:a/>"), "1: this is no well-formed XML: unbound prefix"},
+         "1: this is not well-formed XML: duplicate attribute"},
+        {Document("<o:a/>"), "1: this is not well-formed XML: unbound prefix"},
         {"<?xml version=\"1.0\" encoding=\"windows-1252\"?><xliff/>",
-         "1: this is no well-formed XML: unknown encoding"},
+         "1: this is not well-formed XML: unknown encoding"},
         {"<html>", "1: not an XLIFF document: it begins with <html>, not with <xliff>"},
         {"\n<xliff/>", "2: XLIFF of version ''; only 1.1 and 1.2 are read"},
         {"<xliff version=\"1.0\"/>", "1: XLIFF of version '1.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"2.0\" xmlns=\"urn:oasis:names:tc:xliff:document:2.0\"/>",
          "1: XLIFF of version '2.0'; only 1.1 and 1.2 are read"},
         {"<xliff version=\"1.2\" xmlns=\"urn:other\"/>",
-         "1: XLIFF of version 1.2 has not the namespace 'urn:other'"},
+         "1: XLIFF of version 1.2 does not have the namespace 'urn:other'"},
         {"<!DOCTYPE xliff>\n" + Document(""),
          "1: a document type, which could define entities, is not accepted"},
         {"\n<!DOCTYPE xliff SYSTEM \"file:///etc/passwd\">" + Document(""),
@@ -341,7 +341,7 @@ TEST(XliffReader, ReadsDeeplyNestedElements) {
     }
     EXPECT_EQ(UnitOf("<target>" + begin + "a" + end + "</target>").target, "a");
     EXPECT_EQ(ErrorOf(Document(Unit("<target>" + begin))),
-              "1: this is no well-formed XML: mismatched tag");
+              "1: this is not well-formed XML: mismatched tag");
 }
 
 TEST(XliffReader, HandsOnWhatTheCallerThrows) {

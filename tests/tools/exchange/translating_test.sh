@@ -12,7 +12,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 PATH=$(cd "$(dirname "$2")" && pwd):/usr/lib/qt6/bin:$PATH
 python=/usr/bin/python3
 for program in podebug pofilter pomerge xliff2po po2xliff po2csv csv2po lconvert "$python"; do
-    command -v "$program" >/dev/null || { echo "skipped: $program is missing"; exit 77; }
+    command -v "$program" >/dev/null || { echo "skipped: $program is missing; scripts/setup exchange installs it"; exit 77; }
 done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -14,7 +14,7 @@ checksum=0357ce84f77a21ce620e4e05f583f0d6a341e1717eefe22f891ef197caf617a433424c7
 python=/usr/bin/python3
 # Without rfc3987, URIs would pass unchecked.
 if ! command -v npm >/dev/null || ! "$python" -c 'import jsonschema, rfc3987' 2>/dev/null; then
-    echo "skipped: no npm, or no validator; 'scripts/setup check' installs them"
+    echo "skipped: npm or the validator is missing; scripts/setup check installs them"
     exit 77
 fi
 work=$(mktemp -d)

@@ -93,7 +93,7 @@ std::size_t Directives::MaxLength(std::string_view key) const {
 void Directives::CheckLimit(FindingCollector& findings) const {
     if (m_nextLimit != kNoLimit) {
         findings.Add(Rule::kUnusedDirective, m_limitLine, m_limitLine.text, {},
-                     "the next line is no entry whose length it could limit");
+                     "the next line is not an entry whose length it could limit");
     }
 }
 

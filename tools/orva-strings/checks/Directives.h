@@ -17,7 +17,7 @@
 //     max-length NUMBER          limits the texts of the next line's key
 //     language CODE              below a section's header: its language, for other programs
 //
-// The next line is the first one after it that is no directive itself.
+// The next line is the first one after it that is not a directive itself.
 class Directives {
 public:
     static constexpr auto kNoLimit = static_cast<std::size_t>(-1);

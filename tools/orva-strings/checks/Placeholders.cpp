@@ -168,7 +168,7 @@ std::size_t Scanner::Conversion(std::size_t percent) {
     return i + 1;
 }
 
-// %1 or %L1. Anything else is no placeholder, but may be one of strftime.
+// %1 or %L1. Anything else is not a placeholder, but may be one of strftime.
 std::size_t Scanner::Numbered(std::size_t percent) {
     const std::size_t begin = percent + (At(percent + 1) == 'L' ? 2 : 1);
     const std::size_t end = std::min(Skip(begin, IsDigit), begin + 2);

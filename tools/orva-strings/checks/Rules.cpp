@@ -109,7 +109,7 @@ const RuleText kRules[] = {
     {"short-key",
      kError,
      "a key of fewer than four bytes",
-     "The line is no entry, so lookups of the key answer null. Choose a longer key.",
+     "The line is not an entry, so lookups of the key answer null. Choose a longer key.",
      {"QVLANG=en\nOK=\"OK\"\n", "QVLANG=en\nBTN_OK=\"OK\"\n"}},
     {"key-blanks",
      kError,
@@ -232,7 +232,7 @@ const RuleText kRules[] = {
     {"leaked-text",
      kError,
      "with --shipped, a protected text that is readable elsewhere in the file",
-     "Everyone who has the file can read it: in a comment or another line that is no entry, in a "
+     "Everyone who has the file can read it: in a comment or another line that is not an entry, in a "
      "line that is nearly a protected entry, before the first section, or as the whole text of "
      "another key. Remove it. Within longer lines, only texts of eight bytes or more are found.",
      {"QVLANG=en\n# was: Secret\nIDE_TITLE=\"" ORVA_SECRET "\"\n",

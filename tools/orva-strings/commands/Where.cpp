@@ -52,7 +52,7 @@ public:
         }
         if (!IsProgram(executable)) {
             throw std::runtime_error(m_executable +
-                                     " is no program; of a script, name the interpreter");
+                                     " is not a program; of a script, name the interpreter");
         }
         const std::unique_ptr<__CFBundle, void (*)(__CFBundle*)> bundle(OpenMainBundle(executable),
                                                                         CloseBundle);

@@ -11,7 +11,7 @@
 // The texts of protected entries, to find where else they are.
 class SecretTexts {
 public:
-    // Adds a text. One without anything but blanks is no secret.
+    // Adds a text. One without anything but blanks is not a secret.
     void Add(std::string_view text);
 
     bool IsEmpty() const { return m_texts.empty(); }

@@ -157,7 +157,7 @@ void XliffReader::Parse(std::string_view piece, bool isLast) {
             throw std::bad_alloc();
         }
         throw XliffError(Line(),
-                         std::string("this is no well-formed XML: ") + XML_ErrorString(error));
+                         std::string("this is not well-formed XML: ") + XML_ErrorString(error));
     }
 }
 
@@ -217,7 +217,7 @@ void XliffReader::StartRoot(std::string_view name, const char** attributes) {
     }
     if (!IsAmong(kNamespaces, m_namespace)) {
         throw XliffError(
-            Line(), "XLIFF of version " + version + " has not the namespace '" + m_namespace + "'");
+            Line(), "XLIFF of version " + version + " does not have the namespace '" + m_namespace + "'");
     }
     m_place = Place::kXliff;
 }

@@ -81,7 +81,7 @@ public:
     // are passed over.
     explicit NoteReader(const std::optional<SecretTexts>& secrets) : m_secrets(secrets) {}
 
-    // Takes a line that is no entry.
+    // Takes a line that is not an entry.
     void Read(std::string_view line) {
         if (!IsCommentLike(line)) {
             m_note.clear();

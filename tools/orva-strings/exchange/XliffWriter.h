@@ -39,7 +39,7 @@ struct XliffTargets {
 
 // Writes the entries of a reference section, each with its translation in another section, as XLIFF
 // 1.2. Of repeated keys, the first is written, as the library answers it. A line that was meant as a
-// comment is no entry, even where the library reads one.
+// comment is not an entry, even where the library reads one.
 class XliffWriter {
 public:
     // The reader is at the header of the reference section in the bytes of a file, which must outlive

@@ -416,7 +416,7 @@ void KeyUsage::AddUnknownBeginning(std::string_view text, const Place& place) {
     if (!IsBeginning(text)) {
         m_report.back().findings.push_back({Rule::kUnknownKey, Severity::kError, place, "",
                                             std::string(text),
-                                            std::string(text) + ": no key begins so"});
+                                            std::string(text) + ": no key begins like this"});
     }
 }
 

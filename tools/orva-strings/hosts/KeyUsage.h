@@ -29,7 +29,7 @@ public:
     // The options and what the keys refer to must outlive the object.
     KeyUsage(std::vector<HostKey> keys, const UsageOptions& options);
 
-    // Reads a source. Finds the literals in calls that are no keys.
+    // Reads a source. Finds the literals in calls that are not keys.
     void Read(const std::string& file, std::string_view bytes, SourceLanguage language);
 
     // What was found in each source, and then in the strings file: its keys that no source mentions.

@@ -151,7 +151,7 @@ SourceToken SourceReader::ReadToken() {
     return token;
 }
 
-// Passes over one thing that is no token. Returns whether there was one.
+// Passes over one thing that is not a token. Returns whether there was one.
 bool SourceReader::SkipBlanks() {
     const char c = Peek();
     if (m_at >= m_bytes.size()) {
