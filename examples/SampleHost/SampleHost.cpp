@@ -1,6 +1,10 @@
 // A minimal host: loads its texts in the requested language and shows them.
 //
 // Usage: SampleHost [LANGUAGE [FILE]]
+//
+// c++ SampleHost.cpp -o app/SampleHost $(pkg-config --cflags --libs OrvaLanguage)
+// orva-strings protect -o app/Sample.strings Sample.strings
+// In a bundle, the two stand elsewhere: see docs/building.md.
 #include <cstdio>
 #include <initializer_list>
 

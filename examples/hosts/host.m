@@ -1,5 +1,6 @@
 // Objective-C on macOS: clang -fobjc-arc host.m -o Host -framework Foundation …
-// With GNUstep, instead of the framework: $(gnustep-config --objc-flags) $(gnustep-config --base-libs)
+// With GNUstep and clang, instead of -fobjc-arc and the framework:
+// $(gnustep-config --objc-flags) $(gnustep-config --base-libs)
 // and, so that clang finds its runtime's headers, -idirafter "$(gcc -print-file-name=include)".
 // … stands for $(pkg-config --cflags --libs OrvaLanguage).
 #import <Foundation/Foundation.h>

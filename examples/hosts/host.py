@@ -3,6 +3,8 @@ import ctypes
 import os
 import sys
 
+if len(sys.argv) != 2:
+    sys.exit("Usage: host.py BUNDLE")
 orva = ctypes.CDLL("libOrvaLanguage.so.1")
 orva.ZuOpenBundle.argtypes = [ctypes.c_char_p]
 orva.ZuOpenBundle.restype = ctypes.c_void_p  # an int would lose half of the pointer

@@ -203,12 +203,13 @@ TEST_F(OrvaStrings, RefusesTextBeforeTheFirstQuote) {
          false},
         {"IDE_X=" + stored, "IDE_X=x", false},
     };
+    WriteKey("other", 1);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.entry);
         const std::string bytes = "QVLANG=en\n" + c.entry + "\n";
         const std::vector<std::string> commands[] = {
             {"protect", "-", "--key-file", DEVELOPMENT_KEY},
-            {"rekey", "-", "--from", DEVELOPMENT_KEY, "--to", DEVELOPMENT_KEY},
+            {"rekey", "-", "--from", Path("other"), "--to", DEVELOPMENT_KEY},
         };
         for (const auto& command : commands) {
             EXPECT_EQ(Run(command, bytes), c.hasTextBefore ? 1 : 0) << command[0];
@@ -241,6 +242,14 @@ TEST_F(OrvaStrings, WarnsOfTextAfterEmptyQuotes) {
                                    : "")
             << c.rest;
     }
+}
+
+TEST_F(OrvaStrings, RekeysToAnotherKeyOnly) {
+    WriteKey("key", 1);
+    EXPECT_EQ(ToHex(WriteKey("same", 1)), ReadFile(Path("key")).substr(0, 64));
+    EXPECT_EQ(Run({"rekey", "--from", Path("key"), "--to", Path("same"), "-"}, kReadable), 2);
+    EXPECT_EQ(m_out, "");
+    EXPECT_EQ(m_err, "orva-strings: error: --from and --to are the same key\n");
 }
 
 TEST_F(OrvaStrings, DoesNotWriteOverTheKey) {
@@ -809,10 +818,11 @@ TEST_F(OrvaStrings, CountsNotesAndBlankLinesInItsMessages) {
 }
 
 TEST_F(OrvaStrings, ReportsAMissingSectionAlikeInEveryCommand) {
+    WriteKey("key", 1);
     const std::vector<std::string> commands[] = {
         {"protect", "--key-file", DEVELOPMENT_KEY, "-"},
         {"reveal", "-"},
-        {"rekey", "--from", DEVELOPMENT_KEY, "--to", DEVELOPMENT_KEY, "-"},
+        {"rekey", "--from", Path("key"), "--to", DEVELOPMENT_KEY, "-"},
         {"show", "-"},
         {"show", "--language", "de", "-"},
         {"sections", "-"},

@@ -336,7 +336,7 @@ TEST_F(Export, WritesAFileForEachLanguage) {
 
 TEST_F(Export, WritesOneLanguageToAFile) {
     const std::string file = Write("x", kThree);
-    const std::string output = Write("o", "old");
+    const std::string output = Write("o", "<!-- by another program --><xliff/>");
     EXPECT_EQ(Run({"export", file, "--language", "DEUTSCH", "-o", output}), 0);
     EXPECT_EQ(ReadFile(output), German());
     EXPECT_EQ(m_out, "");
@@ -376,6 +376,8 @@ TEST_F(Export, RefusesSectionsThatItCannotExport) {
     EXPECT_EQ(m_err, file + ": error: there is no section Deutsh; did you mean 'Deutsch'?\n");
     EXPECT_EQ(Run({"export", file, "--all", "--reference", "x", "-o", Path("o")}), 1);
     EXPECT_EQ(m_err, file + ": error: there is no section x\n");
+    EXPECT_EQ(Run({"export", file, "--all", "--code", "Deutch=de", "-o", Path("o")}), 1);
+    EXPECT_EQ(m_err, file + ": error: there is no section Deutch; did you mean 'Deutsch'?\n");
     EXPECT_EQ(
         Run({"export", Write("one", "QVLANG=en\n"), "--all", "--code=en=en", "-o", Path("o")}), 1);
     EXPECT_EQ(m_err, Path("one") + ": error: the file has no section but the reference\n");
@@ -412,6 +414,13 @@ TEST_F(Export, RefusesWrongOutputs) {
     expectUsageError({"--all", "--reveal", "--key-file", key, "-o", folder},
                      key + ": the output would overwrite this file");
     EXPECT_EQ(ReadFile(key), std::string(64, 'A'));
+
+    expectUsageError(
+        {"--language=Deutsch", "-o", Write("other", "x")},
+        Path("other") + ": not replaced, since 'orva-strings export' has not written it");
+    expectUsageError({"--language=Deutsch", "-o", Write("o", std::string(1000, ' ') + "<xliff")},
+                     Path("o") + ": not replaced, since 'orva-strings export' has not written it");
+    EXPECT_EQ(ReadFile(Path("other")), "x");
 
     const std::string name = Write("\xFF", kThree);
     EXPECT_EQ(Run({"export", name, "--language=Deutsch", "-o-"}), 2);

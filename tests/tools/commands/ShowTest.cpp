@@ -146,6 +146,12 @@ TEST_F(Show, SaysWhatMayHaveBeenMeantByASection) {
                   lost + "fr" + mark);
     EXPECT_EQ(Run({"show", "--language", "de", "-"}, file), 1);
     EXPECT_EQ(m_err, "-: error: there is no section de\n-:5" + lost + "fr" + mark);
+    EXPECT_EQ(Run({"show", "--language", "DE", "-"},
+                  "QVLANG=English\n# orva: language en\nQVLANG=Deutsch\n# x\n# orva: language de\n"
+                  "ABCD=1\n# orva: language DE\n"),
+              1);
+    EXPECT_EQ(m_err, "-: error: there is no section DE; did you mean 'Deutsch'?\n")
+        << "by its language code";
     EXPECT_EQ(Run({"show", "--language", "en", "-", "ABCD"}, file), 0);
     EXPECT_EQ(m_err, "") << "nothing was looked for in vain";
 

@@ -289,11 +289,12 @@ TEST_F(Usage, NamesOnlySomeOfManyKeys) {
 }
 
 TEST_F(Usage, ReadsSwift) {
-    EXPECT_EQ(Find("a.swift",
-                   "let a = ZuGetLocalizedString(\"ABCD\")!\n/* /* */ \"EFGH\" */\n"
-                   "b(ZuGetLocalizedString(\"X\\(c(\"EFGH\"))\"), TextOr(Keys.IJKL, \"d\"))",
-                   "ABCD EFGH IJKL"),
-              "src/a.swift:3:24: error: X: no key begins like this [unknown-key]\n1 error in 2 files\n");
+    EXPECT_EQ(
+        Find("a.swift",
+             "let a = ZuGetLocalizedString(\"ABCD\")!\n/* /* */ \"EFGH\" */\n"
+             "b(ZuGetLocalizedString(\"X\\(c(\"EFGH\"))\"), TextOr(Keys.IJKL, \"d\"))",
+             "ABCD EFGH IJKL"),
+        "src/a.swift:3:24: error: X: no key begins like this [unknown-key]\n1 error in 2 files\n");
 }
 
 TEST_F(Usage, FindsSourcesByTheirNames) {

@@ -212,7 +212,8 @@ void ProtectedChecks::CheckRest(std::string_view bytes) {
     if (m_options.rejectsKey && m_hasStored) {
         m_findings.AddForFile(Rule::kDevelopmentKey,
                               "the texts are stored with the development key, which is public; "
-                              "build with another, or allow it");
+                              "build the library with another, or accept this one with "
+                              "--allow-development-key");
     }
     for (MeantReader line(bytes); line.Next();) {
         FindMisplacedTexts(line);

@@ -232,7 +232,8 @@ const RuleText kRules[] = {
     {"leaked-text",
      kError,
      "with --shipped, a protected text that is readable elsewhere in the file",
-     "Everyone who has the file can read it: in a comment or another line that is not an entry, in a "
+     "Everyone who has the file can read it: in a comment or another line that is not an entry, in "
+     "a "
      "line that is nearly a protected entry, before the first section, or as the whole text of "
      "another key. Remove it. Within longer lines, only texts of eight bytes or more are found.",
      {"QVLANG=en\n# was: Secret\nIDE_TITLE=\"" ORVA_SECRET "\"\n",

@@ -40,9 +40,8 @@ Nearest::Nearest(std::string_view word)
       m_folded(Folded(word)),
       m_distance(std::min(kMaxDistance, word.empty() ? 0 : word.size() - 1)) {}
 
-void Nearest::Offer(std::string_view candidate) {
-    const std::size_t distance =
-        Folded(candidate) == m_folded ? 0 : Distance(m_word, candidate, m_distance);
+void Nearest::Offer(std::string_view candidate, std::string_view name) {
+    const std::size_t distance = Folded(name) == m_folded ? 0 : Distance(m_word, name, m_distance);
     if (distance > m_distance ||
         std::find(m_nearest.begin(), m_nearest.end(), candidate) != m_nearest.end()) {
         return;

@@ -14,7 +14,10 @@ public:
     // The word and the candidates must outlive the object.
     explicit Nearest(std::string_view word);
 
-    void Offer(std::string_view candidate);
+    void Offer(std::string_view candidate) { Offer(candidate, candidate); }
+
+    // Offers a candidate that has another name, too, by that name.
+    void Offer(std::string_view candidate, std::string_view name);
 
     // "; did you mean 'A' or 'B'?" with the first three of the nearest candidates, each after the
     // prefix; empty if there are none.

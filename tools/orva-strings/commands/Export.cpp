@@ -11,6 +11,7 @@
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/OwnOutput.h"
 #include "tools/orva-strings/document/FindSection.h"
 #include "tools/orva-strings/document/SectionNames.h"
 #include "tools/orva-strings/exchange/LanguageCodes.h"
@@ -76,6 +77,11 @@ std::string Summary(const XliffWriter& writer, const XliffTargets& targets) {
     return summary;
 }
 
+// Also as other programs have written it.
+bool IsXliff(std::string_view content) {
+    return content.substr(0, 1000).find("<xliff") != std::string_view::npos;
+}
+
 // Writes the entries of sections, with their translations, for translators' programs.
 class Export : public Command {
 public:
@@ -108,7 +114,12 @@ public:
         const FileSnapshot file = console.Read(m_file);
         Findings findings;
         const auto reference = FindSection(file.bytes, m_reference, false, findings);
-        if (!reference) {
+        for (const std::string& code : m_codes) {
+            if (const std::size_t equals = code.rfind('='); equals != std::string::npos) {
+                FindNamed(file.bytes, code.substr(0, equals), findings);
+            }
+        }
+        if (HasError(findings)) {
             return console.Report(findings, m_file);
         }
         const LanguageCodes codes(m_codes, StringsReader(file.bytes), findings);
@@ -172,13 +183,20 @@ private:
         return stale;
     }
 
+    // The section of this name. Adds an error if it is missing.
+    static std::optional<StringsReader> FindNamed(std::string_view bytes, const std::string& name,
+                                                  Findings& findings) {
+        Findings missing;
+        const auto section = FindSection(bytes, name, false, missing);
+        findings.insert(findings.end(), missing.begin(), missing.end());
+        return section;
+    }
+
     // Those that --language names, each once.
     std::vector<StringsReader> NamedSections(std::string_view bytes, Findings& findings) const {
         std::vector<StringsReader> sections;
         for (const std::string& language : m_languages) {
-            Findings missing;
-            const auto section = FindSection(bytes, language, false, missing);
-            findings.insert(findings.end(), missing.begin(), missing.end());
+            const auto section = FindNamed(bytes, language, findings);
             const auto isSame = [&](const StringsReader& other) {
                 return other.Line().number == section->Line().number;
             };
@@ -206,6 +224,9 @@ private:
                 if (fs::equivalent(outputs.back(), input, isMissing)) {
                     throw UsageError(outputs.back() + ": the output would overwrite this file");
                 }
+            }
+            if (outputs.back() != "-") {
+                ReadOwnOutput(outputs.back(), "export", IsXliff);
             }
         }
         std::error_code error;

@@ -1,3 +1,4 @@
+#include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/ChangingCommand.h"
 #include "tools/orva-strings/document/ProtectedEntries.h"
 
@@ -24,8 +25,12 @@ public:
 
 private:
     Findings Change(StringsDocument& document, const Console& console) override {
-        return RekeyEntries(document, console.ReadKey(m_from).Derive(),
-                            console.ReadKey(m_to).Derive());
+        const MasterKey from = console.ReadKey(m_from);
+        const MasterKey to = console.ReadKey(m_to);
+        if (from.Fingerprint() == to.Fingerprint()) {
+            throw UsageError("--from and --to are the same key");
+        }
+        return RekeyEntries(document, from.Derive(), to.Derive());
     }
 
     std::string m_from;

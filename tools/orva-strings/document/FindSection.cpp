@@ -6,6 +6,7 @@
 
 #include "strings/Line.h"
 #include "tools/orva-strings/cli/Nearest.h"
+#include "tools/orva-strings/document/Directive.h"
 #include "tools/orva-strings/document/LostHeader.h"
 #include "tools/orva-strings/document/NoSection.h"
 
@@ -15,16 +16,24 @@ std::optional<StringsReader> FindSection(std::string_view bytes, const std::stri
     Nearest nearest(language);
     Findings lost;
     StringsReader lines(bytes);
+    std::string_view section;
+    bool isBelowHeader = false;
     while (lines.Next()) {
+        const auto directive = ReadDirective(lines.Line().text);
+        if (isBelowHeader && directive && directive->name == kLanguageDirective) {
+            nearest.Offer(section, directive->value);
+        }
+        isBelowHeader = IsRightBelowHeader(lines, isBelowHeader);
         if (!lines.IsHeader()) {
             FindLostHeaders(lines, lost);
             continue;
         }
+        section = lines.SectionName();
         if (IsHeader(lines.Line().text, KorString::LANG_STATEMENT, language.c_str())) {
             return lines;
         }
         first = first ? first : lines;
-        nearest.Offer(lines.SectionName());
+        nearest.Offer(section);
     }
     findings = AsWarnings(std::move(lost));
     if (!first) {

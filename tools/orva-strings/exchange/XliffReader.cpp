@@ -216,8 +216,8 @@ void XliffReader::StartRoot(std::string_view name, const char** attributes) {
         throw XliffError(Line(), "XLIFF of version '" + version + "'; only 1.1 and 1.2 are read");
     }
     if (!IsAmong(kNamespaces, m_namespace)) {
-        throw XliffError(
-            Line(), "XLIFF of version " + version + " does not have the namespace '" + m_namespace + "'");
+        throw XliffError(Line(), "XLIFF of version " + version + " does not have the namespace '" +
+                                     m_namespace + "'");
     }
     m_place = Place::kXliff;
 }
