@@ -434,6 +434,11 @@ TEST_F(Export, RefusesWrongOutputs) {
                      key + ": the output would overwrite this file");
     EXPECT_EQ(ReadFile(key), std::string(64, 'A'));
 
+    const std::string base = Write("base", kThree);
+    expectUsageError({"--language=Deutsch", "--base", base, "-o", base},
+                     base + ": the output would overwrite this file");
+    EXPECT_EQ(ReadFile(base), kThree);
+
     const std::string name = Write("\xFF", kThree);
     EXPECT_EQ(Run({"export", name, "--language=Deutsch", "-o-"}), 2);
     EXPECT_EQ(m_err, "orva-strings: error: " + name + ": XML can't hold this name\n");
