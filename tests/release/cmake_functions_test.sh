@@ -38,8 +38,12 @@ target_link_libraries(myapp PRIVATE OrvaLanguage::OrvaLanguage)
 if(CONTENTS)
     set_target_properties(myapp PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CONTENTS}/Linux")
 endif()
+if(EXECUTABLE)
+    set_target_properties(myapp PROPERTIES OUTPUT_NAME "${EXECUTABLE}")
+endif()
 orva_add_strings(TARGET myapp SOURCE "My App.strings" NAME App.strings CHECK ${more})
-orva_generate_keys(TARGET myapp SOURCE "My App.strings" LANGUAGE c++ SCOPE app::keys)
+orva_generate_keys(TARGET myapp SOURCE "My App.strings" LANGUAGE c++ SCOPE app::keys
+    REFERENCE en)
 orva_embed(TARGET myapp)
 install(TARGETS myapp)
 END
@@ -130,11 +134,16 @@ for generator in "Unix Makefiles" Ninja; do
     made "$name" >"$work/made" || fail "$generator does not build:"
 done
 
-# Installed, and moved: the host finds its texts and its libraries.
+# Installed, and moved: the host finds its texts and its libraries, also if it is not called like its
+# target.
+configure named Ninja -DEXECUTABLE="My Tool" || fail "a host of another name does not configure:"
+cmake --build "$work/named" >"$work/log" 2>&1 || fail "a host of another name does not build:"
+cmake --install "$work/named" --prefix "$work/named_root" >"$work/log"
 cmake --install "$work/Ninja" --prefix "$work/installed" >"$work/log"
 mv "$work/installed" "$work/moved"
 mv "$work/prefix/lib" "$work/prefix/gone"
 expect "the installed host says" 'Hi, My App' "$("$work/moved/bin/myapp")"
+expect "that of another name says" 'Hi, My App' "$("$work/named_root/bin/My Tool")"
 expect "it has the libraries" 'libOrvaLanguage libnettle ' \
     "$(find "$work/moved/lib/myapp" -type f -exec basename {} \; | sed 's/\..*//' | sort | tr '\n' ' ')"
 ldd "$work/moved/lib/myapp"/libOrvaLanguage.* | grep -F "$work/moved/lib/myapp/libnettle" >/dev/null ||
@@ -178,6 +187,12 @@ expect "the bundle has" './Contents/Frameworks/libOrvaLanguage ./Contents/Framew
     "$(cd "$work/My App" && find . -type f | sed -E 's/(\/[^/.]*)\.[^/]*$/\1/' | LC_ALL=C sort | tr '\n' ' ')"
 "$tool" check --shipped --key-file "$work/key" "$work/My App/Contents/Resources/App.strings" >"$work/log" ||
     fail "the bundle's texts do not decode with its key:"
+later
+rm "$work/key"
+"$tool" key new "$work/key"
+cmake --build "$work/bundle" >"$work/log" 2>&1 || fail "the bundle does not build with another key:"
+"$tool" check --shipped --key-file "$work/key" "$work/My App/Contents/Resources/App.strings" >"$work/log" ||
+    fail "a change of the key is not noticed:"
 mv "$work/prefix/lib" "$work/prefix/gone"
 expect "the bundle's library is" "$work/My App/Contents/Frameworks" \
     "$(ldd "$work/My App/Contents/Linux/myapp" | sed -nE 's|.*=> (.*)/Linux/\.\./Frameworks/libOrvaLanguage.*|\1/Frameworks|p')"

@@ -633,6 +633,9 @@ TEST(CheckStrings, WantsOneLanguageForEachSection) {
               "5:9 warning bad-directive\n");
     EXPECT_EQ(Check("QVLANG=en\n# orva: language en\n\n# orva: language en-GB\nMENU=\"x\"\n"),
               "4:9 warning bad-directive\n");
+    EXPECT_EQ(Check(english + "QVLANG=de\n# orva: language en\n# orva: language de\nMENU=\"y\"\n"),
+              "5:9 warning bad-directive\n6:9 warning bad-directive\n")
+        << "a second one after one that another section has";
     EXPECT_EQ(Check("QVLANG=en\n# orva: language en\nQVLANG=de\n# orva: language de\n"
                     "MENU=\"y\"\n# orva: language de\n"),
               "5:1 warning extra-key\n6:9 warning unused-directive\n");

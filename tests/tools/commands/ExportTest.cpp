@@ -109,6 +109,20 @@ TEST_F(Export, AsksForAReviewOfWhatIsStale) {
     EXPECT_EQ(ReadFile(output), Document(units));
 }
 
+TEST_F(Export, AsksForAReviewInEachLanguageApart) {
+    const std::string base =
+        Write("base", "QVLANG=en\nMENU=1\nQVLANG=de\nMENU=a\nQVLANG=fr\nMENU=b\n");
+    const std::string file =
+        Write("x", "QVLANG=en\nMENU=2\nQVLANG=de\nMENU=c\nQVLANG=fr\nMENU=b\n");
+    const std::string folder = Path("out");
+    EXPECT_EQ(Run({"export", file, "--all", "--base", base, "-o", folder, "--code=en=en",
+                   "--code=de=de", "--code=fr=fr"}),
+              0);
+    EXPECT_EQ(m_err, folder + "/de.xlf: wrote 1 entry\n" + folder +
+                         "/fr.xlf: wrote 1 entry, 1 to review\n");
+    EXPECT_EQ(ReadFile(folder + "/de.xlf"), Document(Translated("MENU", "2", "c"), "", "de"));
+}
+
 TEST_F(Export, AsksForNoReviewInASectionThatAnotherHides) {
     const std::string base = Write("base",
                                    "QVLANG=en\nMENU=1\nQVLANG=\"de\"\nMENU=a\nQVLANG=de\nMENU=a\n"
@@ -177,7 +191,7 @@ TEST_F(Export, LeavesOutWhatXmlCannotHold) {
 TEST_F(Export, CountsOnlyWhatItWrites) {
     const std::string file = Write("x",
                                    "QVLANG=en\nONE_=\"1\"\nTWO_=\"2\"\nNINE=\"9\"\n"
-                                   "QVLANG=de\nONE_=\"\x01\"\nNINE=\"9\"\n");
+                                   "QVLANG=de\nONE_=\"\x01\"\nNINE=\"9\"\nONE_=\"2\"\n");
     const std::string output = Path("o");
     EXPECT_EQ(Run({"export", file, "--language=de", "-o", output, "--code=en=en", "--code=de=de"}),
               1);
@@ -227,6 +241,13 @@ TEST_F(Export, WritesTheLimitsOfDirectives) {
                               Unit("TWO_", Source("2") + Target("2"),
                                    " maxwidth=\"0\" size-unit=\"char\" approved=\"yes\"") +
                               Unit("THREE", Source("3")) + Unit("FOUR", Source("4"))));
+
+    EXPECT_EQ(RunGerman("QVLANG=en\n# orva: max-length 5\nMENU=\"x\"\n"
+                        "QVLANG=de\n# orva: max-length 3\nMENU=\"x\"\n"),
+              0);
+    EXPECT_EQ(m_out, Document(Unit("MENU", Source("x") + Target("x"),
+                                   " maxwidth=\"3\" size-unit=\"char\" approved=\"yes\"")))
+        << "the last limit of a key, as in check";
 }
 
 TEST_F(Export, LeavesOutProtectedEntries) {
@@ -421,6 +442,10 @@ TEST_F(Export, RefusesWrongOutputs) {
     expectUsageError({"--language=Deutsch", "-o", Write("o", std::string(1000, ' ') + "<xliff")},
                      Path("o") + ": not replaced, since 'orva-strings export' has not written it");
     EXPECT_EQ(ReadFile(Path("other")), "x");
+    const std::string base = Write("base", kThree);
+    expectUsageError({"--language=Deutsch", "--base", base, "-o", base},
+                     base + ": the output would overwrite this file");
+    EXPECT_EQ(ReadFile(base), kThree);
 
     const std::string name = Write("\xFF", kThree);
     EXPECT_EQ(Run({"export", name, "--language=Deutsch", "-o-"}), 2);

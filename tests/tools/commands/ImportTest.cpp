@@ -297,6 +297,11 @@ TEST_F(Import, RefusesInlineElementsThatATextCannotHold) {
     EXPECT_EQ(Strings(), With({{"\"Auf\"", "\"Öffnen\""}, {"Ende", "End"}}));
     EXPECT_EQ(RunOn(Whole(Part("de", unit("MENU_OPEN", "<g id=\"1\">Open</g>", "")))), 0)
         << "no translation";
+    EXPECT_EQ(RunOn(Whole(Part("de",
+                               "<trans-unit id=\"MENU_OPEN\"><source>Open</source>"
+                               "<target state=\"new\"><g id=\"1\">Auf</g></target></trans-unit>"))),
+              0);
+    EXPECT_EQ(m_err, "s.strings: changed 0 entries, 1 is not finished\n");
 }
 
 TEST_F(Import, ReadsADocumentOnStandardInput) {

@@ -177,6 +177,8 @@ TEST_F(Report, NeverShowsAProtectedText) {
         "%(S7)s\"\nQVLANG=de\nIDE_PH=x\n");
     EXPECT_EQ(m_out.find("S4"), std::string::npos) << m_body;
     EXPECT_EQ(m_out.find("S7"), std::string::npos) << m_body;
+    Show("QVLANG=en\nAAAA=1\nQVLANG=de\nAAAA=a\nIDE_KEY:\"S4\"=\"\"\n");
+    EXPECT_EQ(m_out.find("S4"), std::string::npos) << m_body;
     Show("QVLANG=en\nADE_A=one\nIXE_A=two\nIDX_A=three\nID  =four\nQVLANG=de\n");
     EXPECT_TRUE(Has(">one<") && Has(">two<") && Has(">three<") && Has(">four<"));
 }
@@ -210,6 +212,14 @@ TEST_F(Report, WritesAFileButReplacesNoOther) {
     EXPECT_EQ(m_err, page + ": wrote the report on 1 file\n");
     EXPECT_EQ(ReadFile(page).find("<bdi>fr</bdi>"), std::string::npos);
     EXPECT_EQ(Run({"report", "-o", Write("empty", ""), file}), 0);
+    const std::string link = Path("link.html");
+    std::filesystem::create_symlink("page.html", link);
+    const std::string before = ReadFile(page);
+    EXPECT_EQ(Run({"report", "-o", link, file, file}), 0);
+    EXPECT_EQ(m_err, link + ": wrote the report on 2 files\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_NE(ReadFile(page), before) << "where the link leads";
+    EXPECT_EQ(Run({"report", "-o", page, file}), 0);
     EXPECT_EQ(Run({"report", "-o", file, file}), 2);
     EXPECT_EQ(m_err, "orva-strings: error: " + file +
                          ": not replaced, since 'orva-strings report' has not written it\n");

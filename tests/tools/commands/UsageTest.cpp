@@ -223,6 +223,8 @@ TEST_F(Usage, TakesABareNameForAConstantOnlyWithItsNamespace) {
     EXPECT_EQ(Find("a.cpp", "using namespace text; f(ABCD);", "ABCD", {"--scope", "app::text"}),
               kNothing);
     EXPECT_EQ(Find("a.cpp", "using namespace keys; f(ABCD);", "ABCD", {"--scope", "text"}), unused);
+    EXPECT_EQ(Find("a.cpp", "using namespace keys; f(ABC_D); g(\"ABC_\" + h);", "ABC_D"), kNothing)
+        << "not put together, too";
 }
 
 TEST_F(Usage, ListsKeysThatMayBePutTogetherAtRunTime) {

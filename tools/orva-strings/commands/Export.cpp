@@ -219,7 +219,7 @@ private:
         for (const Target& target : targets) {
             const fs::path file = fs::path(m_output) / (target.code + ".xlf");
             outputs.push_back(isFolder ? file.string() : m_output);
-            for (const std::string& input : {m_file, m_keyFile}) {
+            for (const std::string& input : {m_file, m_keyFile, m_base}) {
                 std::error_code isMissing;
                 if (fs::equivalent(outputs.back(), input, isMissing)) {
                     throw UsageError(outputs.back() + ": the output would overwrite this file");
