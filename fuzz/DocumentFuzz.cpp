@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fuzz/Check.h"
+#include "fuzz/TwoInputs.h"
 #include "tools/orva-strings/document/StringsDocument.h"
 
 namespace {
@@ -46,10 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) {
         return 0;
     }
-    const std::string input(reinterpret_cast<const char*>(data + 1), size - 1);
-    const std::size_t end = std::min(input.find('\0'), input.size());
-    const std::string value = input.substr(0, end);
-    const std::string file = end < input.size() ? input.substr(end + 1) : "";
+    const auto [value, file] = TwoInputs(data + 1, size - 1);
 
     StringsDocument document(file);
     Check(document.Bytes() == file, "a file comes out as it went in");

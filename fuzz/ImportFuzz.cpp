@@ -3,7 +3,6 @@
 // is imported a second time changes nothing.
 //
 // Input: a byte of options, the XLIFF file, a NUL, the strings file.
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -15,6 +14,7 @@
 
 #include "fuzz/Check.h"
 #include "fuzz/NaiveStrings.h"
+#include "fuzz/TwoInputs.h"
 #include "tools/orva-strings/document/FindSection.h"
 #include "tools/orva-strings/exchange/Importer.h"
 #include "tools/orva-strings/protection/MasterKey.h"
@@ -102,10 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) {
         return 0;
     }
-    const std::string input(reinterpret_cast<const char*>(data + 1), size - 1);
-    const std::size_t end = std::min(input.find('\0'), input.size());
-    const std::string xliff = input.substr(0, end);
-    const std::string file = end < input.size() ? input.substr(end + 1) : "";
+    const auto [xliff, file] = TwoInputs(data + 1, size - 1);
     ImportOptions options;
     options.creates = (data[0] & 1U) != 0;
     options.acceptsStale = (data[0] & 2U) != 0;

@@ -370,6 +370,19 @@ TEST_F(Import, AddsNoSectionWithoutAnEntry) {
     EXPECT_EQ(Strings(), kSource);
 }
 
+TEST_F(Import, AddsNoSectionWhoseNameIsMeantOtherwise) {
+    const std::string document =
+        Write("x.xlf", Whole(Part("nl", Xml({"MENU_QUIT", "Quit", "Einde"}))));
+    for (const std::string name : {" Nederlands ", "\"Nederlands\""}) {
+        EXPECT_EQ(Run({"import", "--create", "--code", "English=en", "--code", name + "=nl",
+                       Path("s.strings"), document}),
+                  1);
+        EXPECT_NE(m_err.find("x.xlf:1: error: a section can't have the name "), std::string::npos)
+            << m_err;
+        EXPECT_EQ(Strings(), kSource);
+    }
+}
+
 TEST_F(Import, AddsNoSectionWithALineEndInItsName) {
     const std::string document =
         Write("x.xlf", Whole(Part("nl", Xml({"MENU_QUIT", "Quit", "Einde"}))));

@@ -171,6 +171,12 @@ TEST_F(Report, NeverShowsAProtectedText) {
     EXPECT_EQ(m_out.find("secret-"), std::string::npos) << m_body;
     EXPECT_TRUE(Has("<th scope=\"row\" class=\"key\">IDE_NAME</th>")) << m_body;
     EXPECT_TRUE(Has("about a protected text"));
+    // Too short to be looked for in a text: in a key, and in what a finding quotes.
+    Show(
+        "QVLANG=en\nIDE_KEY:\"S4\"=\"\"\nIDE_PH=\"a long text with "
+        "%(S7)s\"\nQVLANG=de\nIDE_PH=x\n");
+    EXPECT_EQ(m_out.find("S4"), std::string::npos) << m_body;
+    EXPECT_EQ(m_out.find("S7"), std::string::npos) << m_body;
     Show("QVLANG=en\nADE_A=one\nIXE_A=two\nIDX_A=three\nID  =four\nQVLANG=de\n");
     EXPECT_TRUE(Has(">one<") && Has(">two<") && Has(">three<") && Has(">four<"));
 }

@@ -1,6 +1,5 @@
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -8,6 +7,7 @@
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/cli/UsageError.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/OwnOutput.h"
 #include "tools/orva-strings/document/FindSection.h"
 #include "tools/orva-strings/hosts/Constants.h"
 #include "tools/orva-strings/system/Files.h"
@@ -81,18 +81,8 @@ private:
     // file but one of constants, so that a slip costs nothing.
     ExitStatus WriteOutput(const std::string& text, const std::string& what,
                            const Console& console) const {
-        if (std::filesystem::exists(m_output)) {
-            if (!std::filesystem::is_regular_file(m_output)) {  // to read a pipe would never end
-                throw std::runtime_error(m_output + ": only a regular file can be replaced");
-            }
-            const std::string old = ReadFile(m_output);
-            if (old == text) {
-                return kDone;
-            }
-            if (!old.empty() && !IsConstantsFile(old)) {
-                throw std::runtime_error(
-                    m_output + ": not replaced, since 'orva-strings keys' has not written it");
-            }
+        if (ReadOwnOutput(m_output, "keys", IsConstantsFile) == text) {
+            return kDone;
         }
         if (m_isCheck) {
             console.SayDone(m_output, "would write " + what, [] {});

@@ -1,12 +1,11 @@
 #include <cstddef>
-#include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "tools/orva-strings/cli/Count.h"
 #include "tools/orva-strings/commands/CommonArguments.h"
+#include "tools/orva-strings/commands/OwnOutput.h"
 #include "tools/orva-strings/commands/TranslationsCommand.h"
 #include "tools/orva-strings/page/TranslationPage.h"
 #include "tools/orva-strings/system/Files.h"
@@ -39,16 +38,9 @@ private:
             page([&](std::string_view piece) { console.Out() << piece; });
             return;
         }
-        if (std::filesystem::exists(m_output)) {
-            if (!std::filesystem::is_regular_file(m_output)) {  // to read a pipe would never end
-                throw std::runtime_error(m_output + ": only a regular file can be replaced");
-            }
-            const std::string old = ReadFile(m_output);
-            if (!old.empty() && old.compare(0, kPageBegin.size(), kPageBegin) != 0) {
-                throw std::runtime_error(
-                    m_output + ": not replaced, since 'orva-strings report' has not written it");
-            }
-        }
+        ReadOwnOutput(m_output, "report", [](const std::string& old) {
+            return old.compare(0, kPageBegin.size(), kPageBegin) == 0;
+        });
         console.SayDone(m_output, "wrote the report on " + Count(m_count, "file", "files"),
                         [&] { WriteFile(m_output, page); });
     }

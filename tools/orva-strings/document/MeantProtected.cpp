@@ -34,27 +34,27 @@ bool HasProtectedWord(std::string_view text) {
 
 }  // namespace
 
-std::string_view MeantName(std::string_view key) {
+std::string_view MeantKey(std::string_view key) {
     const std::string_view text = FromName(key);
     const auto* const end = std::find_if_not(text.begin(), text.end(), IsNameCharacter);
     return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 
-std::string_view AfterMeantName(std::string_view key) {
-    return FromName(FromName(key).substr(MeantName(key).size()));
+std::string_view AfterMeantKey(std::string_view key) {
+    return FromName(FromName(key).substr(MeantKey(key).size()));
 }
 
-bool BeginsAsProtected(std::string_view name) {
-    std::string begin(name.substr(0, 3));
+bool BeginsAsProtected(std::string_view key) {
+    std::string begin(key.substr(0, 3));
     for (char& c : begin) {
         c = static_cast<char>(c & '\xDF');
     }
-    return name.substr(0, 3) == "IDE" || ((begin == "IDE" || begin == "DIE" || begin == "IED") &&
-                                          (name.size() == 3 || !IsLetter(name[3])));
+    return key.substr(0, 3) == "IDE" || ((begin == "IDE" || begin == "DIE" || begin == "IED") &&
+                                         (key.size() == 3 || !IsLetter(key[3])));
 }
 
 bool HoldsProtected(std::string_view line) {
-    bool isFound = BeginsAsProtected(MeantName(line)) || HasProtectedWord(line);
+    bool isFound = BeginsAsProtected(MeantKey(line)) || HasProtectedWord(line);
     FindNearProtected(line, [&](const StringsEntry&) { isFound = true; });
     return isFound;
 }

@@ -15,7 +15,7 @@ void AddTexts(const StringsEntry& entry, SecretTexts& secrets) {
     if (entry.value != entry.key) {
         secrets.Add(entry.value);
     }
-    const std::string_view rest = AfterMeantName(entry.key);
+    const std::string_view rest = AfterMeantKey(entry.key);
     secrets.Add(TrimBlanks(rest.substr(0, rest.rfind('"'))));
 }
 
@@ -56,7 +56,7 @@ SecretTexts FindSecretTexts(std::string_view bytes) {
         while (!text.empty()) {  // and what follows each carriage return
             const std::string_view piece = text.substr(0, text.find('\r'));
             const auto entry = ReadEntry(piece, buffer);
-            if (entry && BeginsAsProtected(MeantName(entry->key))) {
+            if (entry && BeginsAsProtected(MeantKey(entry->key))) {
                 AddTexts(*entry, secrets);
             }
             text.remove_prefix(std::min(piece.size() + 1, text.size()));

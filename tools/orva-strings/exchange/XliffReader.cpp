@@ -76,7 +76,7 @@ void* Reallocate(void* memory, std::size_t size) {
 XML_Parser MakeParser() {
     constexpr XML_Memory_Handling_Suite kMemory = {Allocate, Reallocate, Free};
     const char separator[] = {kNamespaceEnd, '\0'};
-    const XML_Parser parser = XML_ParserCreate_MM(nullptr, &kMemory, separator);
+    XML_Parser parser = XML_ParserCreate_MM(nullptr, &kMemory, separator);
     if (parser == nullptr) {
         throw std::bad_alloc();
     }

@@ -39,7 +39,7 @@ struct XliffUnit {
     std::optional<std::string> target;
     std::string state;  // of the target
 
-    // The first inline element whose meaning the texts lack, such as "g"; empty if there is none.
+    // The first inline element whose meaning the texts lack, such as "g". Empty if they lack nothing.
     // One that only marks a text, or says which text it stands for, becomes that text.
     std::string lost;
 };

@@ -344,9 +344,11 @@ Findings CheckConstants(const std::vector<HostKey>& keys, const ConstantsStyle& 
             }
         }
         if (!fault.empty()) {
-            const std::string name = key.key.empty() ? "" : std::string(key.key) + ": ";
-            findings.push_back(
-                {Severity::kError, key.line.number, name + "there can be no constant: " + fault});
+            std::string text(key.key);
+            text += text.empty() ? "" : ": ";
+            text += "there can be no constant: ";
+            text += fault;
+            findings.push_back({Severity::kError, key.line.number, text});
         } else if (NameInScope(key.key) != key.key && ++renamed <= kMaxNamed) {
             findings.push_back(
                 {Severity::kNote, key.line.number,

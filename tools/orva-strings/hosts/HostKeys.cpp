@@ -17,7 +17,7 @@ std::vector<HostKey> ReadHostKeys(StringsReader section, std::string_view bytes)
         if (!entry || IsCommentLike(line) || !known.insert(entry->key).second) {
             continue;
         }
-        const std::string_view name = MeantName(entry->key);
+        const std::string_view name = MeantKey(entry->key);
         const bool isProtected = HoldsProtected(line);
         if ((isProtected && name != TrimBlanks(entry->key)) || secrets.AreShownBy(entry->key)) {
             const bool isNamed = BeginsAsProtected(name) && !secrets.AreShownBy(name);

@@ -41,11 +41,11 @@ bool IsDone(TextState state) {
 class HiddenTexts {
 public:
     HiddenTexts(std::string_view bytes, const Translations& translations)
-        : m_secrets(FindSecretTexts(bytes)), m_all(FindSecretTexts(bytes)) {
+        : m_secrets(FindSecretTexts(bytes)) {
         for (const Translation& language : translations.languages) {
             for (const Entry& entry : language.entries.All()) {
                 if (IsKeyHidden(entry.key)) {
-                    m_all.Add(entry.key);
+                    m_keys.Add(entry.key);
                 }
             }
         }
@@ -63,21 +63,21 @@ public:
         if (!IsKeyHidden(key)) {
             return key;
         }
-        const std::string_view name = MeantName(key);
+        const std::string_view name = MeantKey(key);
         return BeginsAsProtected(name) && !m_secrets.AreShownBy(name) ? name : std::string_view();
     }
 
     // Whether a finding's text shows a text or a key.
-    bool AreIn(std::string_view text) const { return m_all.AreIn(text); }
+    bool AreIn(std::string_view text) const { return m_secrets.AreIn(text) || m_keys.AreIn(text); }
 
 private:
     bool IsKeyHidden(std::string_view key) const {
-        return (HoldsProtected(key) && MeantName(key) != TrimBlanks(key)) ||
+        return (HoldsProtected(key) && MeantKey(key) != TrimBlanks(key)) ||
                m_secrets.AreShownBy(key);
     }
 
     SecretTexts m_secrets;
-    SecretTexts m_all;  // with the keys
+    SecretTexts m_keys;  // those that hold one
 };
 
 std::string Tagged(const std::string& name, const std::string& attributes,
