@@ -286,7 +286,7 @@ Where a goal is not met, this is in the way:
 - Skipping a section copies each line out of the stream's buffer.
 - A million entries do not fit into the caches, a thousand do.
 - At a host's start, the system binds Nettle's 546 symbols, as Debian links it.
-- To protect a text takes two cipher calls, for its tag and for itself, and each expands its key anew:
+- To protect a text takes two cipher calls, for its tag and for itself, and each expands its key again:
   over two fifths of the instructions, so that 10,000 texts can't take less than about 5 ms here.
 
 ![Lookups, loads, starts and memory, ours and the others']({plot})

@@ -9,7 +9,7 @@
 set -euo pipefail
 build=$1 document=$2
 for program in make ninja; do
-    command -v "$program" >/dev/null || { echo "skipped: $program is missing"; exit 77; }
+    command -v "$program" >/dev/null || { echo "skipped: $program is missing; scripts/setup build installs it"; exit 77; }
 done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -12,7 +12,7 @@ for program in clang go gnustep-config rustc; do
     command -v "$program" >/dev/null || missing+=("$program")
 done
 if [ ${#missing[@]} -gt 0 ]; then
-    echo "missing: ${missing[*]}; scripts/setup hosts installs them"
+    echo "skipped: ${missing[*]} missing; scripts/setup hosts installs what is missing"
     # Many machines have Go or Rust, but hardly any has GNUstep without that part.
     if [[ ${missing[*]} == *gnustep* ]]; then exit 77; fi
     exit 1

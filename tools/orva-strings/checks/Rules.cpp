@@ -43,7 +43,7 @@ const RuleText kRules[] = {
     {"byte-order-mark",
      kError,
      "a byte-order mark at the start of a line",
-     "The mark belongs to its line, so a header after it is no header, and a key after it is "
+     "The mark belongs to its line, so a header after it is not a header, and a key after it is "
      "another key. Editors write the mark at the start of a file; joining files leaves it in the "
      "middle. 'orva-strings fix' removes it.",
      {"\xEF\xBB\xBFQVLANG=en\nMENU_OPEN=\"Open\"\n", "QVLANG=en\nMENU_OPEN=\"Open\"\n"}},

@@ -77,7 +77,7 @@ private:
         return style;
     }
 
-    // Leaves a file alone that is as it should be, so that a build compiles nothing anew. Replaces no
+    // Leaves a file alone that is as it should be, so that a build compiles nothing again. Replaces no
     // file but one of constants, so that a slip costs nothing.
     ExitStatus WriteOutput(const std::string& text, const std::string& what,
                            const Console& console) const {

@@ -33,7 +33,7 @@ public:
     std::optional<std::string_view> SetValue(const StringsLine& line, std::string_view value);
 
     // Changes a quoted value that SetValue can't write to one without quotes, where a backslash and
-    // an n are no escape. Returns false, and changes nothing, if the line has anything else after
+    // an n are not an escape. Returns false, and changes nothing, if the line has anything else after
     // its equals sign, or if the value would not read back the same.
     bool SetUnquoted(const StringsLine& line, std::string_view value);
 

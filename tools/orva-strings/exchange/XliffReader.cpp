@@ -19,8 +19,8 @@ constexpr std::string_view kNamespace12 = "urn:oasis:names:tc:xliff:document:1.2
 constexpr std::string_view kNamespaces[] = {"", "urn:oasis:names:tc:xliff:document:1.1",
                                             kNamespace12};
 
-// The parser begins a tag or comment that is not complete anew with each piece, so a long one takes
-// time in proportion to the square of its length.
+// With each piece, the parser reads a tag or comment that is not complete from its start, so a long
+// one takes time in proportion to the square of its length.
 constexpr std::size_t kMaxToken = std::size_t{1} << 20U;
 
 std::string_view Attribute(const char** attributes, std::string_view name) {
