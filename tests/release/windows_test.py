@@ -131,11 +131,15 @@ def xdotool(command):
 
 
 def take_screenshot():
-    within(30, lambda: xdotool("getactivewindow"), bool)
-    # On a busy machine, the menu that closes may still have the focus, and be gone once it is drawn.
-    command = ["scrot", "--focused", "--border", "--overwrite", screenshot]
-    status = within(30, lambda: subprocess.run(command).returncode, lambda found: found == 0)
-    assert status == 0, f"scrot ended with {status}"
+    # On a busy machine, the menu that closes may leave no window with the focus.
+    focus = ["xdotool", "search", "--onlyvisible", "--name", toolkit, "windowactivate", "windowfocus"]
+    shoot = ["scrot", "--focused", "--border", "--overwrite", screenshot]
+
+    def status():
+        return subprocess.run(focus).returncode or subprocess.run(shoot).returncode
+
+    found = within(30, status, lambda answer: answer == 0)
+    assert found == 0, f"no screenshot: status {found}"
     image = GdkPixbuf.Pixbuf.new_from_file(screenshot)
     pixels, width = image.get_pixels(), image.get_n_channels()
     colours = {pixels[i : i + width] for i in range(0, len(pixels), width)}
