@@ -187,7 +187,7 @@ private:
     static std::optional<StringsReader> FindNamed(std::string_view bytes, const std::string& name,
                                                   Findings& findings) {
         Findings missing;
-        const auto section = FindSection(bytes, name, false, missing);
+        auto section = FindSection(bytes, name, false, missing);
         findings.insert(findings.end(), missing.begin(), missing.end());
         return section;
     }
