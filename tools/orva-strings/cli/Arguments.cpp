@@ -1,10 +1,9 @@
 #include "tools/orva-strings/cli/Arguments.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include "tools/orva-strings/cli/UsageError.h"
+#include "tools/orva-strings/system/Files.h"
 
 namespace {
 
@@ -56,9 +55,8 @@ bool Arguments::HasOneInput() const {
 const std::string* Arguments::OutputOverAKey() const {
     for (const auto& [outputRole, output] : m_values) {
         for (const auto& [keyRole, key] : m_values) {
-            std::error_code isMissing;
             if (outputRole == Role::kOutput && keyRole == Role::kKey &&
-                std::filesystem::equivalent(*output, *key, isMissing)) {
+                AreSameFile(*output, *key)) {
                 return output;
             }
         }

@@ -220,8 +220,7 @@ private:
             const fs::path file = fs::path(m_output) / (target.code + ".xlf");
             outputs.push_back(isFolder ? file.string() : m_output);
             for (const std::string& input : {m_file, m_keyFile, m_base}) {
-                std::error_code isMissing;
-                if (fs::equivalent(outputs.back(), input, isMissing)) {
+                if (AreSameFile(outputs.back(), input)) {
                     throw UsageError(outputs.back() + ": the output would overwrite this file");
                 }
             }

@@ -255,12 +255,19 @@ void ReadFileInPieces(const std::string& path, const TakePiece& take) {
 }
 
 std::filesystem::file_status StatusOf(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (status.type() == std::filesystem::file_type::none) {
-        throw std::system_error(error, path);
+    try {
+        return std::filesystem::status(path);
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw std::system_error(error.code(), path);
     }
-    return status;
+}
+
+// Not std::filesystem::equivalent, which libc++ lets allocate, but not throw.
+bool AreSameFile(const std::string& a, const std::string& b) {
+    struct stat first = {};
+    struct stat second = {};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 std::string ReadStandardInput() {

@@ -28,6 +28,9 @@ std::string ReadStandardInput();
 // std::system_error if the system can't tell.
 std::filesystem::file_status StatusOf(const std::string& path);
 
+// Whether two paths name the same file. Not if it is missing.
+bool AreSameFile(const std::string& a, const std::string& b);
+
 // The bytes of a file, and its status when they were read.
 struct FileSnapshot {
     std::string bytes;
