@@ -17,7 +17,7 @@ void Directives::Read(const MeantReader& line, FindingCollector& findings) {
         }
     }
     m_isBelowHeader = IsRightBelowHeader(line.Lines(), m_isBelowHeader);
-    m_hasLanguage = m_hasLanguage && m_isBelowHeader && !line.Lines().IsHeader();
+    m_hasLanguage = m_hasLanguage && !line.Lines().IsHeader();
     for (; m_pending < m_silences.size(); ++m_pending) {
         m_silences[m_pending].line = line.Line().number;
     }
